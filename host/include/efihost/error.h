@@ -1,0 +1,34 @@
+// What goes wrong with a call, and with loading a pack.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+#include "efi/platform.h"
+
+namespace efihost {
+
+// A call that came to nothing: the pack's error value, or a call that the host could not make.
+// Its text reads `dwt: must be real array (argument 1)`.
+class EFI_HOST Error : public std::runtime_error {
+ public:
+    Error(std::string function, std::string message, int argument);
+
+    const std::string& function() const { return function_; }
+    const std::string& message() const { return message_; }
+    // The 1-based position of the argument at fault; 0: the call as a whole.
+    int argument() const { return argument_; }
+
+ private:
+    std::string function_;
+    std::string message_;
+    int argument_;
+};
+
+// A library that is not there, or is not a function pack.
+class EFI_HOST LoadError : public std::runtime_error {
+ public:
+    using std::runtime_error::runtime_error;
+};
+
+}  // namespace efihost

@@ -1,0 +1,119 @@
+// A host for function packs: makes values, calls a pack's functions by name, and gives the packs
+// the services of include/efi.
+//
+//     efihost::Pack pack("libundula.so");
+//     efihost::Host host;
+//     Value w = host.call(pack, "daublet", 4);
+//     Value y = host.call(pack, "dwt", Value::column(samples), 3, w);
+//
+// Packs have state of their own, so no two calls overlap, in the whole process: a call waits for
+// the one lock there is. The lock is recursive; a user function may call the library again.
+#pragma once
+
+#include <concepts>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <span>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "efi/services.h"
+#include "efihost/error.h"
+#include "efihost/pack.h"
+#include "efihost/value.h"
+
+namespace efihost {
+
+class EFI_HOST Host {
+ public:
+    Host();
+    virtual ~Host();
+    Host(const Host&) = delete;
+    Host& operator=(const Host&) = delete;
+
+    // Calls a function. Throws Error when the result is an error value, when the pack has no such
+    // function, or when a function of fixed arity is given another number of arguments; and
+    // whatever a user function or the interruption question threw on the way, as it was thrown.
+    Value call(const Function& function, std::span<const Value> arguments);
+    Value call(const Pack& pack, std::string_view name, const std::vector<Value>& arguments) {
+        return call(pack.function(name), arguments);
+    }
+    template <class... Arguments>
+    requires(std::convertible_to<Arguments, Value>&&...) Value
+        call(const Pack& pack, std::string_view name, Arguments&&... arguments) {
+        return call(pack, name, std::vector<Value>{Value(std::forward<Arguments>(arguments))...});
+    }
+
+    // The same, but an error value is a result like any other.
+    Value callRaw(const Function& function, std::span<const Value> arguments);
+    Value callRaw(const Pack& pack, std::string_view name, const std::vector<Value>& arguments) {
+        return callRaw(pack.function(name), arguments);
+    }
+
+    // The most arguments that a call may have.
+    static constexpr int maxArguments = 12;
+
+    // Takes the lock that every call takes. Whoever holds another lock that user functions need
+    // (an interpreter's) lets go of it, takes this one, and then calls.
+    static std::unique_lock<std::recursive_mutex> lock();
+
+    // Asked whenever a pack polls for interruption; true ends the call with "interrupted". What it
+    // throws comes out of the call.
+    void setInterrupt(std::function<bool()> question);
+
+    // Root cells taken and not given back, and references to the services taken and not released.
+    int liveRoots() const;
+    int heldInterfaces() const;
+
+    // The services, as packs reach them through include/efi: a derived host may change any.
+    // Each may throw the three things that a service may throw; null, or a failing status, says
+    // that there is no memory.
+    virtual aMatrix* makeMatrix(int rows, int cols, double* re, double* im, unsigned bytes);
+    virtual aComplex* makeScalar();
+    virtual Cons* makeCell(Anyval* value, Cons* next);
+    virtual Anyval* makeError(const char* message, int argIndex);
+    virtual EfiRootSet* openRootSet();
+    virtual Anyval** addRoot();
+    virtual void removeRoot(Anyval** cell);
+    virtual std::int32_t applyList(aLambda* function, Cons* arguments, Anyval** result);
+    virtual std::int32_t applyOne(aLambda* function, Anyval* argument, Anyval** result);
+    virtual std::int32_t pollInterrupt();
+    virtual aMatrix* transform(Anyval* column, bool inverse);
+    virtual std::int64_t findNested(const aMatrix* matrix, std::int64_t from);
+    virtual Anyval* readNested(const aMatrix* matrix, int row, int col);
+    virtual std::int32_t writeNested(aMatrix* matrix, int row, int col, Anyval* value);
+
+ private:
+    friend class Call;
+    struct State;
+    std::unique_ptr<State> state_;
+};
+
+// A call in progress, for those who call what a pack exports by themselves: holds the lock, lends
+// the context, and owns what is made until it ends.
+class EFI_HOST Call {
+ public:
+    explicit Call(Host& host);
+    ~Call();
+    Call(const Call&) = delete;
+    Call& operator=(const Call&) = delete;
+
+    EfiCallContext* context() const;
+
+    // Shares a result of the pack with the caller, beyond the call. Empty for null. Throws
+    // instead what a user function or the interruption question threw meanwhile.
+    Value finish(Anyval* result);
+
+ private:
+    friend class Host;
+    struct Frame;
+    std::unique_lock<std::recursive_mutex> lock_;
+    Host& host_;
+    std::unique_ptr<Frame> frame_;
+    Frame* outer_;
+};
+
+}  // namespace efihost

@@ -1,0 +1,55 @@
+// A function pack, loaded from a file.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include "efi/pack.h"
+
+namespace efihost {
+
+// A row of a pack's table.
+struct Function {
+    std::string_view name;
+    std::optional<int> arity;  // the number of arguments; none where it varies
+    EfiEntry entry;
+};
+
+// The functions of a loaded library, which stays loaded for the life of the process: a pack has
+// no way to undo what it did when it was loaded. Copies are cheap enough and equal.
+class EFI_HOST Pack {
+ public:
+    // Throws LoadError when there is no such library, or when it is not a function pack.
+    explicit Pack(const std::filesystem::path& path);
+
+    // In table order.
+    const std::vector<Function>& functions() const { return functions_; }
+    std::vector<std::string_view> names() const;
+    bool has(std::string_view name) const { return find(name) != nullptr; }
+    // Throws Error when the pack has no such function. The reference lives as long as the pack.
+    const Function& function(std::string_view name) const;
+
+    // The raw table, as the library exports it.
+    std::span<const EfiFunction> table() const { return table_; }
+    // The address of any exported symbol; null when there is none.
+    void* symbol(const char* name) const;
+
+    // Has the pack register itself with the host (registration.h), or take that back. The result
+    // is the pack's answer.
+    int registerServer() const { return register_(); }
+    int unregisterServer() const { return unregister_(); }
+
+ private:
+    const Function* find(std::string_view name) const;
+
+    void* library_;
+    std::span<const EfiFunction> table_;
+    std::vector<Function> functions_;
+    int (*register_)();
+    int (*unregister_)();
+};
+
+}  // namespace efihost

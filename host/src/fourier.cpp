@@ -1,0 +1,118 @@
+#include "fourier.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <kissfft.hh>
+#include <numbers>
+
+namespace efihost {
+
+namespace {
+
+using Complex = std::complex<double>;
+
+// The butterflies take time proportional to a prime factor at each of the n points.
+constexpr std::size_t largestDirectFactor = 50;
+
+// Plans take 16 to 150 bytes a point. One of more than `longestKept` points is not kept, and all are
+// dropped when they would have more than `pointsKept` together.
+constexpr std::size_t longestKept = std::size_t{1} << 17;
+constexpr std::size_t pointsKept = std::size_t{1} << 19;
+
+// What is left of n without the prime factors up to `largest`.
+std::size_t roughPart(std::size_t n, std::size_t largest) {
+    for (std::size_t factor = 2; factor <= largest; ++factor) {
+        while (n % factor == 0) n /= factor;
+    }
+    return n;
+}
+
+std::size_t smoothLengthFrom(std::size_t least) {
+    std::size_t n = least;
+    while (roughPart(n, 5) != 1) ++n;
+    return n;
+}
+
+class DirectPlan : public FourierPlan {
+ public:
+    DirectPlan(std::size_t n, bool inverse) : fft_(n, inverse) {}
+
+    void transform(std::vector<Complex>& data) const override {
+        std::vector<Complex> result(data.size());
+        fft_.transform(data.data(), result.data());
+        data.swap(result);
+    }
+
+ private:
+    kissfft<double> fft_;
+};
+
+// With m k = (m^2 + k^2 - (m - k)^2) / 2 the transform becomes a convolution with the chirp
+// exp(-+pi i k^2 / n), which transforms of a smooth length carry out.
+class ChirpPlan : public FourierPlan {
+ public:
+    ChirpPlan(std::size_t n, bool inverse)
+        : chirp_(n),
+          response_(smoothLengthFrom(2 * n - 1)),
+          forwards_(response_.size(), false),
+          backwards_(response_.size(), true) {
+        const double unit = (inverse ? 1.0 : -1.0) * std::numbers::pi / static_cast<double>(n);
+        for (std::size_t k = 0; k < n; ++k) {
+            // The square is reduced as an integer, so that no digit of the angle is lost.
+            const std::uint64_t square = std::uint64_t{k} * k % (2 * std::uint64_t{n});
+            chirp_[k] = std::polar(1.0, unit * static_cast<double>(square));
+        }
+        const double scale = 1.0 / static_cast<double>(response_.size());
+        response_[0] = std::conj(chirp_[0]) * scale;
+        for (std::size_t k = 1; k < n; ++k) {
+            response_[k] = response_[response_.size() - k] = std::conj(chirp_[k]) * scale;
+        }
+        forwards_.transform(response_);
+    }
+
+    void transform(std::vector<Complex>& data) const override {
+        std::vector<Complex> padded(response_.size());
+        std::ranges::transform(data, chirp_, padded.begin(), std::multiplies<>());
+        forwards_.transform(padded);
+        std::ranges::transform(padded, response_, padded.begin(), std::multiplies<>());
+        backwards_.transform(padded);
+        std::transform(chirp_.begin(), chirp_.end(), padded.begin(), data.begin(), std::multiplies<>());
+    }
+
+ private:
+    std::vector<Complex> chirp_;
+    std::vector<Complex> response_;  // spectrum of the conjugate chirp, over the padded length
+    DirectPlan forwards_;
+    DirectPlan backwards_;
+};
+
+std::unique_ptr<FourierPlan> makePlan(std::size_t n, bool inverse) {
+    if (roughPart(n, largestDirectFactor) == 1) return std::make_unique<DirectPlan>(n, inverse);
+    return std::make_unique<ChirpPlan>(n, inverse);
+}
+
+}  // namespace
+
+void FourierTransformer::transform(std::vector<Complex>& data, bool inverse) {
+    const std::size_t n = data.size();
+    if (n > longestKept) {
+        makePlan(n, inverse)->transform(data);
+    } else {
+        keptPlan(n, inverse).transform(data);
+    }
+}
+
+const FourierPlan& FourierTransformer::keptPlan(std::size_t n, bool inverse) {
+    const std::pair key(n, inverse);
+    if (const auto found = plans_.find(key); found != plans_.end()) return *found->second;
+    if (points_ + n > pointsKept) {
+        plans_.clear();
+        points_ = 0;
+    }
+    const auto added = plans_.emplace(key, makePlan(n, inverse)).first;
+    points_ += n;
+    return *added->second;
+}
+
+}  // namespace efihost

@@ -1,0 +1,380 @@
+#include "efihost/host.h"
+
+#include <algorithm>
+#include <array>
+#include <deque>
+#include <exception>
+#include <list>
+#include <new>
+
+#include "efi/faults.h"
+#include "fourier.h"
+#include "invoke.h"
+#include "services.h"
+#include "values.h"
+
+namespace efihost {
+
+namespace {
+
+// A cell of a list, with the handle that its value lives by.
+struct ListCell {
+    Cons cell;
+    Value value;
+};
+
+// The pack writes into the cell behind the host's back; `held` follows before anything is freed.
+struct Root {
+    Anyval* cell = nullptr;
+    Value held;
+};
+
+}  // namespace
+
+// What a call owns until it ends. The results of the last evaluation and of the last transform
+// live until the next one, so that the millions of them in one call do not pile up.
+struct Call::Frame {
+    explicit Frame(Host::State& state);
+
+    // The host's part of a user function; null for anything else.
+    OwnedFunction* calleeOf(const aLambda* function);
+
+    EfiCallContext context;
+    std::vector<Value> made;
+    std::deque<ListCell> lists;
+    Value evaluated;
+    Value transformed;
+    std::vector<Value> arguments;  // of the last evaluation
+    Value callee;                  // of the last evaluation
+    std::exception_ptr thrown;     // what comes out of the call when the pack has returned
+};
+
+struct Host::State {
+    explicit State(Host& host) : allocator(host), rootSet(host, allocator), evaluator(host) {}
+
+    Call::Frame& current() const;
+    void holdRoots();
+    std::int32_t apply(const aLambda* function, const Cons* arguments, Anyval** result);
+
+    Allocator allocator;
+    RootSet rootSet;
+    Evaluator evaluator;
+    std::list<Root> roots;
+    std::function<bool()> question;
+    FourierTransformer fourier;
+    Call::Frame* frame = nullptr;
+    Value outOfMemory = Value::error("out of memory", 0);  // made while there is memory
+};
+
+Call::Frame::Frame(Host::State& state) : context{&state.allocator, &state.evaluator} {}
+
+OwnedFunction* Call::Frame::calleeOf(const aLambda* function) {
+    if (!function) return nullptr;
+    if (callee.raw() != function) callee = Value::of(function);
+    return callee.isFunction() ? &Values::get<OwnedFunction>(callee) : nullptr;
+}
+
+Call::Frame& Host::State::current() const {
+    if (!frame) throw "no call is in progress";
+    return *frame;
+}
+
+void Host::State::holdRoots() {
+    for (Root& root : roots) {
+        if (root.held.raw() != root.cell) root.held = Value::of(root.cell);
+    }
+}
+
+namespace {
+
+// Only what packs know how to pass on may be thrown through them. Anything else that the user's
+// code throws is kept until the pack has returned, and looks like an interruption until then.
+template <class Work>
+std::int32_t shielded(std::exception_ptr& thrown, Work work) {
+    try {
+        return work();
+    } catch (const char*) {
+        throw;
+    } catch (aError*) {
+        throw;
+    } catch (SE_FPE_Exception&) {
+        throw;
+    } catch (...) {
+        thrown = std::current_exception();
+        return efiInterrupted;
+    }
+}
+
+template <class Make>
+auto orNull(Make make) -> decltype(make()) {
+    try {
+        return make();
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
+// Scalars are copied: a pack may hand over one of its own, and change it for the next evaluation.
+void takeArguments(std::vector<Value>& taken, const Cons* list) {
+    std::size_t count = 0;
+    for (; list; list = list->next, ++count) {
+        if (taken.size() == count) taken.emplace_back();
+        const Anyval* value = list->value;
+        if (value && value->tag == TagScalar) {
+            const auto& scalar = static_cast<const aComplex&>(*value);
+            Values::putScalar(taken[count], {scalar.re, scalar.im});
+        } else {
+            taken[count] = Value::of(value);
+        }
+    }
+    taken.resize(count);
+}
+
+const aComplex* oneRealScalar(const Cons* list) {
+    if (!list || list->next || !list->value || list->value->tag != TagScalar) return nullptr;
+    const auto* scalar = static_cast<const aComplex*>(list->value);
+    return scalar->im == 0.0 ? scalar : nullptr;
+}
+
+void evaluateReal(const RealCallback& function, const Cons* arguments, Value& result) {
+    if (const aComplex* x = oneRealScalar(arguments)) {
+        Values::putScalar(result, function(x->re));
+    } else {
+        result = Value::error("must be real scalar", 0);
+    }
+}
+
+}  // namespace
+
+std::int32_t Host::State::apply(const aLambda* function, const Cons* arguments, Anyval** result) {
+    *result = nullptr;
+    Call::Frame& calling = current();
+    if (calling.thrown) return efiInterrupted;
+    const OwnedFunction* callee = calling.calleeOf(function);
+    if (!callee) return 0;
+    holdRoots();
+    return shielded(calling.thrown, [&] {
+        if (callee->real) {
+            evaluateReal(callee->real, arguments, calling.evaluated);
+        } else {
+            takeArguments(calling.arguments, arguments);
+            calling.evaluated = callee->callback(calling.arguments);
+        }
+        *result = calling.evaluated.raw();
+        return 0;
+    });
+}
+
+Call::Call(Host& host)
+    : lock_(Host::lock()),
+      host_(host),
+      frame_(std::make_unique<Frame>(*host.state_)),
+      outer_(std::exchange(host.state_->frame, frame_.get())) {}
+
+Call::~Call() {
+    host_.state_->holdRoots();
+    host_.state_->frame = outer_;
+}
+
+EfiCallContext* Call::context() const {
+    return &frame_->context;
+}
+
+Value Call::finish(Anyval* result) {
+    if (frame_->thrown) std::rethrow_exception(std::exchange(frame_->thrown, nullptr));
+    return Value::of(result);
+}
+
+Host::Host() : state_(std::make_unique<State>(*this)) {}
+
+Host::~Host() = default;
+
+// Never destroyed: a call may still wait for it while the process ends.
+std::unique_lock<std::recursive_mutex> Host::lock() {
+    static std::recursive_mutex& theLock = *new std::recursive_mutex;
+    return std::unique_lock(theLock);
+}
+
+Value Host::call(const Function& function, std::span<const Value> arguments) {
+    Value result = callRaw(function, arguments);
+    const std::string name(function.name);
+    if (!result) throw Error(name, "no result", 0);
+    if (result.isError()) throw Error(name, result.message(), result.argument());
+    return result;
+}
+
+Value Host::callRaw(const Function& function, std::span<const Value> arguments) {
+    const std::size_t count = arguments.size();
+    const bool fits =
+        function.arity ? count == static_cast<std::size_t>(*function.arity) : count <= maxArguments;
+    if (!fits) throw Error(std::string(function.name), "Wrong number of Arguments", 0);
+    const auto empty = std::ranges::find_if_not(arguments, &Value::operator bool);
+    if (empty != arguments.end()) {
+        throw Error(std::string(function.name), "no value", static_cast<int>(empty - arguments.begin()) + 1);
+    }
+    std::array<Anyval*, maxArguments> raw{};
+    std::ranges::transform(arguments, raw.begin(), &Value::raw);
+    Call calling(*this);
+    return calling.finish(invoke(function, calling.context(), {raw.data(), count}));
+}
+
+void Host::setInterrupt(std::function<bool()> question) {
+    state_->question = std::move(question);
+}
+
+int Host::liveRoots() const {
+    return static_cast<int>(state_->roots.size());
+}
+
+int Host::heldInterfaces() const {
+    return static_cast<int>(state_->allocator.references() + state_->rootSet.references() +
+                            state_->evaluator.references());
+}
+
+aMatrix* Host::makeMatrix(int rows, int cols, double* re, double* im, unsigned bytes) {
+    const std::int64_t cells = std::int64_t{rows} * cols;
+    if (rows < 0 || cols < 0 || bytes % sizeof(double) != 0 ||
+        cells != bytes / std::int64_t{sizeof(double)}) {
+        throw "the size of a matrix does not fit its rows and columns";
+    }
+    return orNull([&]() -> aMatrix* {
+        std::vector<Value>& made = state_->current().made;
+        made.push_back(Values::make<OwnedMatrix>(rows, cols));
+        auto& matrix = Values::get<OwnedMatrix>(made.back());
+        matrix.re = re;
+        matrix.im = im;
+        return &matrix;
+    });
+}
+
+aComplex* Host::makeScalar() {
+    return orNull([&]() -> aComplex* {
+        std::vector<Value>& made = state_->current().made;
+        made.push_back(Values::make<OwnedScalar>());
+        return &Values::get<OwnedScalar>(made.back());
+    });
+}
+
+Cons* Host::makeCell(Anyval* value, Cons* next) {
+    return orNull([&]() -> Cons* {
+        return &state_->current().lists.emplace_back(ListCell{{value, next}, Value::of(value)}).cell;
+    });
+}
+
+Anyval* Host::makeError(const char* message, int argIndex) {
+    try {
+        std::vector<Value>& made = state_->current().made;
+        made.push_back(Value::error(message ? message : "", argIndex));
+        return made.back().raw();
+    } catch (const std::bad_alloc&) {
+        Values::get<OwnedError>(state_->outOfMemory).argIndex = 0;
+        return state_->outOfMemory.raw();
+    }
+}
+
+EfiRootSet* Host::openRootSet() {
+    state_->rootSet.AddRef();
+    return &state_->rootSet;
+}
+
+Anyval** Host::addRoot() {
+    return orNull([&]() -> Anyval** { return &state_->roots.emplace_back().cell; });
+}
+
+void Host::removeRoot(Anyval** cell) {
+    state_->roots.remove_if([=](const Root& root) { return &root.cell == cell; });
+}
+
+std::int32_t Host::applyList(aLambda* function, Cons* arguments, Anyval** result) {
+    return state_->apply(function, arguments, result);
+}
+
+std::int32_t Host::applyOne(aLambda* function, Anyval* argument, Anyval** result) {
+    const Cons list{argument, nullptr};
+    return state_->apply(function, &list, result);
+}
+
+std::int32_t Host::pollInterrupt() {
+    Call::Frame& frame = state_->current();
+    if (frame.thrown) return efiInterrupted;
+    if (!state_->question) return 0;
+    return shielded(frame.thrown, [&] { return state_->question() ? efiInterrupted : 0; });
+}
+
+namespace {
+
+std::vector<std::complex<double>> numbersOf(const aMatrix& column) {
+    std::vector<std::complex<double>> numbers(static_cast<std::size_t>(column.rows));
+    for (std::size_t row = 0; row < numbers.size(); ++row) {
+        numbers[row] = {column.re ? column.re[row] : 0.0, column.im ? column.im[row] : 0.0};
+    }
+    return numbers;
+}
+
+Value columnOf(const std::vector<std::complex<double>>& numbers) {
+    Value value = Values::makeMatrix(static_cast<int>(numbers.size()), 1, true);
+    const aMatrix& column = value.matrix();
+    for (std::size_t row = 0; row < numbers.size(); ++row) {
+        column.re[row] = numbers[row].real();
+        column.im[row] = numbers[row].imag();
+    }
+    return value;
+}
+
+}  // namespace
+
+aMatrix* Host::transform(Anyval* column, bool inverse) {
+    const auto failed = [&](const char* message) { return static_cast<aMatrix*>(makeError(message, 1)); };
+    if (!column || column->tag != TagArray) return failed("must be array");
+    const auto& input = static_cast<const aMatrix&>(*column);
+    if (input.cols != 1) return failed("must be vector");
+    if (input.rows < 1) return failed("must not be empty");
+    if (Host::findNested(&input, 0) >= 0) return failed("must be numbers");
+    state_->holdRoots();
+    try {
+        std::vector<std::complex<double>> numbers = numbersOf(input);
+        state_->fourier.transform(numbers, inverse);
+        Value& result = state_->current().transformed;
+        result = columnOf(numbers);
+        return static_cast<aMatrix*>(result.raw());
+    } catch (const std::bad_alloc&) {
+        return static_cast<aMatrix*>(makeError("out of memory", 0));
+    }
+}
+
+std::int64_t Host::findNested(const aMatrix* matrix, std::int64_t from) {
+    const Value value = Value::of(matrix);
+    if (!value) return -1;
+    const Cells& cells = Values::get<OwnedMatrix>(value).cells;
+    const auto found = cells.lower_bound(from);
+    return found == cells.end() ? -1 : found->first;
+}
+
+Anyval* Host::readNested(const aMatrix* matrix, int row, int col) {
+    const Value value = Value::of(matrix);
+    if (!value) return nullptr;
+    const auto& owned = Values::get<OwnedMatrix>(value);
+    const auto found = owned.cells.find(owned.place(row, col));
+    return owned.has(row, col) && found != owned.cells.end() ? found->second.raw() : nullptr;
+}
+
+std::int32_t Host::writeNested(aMatrix* matrix, int row, int col, Anyval* value) {
+    const Value outer = Value::of(matrix);
+    const Value inner = Value::of(value);
+    if (!outer || !inner || matrix == value || !Values::get<OwnedMatrix>(outer).has(row, col)) {
+        throw "a value that cannot be nested where it should be";
+    }
+    try {
+        auto& owned = Values::get<OwnedMatrix>(outer);
+        // Who has read the value that was there may go on using it.
+        std::vector<Value>& made = state_->current().made;
+        made.emplace_back();
+        Value& cell = owned.cells[owned.place(row, col)];
+        made.back() = std::exchange(cell, inner);
+        return 0;
+    } catch (const std::bad_alloc&) {
+        return statusNoMemory;
+    }
+}
+
+}  // namespace efihost

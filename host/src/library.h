@@ -1,0 +1,14 @@
+// Dynamic libraries. Only library.cpp knows how the platform loads one.
+#pragma once
+
+#include <filesystem>
+
+namespace efihost {
+
+// Throws LoadError. The library keeps its symbols to itself and is never unloaded.
+void* loadLibrary(const std::filesystem::path& path);
+
+// Null when the library exports no such symbol.
+void* findSymbol(void* library, const char* name);
+
+}  // namespace efihost

@@ -1,0 +1,28 @@
+// What depends on the platform: how a symbol leaves or enters a library, and how the operations
+// of a host object are called. No other header of the border knows the platform.
+#pragma once
+
+#if defined(_WIN32)
+#define EFI_SHOWN __declspec(dllexport)
+#define EFI_TAKEN __declspec(dllimport)
+#define EFI_OPERATION __stdcall
+#else
+#define EFI_SHOWN __attribute__((visibility("default")))
+#define EFI_TAKEN __attribute__((visibility("default")))
+#define EFI_OPERATION
+#endif
+
+// A type whose objects are thrown from one library and caught in another.
+#define EFI_THROWN __attribute__((visibility("default")))
+
+// The host defines the operations that packs import; the pack defines the table that hosts read.
+#if defined(EFI_BUILDS_HOST)
+#define EFI_HOST EFI_SHOWN
+#else
+#define EFI_HOST EFI_TAKEN
+#endif
+#if defined(EFI_BUILDS_PACK)
+#define EFI_PACK EFI_SHOWN
+#else
+#define EFI_PACK EFI_TAKEN
+#endif

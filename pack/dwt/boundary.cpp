@@ -1,0 +1,60 @@
+#include "dwt/boundary.h"
+
+#include "frame/halving.h"
+
+namespace undula {
+
+namespace {
+
+bool admitsPeriodic(const FilterBank&, std::uint64_t n, std::uint64_t levels) { return divisible(n, levels); }
+
+bool admitsSymmetric(const FilterBank&, std::uint64_t n, std::uint64_t levels) { return levels <= deepestLevel(n); }
+
+// The last step must find as many samples as the filter has taps.
+bool admitsInterval(const FilterBank& bank, std::uint64_t n, std::uint64_t levels) {
+    if (!divisible(n, levels)) return false;
+    const std::uint64_t lastLength = levels == 0 ? 2 * n : n >> (levels - 1);
+    return lastLength >= static_cast<std::uint64_t>(bank.Lb);
+}
+
+}  // namespace
+
+const BoundaryTreatment periodicBoundary = {
+    .analysis = periodic_analysis_step,
+    .synthesis = periodic_synthesis_step,
+    .accepts = nullptr,
+    .refusal = Code::None,
+    .admits = admitsPeriodic,
+    .waveletFirst = false,
+    .pollsForwardLines = false,
+    .pollsInverseLevels = false,
+};
+
+const BoundaryTreatment symmetricBoundary = {
+    .analysis = symmetric_analysis_step,
+    .synthesis = symmetric_synthesis_step,
+    .accepts = &Wavelet::isSymmetric,
+    .refusal = Code::NotSymmetric,
+    .admits = admitsSymmetric,
+    .waveletFirst = false,
+    .pollsForwardLines = true,
+    .pollsInverseLevels = true,
+};
+
+const BoundaryTreatment intervalBoundary = {
+    .analysis = interval_analysis_step,
+    .synthesis = interval_synthesis_step,
+    .accepts = &Wavelet::hasInterval,
+    .refusal = Code::IntervalUnimplemented,
+    .admits = admitsInterval,
+    .waveletFirst = true,
+    .pollsForwardLines = true,
+    .pollsInverseLevels = false,
+};
+
+Code refusalOf(const BoundaryTreatment& boundary, const FilterBank& bank) {
+    if (boundary.accepts == nullptr || (bank.selected->*boundary.accepts)() == 1) return Code::None;
+    return boundary.refusal;
+}
+
+}  // namespace undula

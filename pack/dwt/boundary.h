@@ -1,0 +1,37 @@
+// A boundary treatment: all in which the periodic, the symmetric and the interval transforms
+// differ.
+#pragma once
+
+#include "dwt/steps.h"
+#include "filters/wavelet.h"
+
+namespace undula {
+
+struct BoundaryTreatment {
+    Step* analysis;
+    Step* synthesis;
+
+    // The question that a wavelet must answer with 1, null for none, and what is said of one that
+    // does not.
+    std::int32_t (Wavelet::*accepts)() const;
+    Code refusal;
+
+    // Whether n samples can be halved so many times.
+    bool (*admits)(const FilterBank& bank, std::uint64_t n, std::uint64_t levels);
+
+    // Transforms look at the wavelet before the levels, or after them.
+    bool waveletFirst;
+    // Where image transforms poll: before each column and row of a forward transform, and once
+    // more before each level of an inverse one, whose columns and rows always poll.
+    bool pollsForwardLines;
+    bool pollsInverseLevels;
+};
+
+extern const BoundaryTreatment periodicBoundary;
+extern const BoundaryTreatment symmetricBoundary;
+extern const BoundaryTreatment intervalBoundary;
+
+// What the treatment says of the selected wavelet; None when it takes it.
+Code refusalOf(const BoundaryTreatment& boundary, const FilterBank& bank);
+
+}  // namespace undula

@@ -1,0 +1,33 @@
+#include "filters/active_filter.h"
+
+namespace undula {
+
+constinit FilterBank ActiveFilter;
+
+void select(const Wavelet& wavelet) {
+    ActiveFilter = {
+        .selected = &wavelet,
+        .ha = wavelet.analysisLow(),
+        .hs = wavelet.synthesisLow(),
+        .ga = wavelet.analysisHigh(),
+        .gs = wavelet.synthesisHigh(),
+        .La = wavelet.analysisLowLength(),
+        .Lb = wavelet.synthesisLowLength(),
+        .oa = wavelet.analysisLowOffset(),
+        .os = wavelet.synthesisLowOffset(),
+        .ob = wavelet.analysisHighOffset(),
+        .og = wavelet.synthesisHighOffset(),
+        .cascadeA = wavelet.analysisCascade(),
+        .cascadeS = wavelet.synthesisCascade(),
+        .BLlo = wavelet.leftEdgeLow(),
+        .BLhi = wavelet.leftEdgeHigh(),
+        .BRlo = wavelet.rightEdgeLow(),
+        .BRhi = wavelet.rightEdgeHigh(),
+        .edgeAuxA = wavelet.edgeAuxA(),
+        .edgeAuxB = wavelet.edgeAuxB(),
+        .flipA = wavelet.analysisHighFlipped(),
+        .flipS = wavelet.synthesisHighFlipped(),
+    };
+}
+
+}  // namespace undula

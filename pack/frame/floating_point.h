@@ -1,0 +1,51 @@
+// The floating-point state of a call.
+//
+// A fault of the pack's own arithmetic (division by zero, invalid operation, overflow) becomes
+// the call's result; faults of the host and of user functions are no business of the pack's.
+// Where the x87 unit does the arithmetic, the unit traps the fault and the host throws; elsewhere
+// the faults are read from the status flags at the end.
+//
+// All of this stands in a translation unit of its own and is called out of line: a compiler may
+// move arithmetic across flag accesses that it can see.
+#pragma once
+
+#if !defined(_WIN32)
+#include <cfenv>
+#endif
+
+namespace undula {
+
+// Holds the caller's state and gives the pack its own: round to nearest, no faults pending. Puts
+// the caller's state back, flags included, on every path.
+class FloatingPointFrame {
+   public:
+    FloatingPointFrame();
+    ~FloatingPointFrame();
+    FloatingPointFrame(const FloatingPointFrame&) = delete;
+    FloatingPointFrame& operator=(const FloatingPointFrame&) = delete;
+
+   private:
+#if defined(_WIN32)
+    unsigned short controlWord;
+#else
+    std::fenv_t environment;
+#endif
+};
+
+// The message of the fault that the pack's arithmetic has raised in this call, or null. Where
+// faults trap, one that is still pending is thrown from here.
+const char* pendingFault();
+
+// Keeps the pack's faults apart from those of the host while a host service runs.
+class HostServiceScope {
+   public:
+    HostServiceScope();
+    ~HostServiceScope();
+    HostServiceScope(const HostServiceScope&) = delete;
+    HostServiceScope& operator=(const HostServiceScope&) = delete;
+
+   private:
+    unsigned faults;
+};
+
+}  // namespace undula

@@ -1,0 +1,47 @@
+#include "frame/user_function.h"
+
+#include "frame/floating_point.h"
+#include "frame/host_services.h"
+
+using undula::HostServiceScope;
+
+double_to_double_lambda::double_to_double_lambda(EfiCallContext* callContext, aLambda* function)
+    : context(callContext), roots(nullptr), cell(nullptr), result(nullptr), interruptedOnce(false), argument() {
+    argument.tag = TagScalar;
+    const HostServiceScope scope;
+    void* found = nullptr;
+    if (context->allocator->QueryInterface(efiRootSetId, &found) < 0 || found == nullptr) return;
+    roots = static_cast<EfiRootSet*>(found);
+    try {
+        roots->addRoot(&cell);
+    } catch (...) {
+        roots->Release();
+        throw;
+    }
+    if (cell != nullptr) *cell = function;
+}
+
+double_to_double_lambda::~double_to_double_lambda() {
+    if (roots == nullptr) return;
+    const HostServiceScope scope;
+    if (cell != nullptr) roots->removeRoot(cell);
+    roots->Release();
+}
+
+double double_to_double_lambda::evaluate(const double& x) {
+    if (interruptedOnce || !rooted()) return 0.0;
+    argument.re = x;
+    const HostServiceScope scope;
+    auto* function = static_cast<aLambda*>(*cell);
+    if (context->evaluator->applyOne(function, &argument, &result) == efiInterrupted) {
+        interruptedOnce = true;
+        return 0.0;
+    }
+    return undula::tagOf(result) == TagScalar ? static_cast<aComplex*>(result)->re : 0.0;
+}
+
+bool double_to_double_lambda::failed() {
+    if (interruptedOnce) return true;
+    if (result == nullptr) return false;
+    return result->tag != TagScalar || static_cast<aComplex*>(result)->im != 0.0;
+}

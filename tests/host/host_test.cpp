@@ -1,0 +1,461 @@
+#include "efihost/host.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <future>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "efi/faults.h"
+#include "efi/host.h"
+#include "efihost/registration.h"
+#include "support/failing_new.h"
+#include "support/test_host.h"
+
+using efihost::Call;
+using efihost::Error;
+using efihost::LoadError;
+using efihost::Pack;
+using efihost::Value;
+
+namespace {
+
+const Pack& samplePack() {
+    static const Pack pack(SAMPLE_PACK_PATH);
+    return pack;
+}
+
+class HostTest : public testing::Test {
+ protected:
+    ~HostTest() override { EXPECT_EQ(host.leaks(), TestHost::Leaks{}); }
+
+    template <class... Arguments>
+    Value call(std::string_view name, Arguments&&... arguments) {
+        return host.call(samplePack(), name, std::forward<Arguments>(arguments)...);
+    }
+
+    TestHost host;
+};
+
+using HostCall = HostTest;
+using HostEvaluation = HostTest;
+using HostServices = HostTest;
+
+}  // namespace
+
+TEST_F(HostCall, PassesArgumentsInOrderThroughEveryShape) {
+    const std::vector<Value> numbers = {11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22};
+    const auto gather = [&](const std::string& name, std::size_t count) {
+        return host
+            .call(samplePack(), name, std::vector(numbers.begin(), numbers.begin() + std::ptrdiff_t(count)))
+            .reals();
+    };
+    const auto expected = [&](std::size_t count) {
+        std::vector<double> reals;
+        for (std::size_t i = 0; i < count; ++i) reals.push_back(11.0 + double(i));
+        return reals;
+    };
+    for (const std::size_t count : {1u, 2u, 3u, 4u, 5u, 7u}) {
+        EXPECT_EQ(gather("gather" + std::to_string(count), count), expected(count));
+    }
+    for (std::size_t count = 0; count <= 12; ++count) EXPECT_EQ(gather("gather", count), expected(count));
+}
+
+TEST_F(HostCall, RefusesWhatCannotBeCalled) {
+    const std::vector<Value> thirteen(13, Value(1));
+    EXPECT_THROW(call("gather2", 1), Error);
+    EXPECT_THROW(call("gather2", 1, 2, 3), Error);
+    EXPECT_THROW(host.call(samplePack(), "gather", thirteen), Error);
+    EXPECT_THROW(call("gather1", Value()), Error);
+    EXPECT_THROW(call("sample", 1), Error);
+}
+
+TEST_F(HostCall, ReportsAnErrorValue) {
+    try {
+        call("refuse", 1);
+        FAIL() << "no Error";
+    } catch (const Error& error) {
+        EXPECT_EQ(error.function(), "refuse");
+        EXPECT_EQ(error.message(), "refused");
+        EXPECT_EQ(error.argument(), 1);
+        EXPECT_STREQ(error.what(), "refuse: refused (argument 1)");
+    }
+    EXPECT_STREQ(Error("dwt", "out of memory", 0).what(), "dwt: out of memory");
+    EXPECT_EQ(host.callRaw(samplePack(), "refuse", {1}).message(), "refused");
+    EXPECT_THROW(call("nothing", 1), Error);
+    EXPECT_FALSE(host.callRaw(samplePack(), "nothing", {1}));
+}
+
+TEST_F(HostCall, MeetsThePacksLackOfMemory) {
+    const FailingNew first(1);
+    EXPECT_EQ(host.callRaw(samplePack(), "gather1", {1}).message(), "out of memory");
+    EXPECT_TRUE(first.happened());
+    EXPECT_EQ(call("gather1", 1).at(0, 0), 1.0);
+}
+
+TEST_F(HostCall, SharesAnArgumentThatIsTheResult) {
+    const Value nested = Value::table({Value::table({Value("deep")})});
+    EXPECT_EQ(call("identity", nested).raw(), nested.raw());
+}
+
+TEST_F(HostCall, WaitsForTheLockAndReentersIt) {
+    std::promise<void> entered;
+    std::promise<void> leave;
+    std::atomic<bool> leaving = false;
+    const Value slow = Value::function([&](double x) {
+        entered.set_value();
+        leave.get_future().wait();
+        return call("gather1", x).at(0, 0).real();
+    });
+    std::thread first([&] { EXPECT_EQ(call("evaluate", slow, 7).real(), 7.0); });
+    entered.get_future().wait();
+
+    // Values come and go without the lock; a call waits for it.
+    EXPECT_EQ(Value::table({Value(1)}).nested(0, 0).real(), 1.0);
+    std::promise<void> calling;
+    std::thread second([&] {
+        calling.set_value();
+        call("gather1", 1);
+        EXPECT_TRUE(leaving);
+    });
+    calling.get_future().wait();
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    leaving = true;
+    leave.set_value();
+    first.join();
+    second.join();
+}
+
+TEST_F(HostEvaluation, CallsBothKindsOfFunctions) {
+    EXPECT_EQ(call("evaluate", Value::function([](double x) { return 2 * x; }), 21).real(), 42.0);
+
+    const Value count = Value::function([](const std::vector<Value>& arguments) {
+        return Value::column(arguments.at(0).reals()).rows() + 0.5;
+    });
+    EXPECT_EQ(call("evaluate", count, Value::column(std::vector<double>(3))).real(), 3.5);
+
+    const Value real = Value::function([](double x) { return x; });
+    EXPECT_THROW(call("evaluate", real, std::complex(0.0, 1.0)), Error);
+    EXPECT_THROW(call("evaluate", real, Value::column({})), Error);
+    EXPECT_THROW(call("evaluate", 3, 1), Error);  // not a function: no result
+}
+
+TEST_F(HostEvaluation, ThrowsWhatAUserFunctionThrewAfterThePackHasReturned) {
+    struct Mine {
+        int number;
+    };
+    const Value bad = Value::function([](double x) -> double { throw Mine{static_cast<int>(x)}; });
+    try {
+        call("evaluate", bad, 5);  // the pack returns 0
+        FAIL() << "nothing thrown";
+    } catch (const Mine& mine) {
+        EXPECT_EQ(mine.number, 5);
+    }
+    // Through a call within a call.
+    const Value outer = Value::function([&](double x) { return call("evaluate", bad, x).real(); });
+    EXPECT_THROW(call("evaluate", outer, 6), Mine);
+    EXPECT_EQ(call("gather1", 1).at(0, 0), 1.0);
+}
+
+TEST_F(HostEvaluation, StopsAfterTheFirstException) {
+    int calls = 0;
+    const Value bad = Value::function([&](double) -> double {
+        ++calls;
+        throw std::runtime_error("once");
+    });
+    Call inProgress(host);
+    EfiEvaluator& evaluator = *inProgress.context()->evaluator;
+    const Value one(1);
+    Anyval* result = one.raw();
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(evaluator.applyOne(static_cast<aLambda*>(bad.raw()), one.raw(), &result), efiInterrupted);
+        EXPECT_EQ(result, nullptr);
+    }
+    EXPECT_EQ(evaluator.pollInterrupt(1), efiInterrupted);
+    EXPECT_EQ(calls, 1);
+    EXPECT_THROW(inProgress.finish(nullptr), std::runtime_error);
+}
+
+// The three things that packs know how to catch reach them.
+TEST_F(HostEvaluation, LetsTheThreeKindsPass) {
+    Call inProgress(host);
+    const auto evaluate = [&](efihost::RealCallback callback) {
+        const Value function = Value::function(std::move(callback));
+        const Value one(1);
+        Anyval* result = nullptr;
+        inProgress.context()->evaluator->applyOne(static_cast<aLambda*>(function.raw()), one.raw(), &result);
+    };
+    auto* error = static_cast<aError*>(mkError(inProgress.context(), "text", 0, 0));
+    EXPECT_THROW(evaluate([](double) -> double { throw "text"; }), const char*);
+    EXPECT_THROW(evaluate([=](double) -> double { throw error; }), aError*);
+    EXPECT_THROW(evaluate([](double) -> double { throw SE_FPE_Exception(0, 1); }), SE_FPE_Exception);
+}
+
+TEST_F(HostEvaluation, RecyclesResultsThatNothingHolds) {
+    std::vector<Value> taken;
+    const Value root = Value::function([](double x) { return x; });
+    const Value function = Value::function([&](const std::vector<Value>& arguments) {
+        if (arguments.at(0).real() == 3) taken.push_back(arguments.at(0));
+        return Value::table({arguments.at(0)});
+    });
+    const Value holder = Value::table({Value(0), Value(0), Value(0), Value(0)});
+    {
+        Call inProgress(host);
+        EfiCallContext& context = *inProgress.context();
+        void* object = nullptr;
+        ASSERT_EQ(context.allocator->QueryInterface(efiRootSetId, &object), 0);
+        auto* roots = static_cast<EfiRootSet*>(object);
+        Anyval** cell = nullptr;
+        roots->addRoot(&cell);
+
+        const auto evaluate = [&](double x) {
+            aComplex argument{{TagScalar}, x, 0.0};  // a pack's own, not the host's
+            Anyval* result = nullptr;
+            EXPECT_EQ(context.evaluator->applyOne(static_cast<aLambda*>(function.raw()), &argument, &result),
+                      0);
+            return result;
+        };
+        *cell = evaluate(1);
+        Cons* list = Cons::mk(context.allocator, evaluate(2), nullptr);
+        evaluate(3);
+        auto* nesting = static_cast<aMatrix*>(holder.raw());
+        EXPECT_EQ(efiWriteNested(&context, nesting, 3, 0, evaluate(4)), 0);
+        for (int i = 5; i < 1000; ++i) evaluate(i);
+
+        EXPECT_EQ(Value::of(*cell).nested(0, 0).real(), 1.0);
+        EXPECT_EQ(Value::of(list->value).nested(0, 0).real(), 2.0);
+        EXPECT_EQ(taken.at(0).real(), 3.0);
+        EXPECT_EQ(holder.nested(3, 0).nested(0, 0).real(), 4.0);
+        EXPECT_LT(host.leaks().values, 20);
+
+        roots->removeRoot(cell);
+        roots->Release();
+    }
+    taken.clear();
+    EXPECT_EQ(host.leaks().values, 2 + 5 + 1);  // functions, holder, and what is nested in it
+}
+
+TEST_F(HostEvaluation, AsksForInterruption) {
+    int left = 3;
+    host.setInterrupt([&] { return --left == 0; });
+    EXPECT_STREQ(
+        [&] {
+            try {
+                call("poll", 10);
+                return std::string();
+            } catch (const Error& error) {
+                return error.message();
+            }
+        }()
+            .c_str(),
+        "interrupted");
+    EXPECT_EQ(host.polls(), 3);
+
+    host.setInterrupt([]() -> bool { throw std::range_error("asked"); });
+    EXPECT_THROW(call("poll", 10), std::range_error);
+    host.setInterrupt(nullptr);
+    EXPECT_EQ(call("poll", 10).real(), 10.0);
+}
+
+TEST_F(HostServices, FreesWhatACallMadeExceptItsResult) {
+    Value result;
+    {
+        Call inProgress(host);
+        EfiCallContext& context = *inProgress.context();
+        auto* table = aMatrix::mk(context.allocator, 2, 1, nullptr, nullptr, 16);
+        auto* column = aMatrix::mk(context.allocator, 1, 1, new double(7), new double(8), 8);
+        aComplex* scalar = nullptr;
+        context.allocator->newScalar(&scalar);
+        *scalar = {{TagScalar}, 1.0, 0.0};
+        Cons::mk(context.allocator, scalar, Cons::mk(context.allocator, column, nullptr));
+        mkError(&context, "text", 3, 0);
+        EXPECT_EQ(efiWriteNested(&context, table, 1, 0, column), 0);
+        result = inProgress.finish(table);
+        EXPECT_EQ(host.leaks().values, 4);
+    }
+    EXPECT_EQ(host.leaks().values, 2);
+    EXPECT_EQ(result.nested(1, 0).at(0, 0), std::complex(7.0, 8.0));
+}
+
+// What mk has not adopted is still the caller's: freed here, it would else be freed twice.
+TEST_F(HostServices, AdoptNothingWhenTheyFail) {
+    auto* re = new double[6];
+    {
+        Call inProgress(host);
+        IqrAllocator* allocator = inProgress.context()->allocator;
+        EXPECT_THROW(aMatrix::mk(allocator, 2, 3, re, nullptr, 47), const char*);
+        EXPECT_THROW(aMatrix::mk(allocator, 2, 2, re, nullptr, 48), const char*);
+        EXPECT_THROW(aMatrix::mk(allocator, -2, -3, re, nullptr, 48), const char*);
+        EXPECT_THROW(aMatrix::mk(allocator, 1 << 30, 1 << 30, re, nullptr, 0), const char*);
+        host.failAllocation(1);
+        EXPECT_EQ(aMatrix::mk(allocator, 2, 3, re, nullptr, 48), nullptr);
+        host.throwAt(1, fault(1));
+        EXPECT_THROW(aMatrix::mk(allocator, 2, 3, re, nullptr, 48), SE_FPE_Exception);
+    }
+    delete[] re;
+}
+
+TEST_F(HostServices, FindReadAndWriteNestedCells) {
+    Call inProgress(host);
+    EfiCallContext* context = inProgress.context();
+    const std::vector<double> six = {1, 2, 3, 4, 5, 6};
+    Value outer = Value::matrix(2, 3, six);
+    auto* matrix = static_cast<aMatrix*>(outer.raw());
+    EXPECT_EQ(efiFindNested(context, matrix, 0), -1);
+
+    outer.nest(1, 0, Value("one"));
+    outer.nest(0, 2, Value("four"));
+    EXPECT_EQ(efiFindNested(context, matrix, 0), 1);
+    EXPECT_EQ(efiFindNested(context, matrix, 1), 1);
+    EXPECT_EQ(efiFindNested(context, matrix, 2), 4);
+    EXPECT_EQ(efiFindNested(context, matrix, 5), -1);
+    EXPECT_EQ(Value::of(efiReadNested(context, matrix, 0, 2)).text(), "four");
+    EXPECT_EQ(efiReadNested(context, matrix, 0, 0), nullptr);
+    EXPECT_EQ(efiReadNested(context, matrix, 3, 0), nullptr);  // not the cell at place 3
+
+    // Who has read a value may use it after another has taken its place.
+    Anyval* former = efiReadNested(context, matrix, 1, 0);
+    EXPECT_EQ(efiWriteNested(context, matrix, 1, 0, Value("two").raw()), 0);
+    EXPECT_EQ(Value::of(former).text(), "one");
+    EXPECT_EQ(outer.nested(1, 0).text(), "two");
+
+    host.failAllocation(1);
+    EXPECT_NE(efiWriteNested(context, matrix, 0, 0, former), 0);
+    EXPECT_FALSE(outer.nested(0, 0));
+    EXPECT_THROW(efiWriteNested(context, matrix, 2, 0, former), const char*);
+    EXPECT_THROW(efiWriteNested(context, matrix, 0, 0, matrix), const char*);
+    EXPECT_THROW(efiWriteNested(context, matrix, 0, 0, nullptr), const char*);
+
+    // A record that the host did not make has nothing nested, whatever its fields say.
+    double number = 0;
+    aVector own;
+    own.tag = TagArray;
+    own.hostField = 1;
+    own.re = &number;
+    own.rows = own.cols = own.stride = 1;
+    EXPECT_EQ(efiFindNested(context, &own, 0), -1);
+    EXPECT_EQ(efiReadNested(context, &own, 0, 0), nullptr);
+}
+
+TEST_F(HostServices, CountReferencesAndKnowTheirInterfaces) {
+    const EfiGuid unknownId = {1, 2, 3, {4}};
+    const EfiGuid objectId = {0, 0, 0, {0xc0, 0, 0, 0, 0, 0, 0, 0x46}};
+    Call inProgress(host);
+    IqrAllocator* allocator = inProgress.context()->allocator;
+    EfiEvaluator* evaluator = inProgress.context()->evaluator;
+
+    void* roots = nullptr;
+    ASSERT_GE(allocator->QueryInterface(efiRootSetId, &roots), 0);
+    void* fromAllocator = nullptr;
+    void* fromRoots = nullptr;
+    ASSERT_GE(allocator->QueryInterface(objectId, &fromAllocator), 0);
+    ASSERT_GE(static_cast<EfiRootSet*>(roots)->QueryInterface(objectId, &fromRoots), 0);
+    EXPECT_EQ(fromAllocator, fromRoots);  // one object
+    EXPECT_EQ(host.heldInterfaces(), 3);
+    EXPECT_EQ(evaluator->AddRef(), 1u);
+    EXPECT_EQ(host.heldInterfaces(), 4);
+
+    void* none = roots;
+    EXPECT_LT(allocator->QueryInterface(unknownId, &none), 0);
+    EXPECT_EQ(none, nullptr);
+    EXPECT_LT(evaluator->QueryInterface(efiRootSetId, &none), 0);
+    host.failAllocation(1);
+    EXPECT_LT(allocator->QueryInterface(efiRootSetId, &none), 0);
+    EXPECT_EQ(none, nullptr);
+
+    evaluator->Release();
+    allocator->Release();
+    allocator->Release();
+    EXPECT_EQ(static_cast<EfiRootSet*>(roots)->Release(), 0u);
+}
+
+// A root that a pack takes and keeps is a pack's fault; its value lives all the same.
+TEST_F(HostServices, RootsOutliveTheCall) {
+    Anyval** cell = host.addRoot();
+    {
+        Call inProgress(host);
+        *cell = aMatrix::mk(inProgress.context()->allocator, 1, 1, new double(7), nullptr, 8);
+    }
+    EXPECT_EQ(Value::of(*cell).at(0, 0), 7.0);
+    EXPECT_EQ(host.leaks(), (TestHost::Leaks{1, 1, 0}));
+    host.removeRoot(cell);
+}
+
+TEST_F(HostServices, MakeTroubleOnDemand) {
+    Call inProgress(host);
+    EfiCallContext& context = *inProgress.context();
+    const auto newScalar = [&] {
+        aComplex* scalar = nullptr;
+        context.allocator->newScalar(&scalar);
+        return scalar;
+    };
+    host.failAt(Service::makeScalar, 2);
+    EXPECT_NE(newScalar(), nullptr);
+    EXPECT_FALSE(host.happened());
+    EXPECT_EQ(newScalar(), nullptr);
+    EXPECT_TRUE(host.happened());
+    EXPECT_NE(newScalar(), nullptr);
+    EXPECT_EQ(host.calls(Service::makeScalar), 3);
+
+    host.throwAt(2, errorValue("out of order", 4));
+    newScalar();
+    try {
+        context.evaluator->pollInterrupt(1);
+        FAIL() << "nothing thrown";
+    } catch (aError* error) {
+        EXPECT_EQ(Value::of(error).message(), "out of order");
+        EXPECT_EQ(error->argIndex, 4);
+    }
+    host.throwAt(Service::makeError, 1, foreigner(3));
+    EXPECT_THROW(mkError(&context, "", 0, 0), Foreigner);
+    host.throwAt(1, messageText("text"));
+    EXPECT_THROW(CFFT(&context, nullptr), const char*);
+
+    host.interruptAt(2);
+    EXPECT_EQ(context.evaluator->pollInterrupt(1), 0);
+    EXPECT_EQ(context.evaluator->pollInterrupt(1), efiInterrupted);
+    host.interruptEvaluationAt(1);
+    Anyval* result = nullptr;
+    EXPECT_EQ(context.evaluator->applyOne(nullptr, nullptr, &result), efiInterrupted);
+}
+
+TEST(HostPack, TellsItsFunctions) {
+    const Pack& pack = samplePack();
+    EXPECT_EQ(pack.functions().size(), 12u);
+    EXPECT_EQ(pack.names().at(6), "gather");
+    EXPECT_EQ(pack.function("gather7").arity, 7);
+    EXPECT_EQ(pack.function("gather").arity, std::nullopt);
+    EXPECT_TRUE(pack.has("poll"));
+    EXPECT_FALSE(pack.has("pol"));
+    EXPECT_EQ(pack.symbol("theEfi"), pack.table().data());
+    EXPECT_EQ(pack.symbol("theOther"), nullptr);
+}
+
+TEST(HostPack, RefusesWhatIsNoPack) {
+    EXPECT_THROW(Pack("/nowhere/libnothing.so"), LoadError);
+    EXPECT_THROW(Pack("libc.so.6"), LoadError);  // a path, not a name to be searched for
+    try {
+        Pack pack(NO_PACK_PATH);
+        FAIL() << "loaded";
+    } catch (const LoadError& error) {
+        EXPECT_NE(std::string(error.what()).find("theEfi"), std::string::npos);
+    }
+}
+
+TEST(HostRegistration, RecordsWhatPacksHandOver) {
+    efihost::answerRegistrationsWith(-7);
+    EXPECT_EQ(samplePack().registerServer(), -7);
+    efihost::answerRegistrationsWith(5);
+    EXPECT_EQ(samplePack().unregisterServer(), 5);
+    efihost::answerRegistrationsWith(0);
+    ASSERT_TRUE(efihost::lastRegistered());
+    ASSERT_TRUE(efihost::lastUnregistered());
+    EXPECT_EQ(efihost::lastRegistered()->module, samplePack().symbol("theEfi"));
+    EXPECT_EQ(efihost::lastRegistered()->id.data1, 0x5a3f0d11u);
+    EXPECT_EQ(efihost::lastUnregistered()->module, nullptr);
+    EXPECT_EQ(efihost::lastUnregistered()->id.data4[7], 0x57);
+}

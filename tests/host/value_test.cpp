@@ -1,0 +1,140 @@
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "efihost/value.h"
+
+using efihost::liveValues;
+using efihost::Value;
+using std::complex;
+
+TEST(Value, HoldsNumbersByColumns) {
+    const std::vector<double> re = {1, 2, 3, 4, 5, 6};
+    const std::vector<double> im = {0, 0, 0, 0, 0, -7};
+    const Value real = Value::matrix(2, 3, re);
+    const Value both = Value::matrix(2, 3, re, im);
+
+    EXPECT_EQ(real.at(1, 0), 2.0);
+    EXPECT_EQ(real.at(0, 2), 5.0);
+    EXPECT_EQ(both.at(1, 2), complex(6.0, -7.0));
+    EXPECT_EQ(real.matrix().im, nullptr);
+    EXPECT_EQ(real.matrix().bytes, 48u);
+    EXPECT_EQ(real.matrix().stride, 2);
+    EXPECT_EQ(real.re(1)[0], 3.0);
+    EXPECT_TRUE(real.im(1).empty());
+    EXPECT_EQ(both.imaginaries(), im);
+    EXPECT_EQ(real.imaginaries(), std::vector<double>(6));
+    EXPECT_EQ(Value::column(re).rows(), 6);
+    EXPECT_EQ(Value::matrix(0, 3, {}).reals().size(), 0u);
+}
+
+TEST(Value, TakesScalarsTextAndAnyTag) {
+    EXPECT_EQ(Value(0).scalar(), 0.0);
+    EXPECT_EQ(Value(-2.5).real(), -2.5);
+    EXPECT_EQ(Value(complex(1.0, 2.0)).scalar(), complex(1.0, 2.0));
+    EXPECT_EQ(Value("haar").text(), "haar");
+    EXPECT_EQ(Value(std::string("a\0b", 3)).text(), "a");  // NUL-terminated, as packs read it
+    EXPECT_EQ(Value::ofTag(TagUnsupported).tag(), 16);
+    EXPECT_EQ(Value::function([](double x) { return x; }, TagFunctionAlt).tag(), 8);
+
+    const Value error = Value::error("must be real", 2);
+    EXPECT_TRUE(error.isError());
+    EXPECT_EQ(error.message(), "must be real");
+    EXPECT_EQ(error.argument(), 2);
+}
+
+TEST(Value, RefusesWhatDoesNotFit) {
+    const std::vector<double> five(5);
+    const int million = 1'000'000;
+    EXPECT_THROW(Value::matrix(2, 3, five), std::invalid_argument);
+    EXPECT_THROW(Value::matrix(5, 1, five, std::vector<double>(4)), std::invalid_argument);
+    EXPECT_THROW(Value::matrix(-1, -5, five), std::invalid_argument);
+    EXPECT_THROW(Value::adopt(million, million, nullptr), std::length_error);
+    EXPECT_THROW(Value::adopt(std::numeric_limits<int>::max(), std::numeric_limits<int>::max(), nullptr),
+                 std::length_error);
+    EXPECT_THROW(Value::adopt(1 << 29, 1, nullptr), std::length_error);  // 2^32 bytes
+    EXPECT_NO_THROW(Value::adopt((1 << 29) - 1, 1, nullptr));
+    EXPECT_THROW(Value::borrow(3, 1, 2, five.data(), nullptr, std::make_shared<int>()),
+                 std::invalid_argument);
+    EXPECT_THROW(Value::table({Value(1), Value()}), std::invalid_argument);
+
+    const Value column = Value::column(five);
+    EXPECT_THROW(column.at(5, 0), std::out_of_range);
+    EXPECT_THROW(column.at(0, -1), std::out_of_range);
+    EXPECT_THROW(column.re(1), std::out_of_range);
+    EXPECT_THROW(column.scalar(), std::logic_error);
+    EXPECT_THROW(Value(1).matrix(), std::logic_error);
+    EXPECT_THROW(Value().tag(), std::logic_error);
+}
+
+TEST(Value, AdoptsAndBorrowsWithoutCopying) {
+    auto* re = new double[4]{1, 2, 3, 4};
+    EXPECT_EQ(Value::adopt(2, 2, re).matrix().re, re);
+    EXPECT_EQ(Value::adopt(2, 2, nullptr).reals(), std::vector<double>(4));
+
+    auto memory = std::make_shared<std::vector<double>>(std::vector<double>{1, 2, -1, 3, 4, -1});
+    {
+        const Value borrowed = Value::borrow(2, 2, 3, memory->data(), nullptr, memory);
+        EXPECT_EQ(borrowed.matrix().re, memory->data());
+        EXPECT_EQ(borrowed.reals(), (std::vector<double>{1, 2, 3, 4}));
+        EXPECT_EQ(memory.use_count(), 2);
+    }
+    EXPECT_EQ(memory.use_count(), 1);
+}
+
+TEST(Value, IsFreedWithItsLastHandle) {
+    const std::size_t before = liveValues();
+    Value inner = Value::column(std::vector<double>{1, 2});
+    const Anyval* raw = inner.raw();
+    {
+        const Value copy = inner;
+        Value outer = Value::table({inner, Value(3), Value::table({copy})});
+        EXPECT_EQ(liveValues(), before + 4);
+        inner = Value();
+        EXPECT_EQ(outer.nested(0, 0).raw(), raw);
+        EXPECT_EQ(Value::of(raw).reals(), (std::vector<double>{1, 2}));
+    }
+    EXPECT_EQ(liveValues(), before);
+    EXPECT_FALSE(Value::of(raw));
+}
+
+TEST(Value, NestsInSingleCells) {
+    const std::vector<double> numbers = {1, 2, 3, 4};
+    Value matrix = Value::matrix(2, 2, numbers);
+    EXPECT_FALSE(matrix.anyNested());
+    matrix.nest(0, 1, Value("text"));
+    EXPECT_TRUE(matrix.anyNested());
+    EXPECT_EQ(matrix.nested(0, 1).text(), "text");
+    EXPECT_FALSE(matrix.nested(1, 0));
+    EXPECT_EQ(matrix.at(1, 0), 2.0);
+
+    EXPECT_THROW(matrix.nest(2, 0, Value(1)), std::out_of_range);
+    EXPECT_THROW(matrix.nest(0, 0, matrix), std::invalid_argument);
+    EXPECT_THROW(matrix.nest(0, 0, Value()), std::invalid_argument);
+}
+
+// A number whose bits are the address of a value is still a number.
+TEST(Value, TakesNoNumberForAPointer) {
+    const Value victim = Value::column(std::vector<double>{1});
+    const auto address = reinterpret_cast<std::uintptr_t>(victim.raw());
+    double number = 0.0;
+    static_assert(sizeof address <= sizeof number);
+    std::memcpy(&number, &address, sizeof address);
+    const Value column = Value::column(std::vector<double>{number});
+    EXPECT_FALSE(column.anyNested());
+    EXPECT_FALSE(column.nested(0, 0));
+}
+
+TEST(Value, FreesDeepNestingWithoutDeepRecursion) {
+    const std::size_t before = liveValues();
+    Value chain = Value::table({Value(1)});
+    for (int depth = 0; depth < 500'000; ++depth) chain = Value::table({chain});
+    chain = Value();
+    EXPECT_EQ(liveValues(), before);
+}

@@ -1,0 +1,204 @@
+"""Python values on their way in and out. `dwt` with level 0 answers a copy of any real array."""
+
+import array
+
+import numpy as np
+import pytest
+import undula
+
+HAAR = undula.daublet(2)
+
+
+def through(value):
+    return undula.dwt(value, 0, HAAR)
+
+
+def image():
+    return np.arange(1.0, 13.0).reshape(4, 3)
+
+
+ORDERS = {
+    "C": np.ascontiguousarray,
+    "Fortran": np.asfortranarray,
+    "transposed": lambda a: a.T.copy().T,
+    "reversed": lambda a: a[::-1, ::-1].copy()[::-1, ::-1],
+    "block of a Fortran array": lambda a: np.asfortranarray(np.pad(a, 2))[2:-2, 2:-2],
+    "block of a C array": lambda a: np.pad(a, 2)[2:-2, 2:-2],
+    "every other element": lambda a: np.repeat(np.repeat(a, 2, 0), 2, 1)[::2, ::2],
+    "read-only": lambda a: np.frombuffer(a.tobytes()).reshape(a.shape),
+    "other endian": lambda a: a.astype(a.dtype.newbyteorder()),
+    "unaligned": lambda a: np.frombuffer(b"x" + a.tobytes(), offset=1).reshape(a.shape),
+    "single column": lambda a: a[:, :1],
+    "single row": lambda a: a[:1],
+    "repeated row": lambda a: np.broadcast_to(a[0], a.shape),
+}
+
+
+@pytest.mark.parametrize("order", ORDERS)
+def test_an_image_of_any_memory_order_arrives_as_it_reads(order):
+    given = ORDERS[order](image())
+    before = given.copy()
+    result = through(given)
+    assert result.dtype == np.float64
+    assert np.array_equal(result, given[:, 0] if given.shape[1] == 1 else given)
+    assert np.array_equal(given, before)
+
+
+@pytest.mark.parametrize("dtype", ["?", "b", "B", "h", "i", "q", "Q", "e", "f", "d", "g"])
+def test_any_real_dtype_arrives_as_doubles(dtype):
+    column = np.array([0, 1, 3, 7]).astype(dtype)
+    assert np.array_equal(through(column), column.astype(float))
+    assert np.array_equal(through(column.reshape(2, 2)), column.reshape(2, 2).astype(float))
+
+
+@pytest.mark.parametrize(
+    "given, expected",
+    [
+        ([1, 2.5, True], [1, 2.5, 1]),
+        ((np.float32(3), np.int8(-2), np.array(4)), [3, -2, 4]),
+        (range(3), [0, 1, 2]),
+        (array.array("h", [5, 6]), [5, 6]),
+        ([], []),
+        ([[1, 2], (3, 4)], [[1, 2], [3, 4]]),
+        ([[1], [2]], [1, 2]),
+        ([range(2), [5, 6]], [[0, 1], [5, 6]]),
+        ([[], []], np.empty((2, 0))),
+        (np.empty((0, 3)), np.empty((0, 3))),
+        (np.array([[1, 2], [3, 4]], dtype=object), [[1, 2], [3, 4]]),
+        (np.array([1, 2.5], dtype=object), [1, 2.5]),
+        ([1 + 0j, 2], [1, 2]),
+    ],
+)
+def test_sequences_are_columns_and_matrices(given, expected):
+    result = through(given)
+    assert result.shape == np.shape(expected)
+    assert np.array_equal(result, expected)
+
+
+@pytest.mark.parametrize(
+    "given",
+    [
+        [1j, 2],
+        np.array([1, 1j], dtype=np.complex64),
+        np.array([[1, 1j]], order="F"),
+        [[1, 2], [3, 1e-300j]],
+    ],
+)
+def test_imaginary_parts_arrive(given):
+    with pytest.raises(undula.Error, match="must be real array") as caught:
+        through(given)
+    assert caught.value.argument == 1
+
+
+def test_numbers_that_are_not_finite_pass_through():
+    given = np.array([np.nan, np.inf, -np.inf, -0.0])
+    assert through(given).tobytes() == given.tobytes()
+
+
+@pytest.mark.parametrize(
+    "given",
+    [
+        [np.ones(2), np.ones(3)],
+        (np.ones((2, 2)),),
+        [1, np.ones(2)],
+        [[np.ones(2)], [np.ones(1), 3]],
+        np.array([[1, np.ones(2)], [[3], 4]], dtype=object),
+    ],
+)
+def test_nested_arrays_are_one_value(given):
+    """They arrive, and are refused as what they are: no array of numbers."""
+    with pytest.raises(undula.Error, match="must be real array") as caught:
+        through(given)
+    assert caught.value.argument == 1
+
+
+@pytest.mark.parametrize(
+    "given, reason",
+    [
+        ({}, "type dict"),
+        (None, "type NoneType"),
+        (b"ab", "type bytes"),
+        ({1, 2}, "type set"),
+        ([1, "a"], "holds a str"),
+        ([1, [2]], "holds a list"),
+        ([[1], 2], "holds a int"),
+        ([[1, 2], [3]], "rows of different lengths"),
+        ([[[1]]], "holds a list"),
+        ([np.ones(2), "a"], "holds a str"),
+        ([np.ones(2), len], "holds a builtin"),
+        (np.ones((1, 1, 1)), "3 dimensions"),
+        (np.array(["a"]), "array of <U1"),
+        (np.datetime64(1, "D"), "array of datetime64"),
+        (np.array([None]), "holds a NoneType"),
+        (np.zeros(2, dtype=[("a", float)]), "array of"),
+    ],
+)
+def test_anything_else_is_a_type_error_that_names_the_argument(given, reason):
+    with pytest.raises(TypeError, match=reason) as caught:
+        through(given)
+    assert str(caught.value).startswith("dwt: argument 1 (data) ")
+    with pytest.raises(TypeError, match=r"^dwt: argument 3 \(filter\) "):
+        undula.dwt([1, 2], 1, given)
+
+
+@pytest.mark.parametrize(
+    "given, reason",
+    [
+        (10**400, "int that is too large"),
+        ("\0", "character of code 0"),
+        ("\u20ac", "beyond Latin-1"),
+        (np.broadcast_to(1.0, (2**29, 1)), "4 GiB"),
+        (np.broadcast_to(1.0, (2**20, 2**20)), "4 GiB"),
+        (np.empty((0, 2**31)), "2\\^31"),
+    ],
+)
+def test_values_that_no_host_can_have(given, reason):
+    with pytest.raises(ValueError, match=reason) as caught:
+        through(given)
+    assert str(caught.value).startswith("dwt: argument 1 (data) ")
+
+
+def test_a_list_that_holds_itself_ends_in_an_error():
+    endless = []
+    endless.append(endless)
+    with pytest.raises(RecursionError):
+        through(endless)
+    hidden = np.empty((), dtype=object)
+    hidden[()] = hidden
+    with pytest.raises(RecursionError):
+        through(hidden)
+
+
+@pytest.mark.parametrize("number", [4, 4.0, True + 3, np.int16(4), np.float32(4), np.array(4), 4 + 0j, np.complex64(4)])
+def test_numbers_are_scalars(number):
+    assert np.array_equal(undula.daublet(number), undula.daublet(4))
+
+
+def test_the_imaginary_part_of_a_scalar_arrives():
+    with pytest.raises(undula.Error, match="must be real"):
+        undula.daublet(np.complex64(4 + 1j))
+
+
+def test_a_result_shows_the_memory_of_the_host_and_keeps_it(live_values):
+    before = live_values()
+    column = undula.dwt(np.arange(1024.0), 3, HAAR)
+    matrix = undula.dwt(np.ones((64, 32)), 3, HAAR)
+    for result in (column, matrix):
+        assert not result.flags.owndata and result.base is not None
+        assert result.flags.f_contiguous and result.flags.writeable
+    assert live_values() == before + 2
+    part = column[512:]
+    expected = part.copy()
+    del column, matrix, result
+    assert live_values() == before + 1
+    assert np.array_equal(part, expected)
+    del part
+    assert live_values() == before
+
+
+def test_a_result_never_shares_memory_with_an_argument():
+    given = np.arange(8.0)
+    result = through(given)
+    assert not np.shares_memory(given, result)
+    replaced = undula.put_subband(given, 0, 0, given)
+    assert not np.shares_memory(given, replaced)

@@ -1,0 +1,119 @@
+"""The descriptions against the pack that is loaded."""
+
+import doctest
+import importlib.util
+import inspect
+from pathlib import Path
+
+import numpy as np
+import pytest
+import undula
+from undula import _descriptions, _functions
+
+ROOT = Path(__file__).resolve().parents[2]
+DESCRIPTIONS = _descriptions.read_descriptions()
+KINDS = _descriptions.read_kinds()
+ROWS = {row.name: row for row in undula._host.load(str(_functions.LIBRARY))}
+FORMS = [(name, form) for name, entry in DESCRIPTIONS.items() for form in entry.forms]
+
+# For every kind a value of it, and values of other kinds that are no functions.
+RIGHT = {"scalar": 0, "string": "", "function": len, "vector": [1], "array": [[1, 2]], "scalar or array": 0}
+WRONG = {
+    "scalar": ["", [1]],
+    "string": [0, [1]],
+    "function": [0, [1], ""],
+    "vector": ["", 0, [[1, 2]]],
+    "array": ["", 0],
+    "scalar or array": [""],
+}
+
+
+def test_every_row_is_a_function_and_the_described_ones_are_public():
+    assert len(ROWS) == 58
+    assert set(DESCRIPTIONS) <= set(ROWS)
+    for name in ROWS:
+        function = getattr(undula, name)
+        assert function.__name__ == name and function.__module__ == "undula" and function.__doc__
+        assert (name in undula.__all__) == (name in DESCRIPTIONS)
+
+
+@pytest.mark.parametrize("name", DESCRIPTIONS)
+def test_the_numbers_of_arguments_are_those_of_the_pack(name):
+    counts = {len(form) for form in DESCRIPTIONS[name].forms}
+    arity = ROWS[name].arity
+    if arity is not None:
+        assert counts == {arity}
+        return
+    accepted = {count for count in range(12) if complaint(name, [""] * count)[0] != "Wrong number of Arguments"}
+    assert counts == accepted
+
+
+@pytest.mark.parametrize("name, form", FORMS)
+def test_the_kinds_of_arguments_are_those_of_the_pack(name, form):
+    kinds = {argument.name: argument.kind for argument in DESCRIPTIONS[name].arguments}
+    right = [RIGHT[kinds[argument]] for argument in form]
+    for place, argument in enumerate(form):
+        kind = kinds[argument]
+        for wrong in WRONG[kind]:
+            arguments = [*right[:place], wrong, *right[place + 1 :]]
+            assert complaint(name, arguments) == (KINDS[kind]["refusal"], place + 1)
+
+
+def complaint(name, arguments):
+    with pytest.raises(undula.Error) as caught:
+        getattr(undula, name)(*arguments)
+    return caught.value.message, caught.value.argument
+
+
+ERRORS = [
+    (name, error.argument, error.message, error.call)
+    for name, entry in DESCRIPTIONS.items()
+    for error in entry.errors
+]
+
+
+@pytest.mark.parametrize("name, argument, message, call", [row for row in ERRORS if row[3]])
+def test_every_error_is_given_as_described(name, argument, message, call):
+    with pytest.raises(undula.Error) as caught:
+        eval(call, vars(undula) | {"np": np})
+    assert call.startswith(f"{name}(")
+    names = [form for form in DESCRIPTIONS[name].forms if len(form) >= caught.value.argument]
+    place = names[-1].index(argument) + 1 if argument else 0
+    assert (caught.value.function, caught.value.message, caught.value.argument) == (name, message, place)
+
+
+def test_only_errors_that_cannot_be_provoked_lack_a_call():
+    without = {message for _, _, message, call in ERRORS if not call}
+    assert without <= {"out of memory", "interrupted", "Wrong number of Arguments"}
+
+
+@pytest.mark.parametrize("name", DESCRIPTIONS)
+def test_every_example_runs(name):
+    check_examples(DESCRIPTIONS[name].example, name)
+
+
+def test_the_example_of_the_package_runs():
+    check_examples(undula.__doc__, "undula")
+
+
+def check_examples(text, name):
+    test = doctest.DocTestParser().get_doctest(text, {"undula": undula, "np": np}, name, None, 0)
+    assert test.examples
+    report = []
+    doctest.DocTestRunner().run(test, out=report.append)
+    assert not report, "".join(report)
+
+
+def test_help_names_arguments_errors_and_example():
+    text = inspect.getdoc(undula.dwt)
+    assert "dwt(data, level, filter, offsets, flips)" in text
+    assert "filter : array" in text
+    assert '"invalid level"' in text
+    assert str(inspect.signature(undula.dwt)) == "(data, level, filter, offsets=..., flips=..., /)"
+
+
+def test_the_page_of_functions_is_up_to_date():
+    location = ROOT / "docs" / "make_functions.py"
+    maker = importlib.util.module_from_spec(spec := importlib.util.spec_from_file_location("maker", location))
+    spec.loader.exec_module(maker)
+    assert maker.PAGE.read_text(encoding="utf-8") == maker.page()

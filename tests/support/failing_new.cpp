@@ -1,0 +1,121 @@
+#include "support/failing_new.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <new>
+
+// The whole family is replaced, so that each delete meets memory of its own kind. The libraries
+// that the program loads use these, too.
+
+namespace {
+
+std::atomic<long> live{0};
+thread_local long countdown = 0;  // 0: nothing to fail
+
+void* allocate(std::size_t bytes) noexcept {
+    void* memory = std::malloc(bytes == 0 ? 1 : bytes);
+    if (memory) ++live;
+    return memory;
+}
+
+void* allocate(std::size_t bytes, std::align_val_t alignment) noexcept {
+    const auto unit = static_cast<std::size_t>(alignment);
+    void* memory = std::aligned_alloc(unit, (bytes + unit - 1) / unit * unit);
+    if (memory) ++live;
+    return memory;
+}
+
+bool isToFail() {
+    return countdown > 0 && --countdown == 0;
+}
+
+void* orThrow(void* memory) {
+    if (!memory) throw std::bad_alloc();
+    return memory;
+}
+
+void release(void* memory) noexcept {
+    if (memory) --live;
+    std::free(memory);
+}
+
+}  // namespace
+
+FailingNew::FailingNew(long k) {
+    countdown = k;
+}
+
+FailingNew::~FailingNew() {
+    countdown = 0;
+}
+
+bool FailingNew::happened() const {
+    return countdown == 0;
+}
+
+long liveAllocations() {
+    return live;
+}
+
+void* operator new(std::size_t bytes) {
+    return orThrow(allocate(bytes));
+}
+void* operator new[](std::size_t bytes) {
+    return orThrow(allocate(bytes));
+}
+void* operator new(std::size_t bytes, std::align_val_t unit) {
+    return orThrow(allocate(bytes, unit));
+}
+void* operator new[](std::size_t bytes, std::align_val_t unit) {
+    return orThrow(allocate(bytes, unit));
+}
+
+void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept {
+    return isToFail() ? nullptr : allocate(bytes);
+}
+void* operator new[](std::size_t bytes, const std::nothrow_t&) noexcept {
+    return isToFail() ? nullptr : allocate(bytes);
+}
+void* operator new(std::size_t bytes, std::align_val_t unit, const std::nothrow_t&) noexcept {
+    return isToFail() ? nullptr : allocate(bytes, unit);
+}
+void* operator new[](std::size_t bytes, std::align_val_t unit, const std::nothrow_t&) noexcept {
+    return isToFail() ? nullptr : allocate(bytes, unit);
+}
+
+void operator delete(void* memory) noexcept {
+    release(memory);
+}
+void operator delete[](void* memory) noexcept {
+    release(memory);
+}
+void operator delete(void* memory, std::size_t) noexcept {
+    release(memory);
+}
+void operator delete[](void* memory, std::size_t) noexcept {
+    release(memory);
+}
+void operator delete(void* memory, std::align_val_t) noexcept {
+    release(memory);
+}
+void operator delete[](void* memory, std::align_val_t) noexcept {
+    release(memory);
+}
+void operator delete(void* memory, std::size_t, std::align_val_t) noexcept {
+    release(memory);
+}
+void operator delete[](void* memory, std::size_t, std::align_val_t) noexcept {
+    release(memory);
+}
+void operator delete(void* memory, const std::nothrow_t&) noexcept {
+    release(memory);
+}
+void operator delete[](void* memory, const std::nothrow_t&) noexcept {
+    release(memory);
+}
+void operator delete(void* memory, std::align_val_t, const std::nothrow_t&) noexcept {
+    release(memory);
+}
+void operator delete[](void* memory, std::align_val_t, const std::nothrow_t&) noexcept {
+    release(memory);
+}

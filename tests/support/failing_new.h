@@ -1,0 +1,18 @@
+// Lack of memory on demand: the global operator new of the test program can be told to fail.
+#pragma once
+
+// While it lives, the k-th allocation by the operator new that answers null (std::nothrow), of
+// whatever library, does answer null; k counts from 1. One at a time, on one thread.
+class FailingNew {
+ public:
+    explicit FailingNew(long k);
+    ~FailingNew();
+    FailingNew(const FailingNew&) = delete;
+    FailingNew& operator=(const FailingNew&) = delete;
+
+    // Whether there were as many allocations as that.
+    bool happened() const;
+};
+
+// Memory from any operator new that has not been given back.
+long liveAllocations();
