@@ -6,7 +6,7 @@
 #include "efi/platform.h"
 
 class EFI_THROWN SE_FPE_Exception {
-   public:
+ public:
     SE_FPE_Exception(std::uint32_t ofHost, std::uint32_t code) : hostField(ofHost), exceptionCode(code) {}
 
     std::uint32_t hostField;

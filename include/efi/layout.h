@@ -35,7 +35,8 @@ static_assert(!narrowPointers || sizeof(sString) == 16);
 static_assert(!narrowPointers || (offsetof(sString, text) == 4 && offsetof(sString, length) == 8));
 static_assert(!narrowPointers || sizeof(EfiFunction) == 28);
 static_assert(!narrowPointers || (offsetof(EfiFunction, flag) == 8 && offsetof(EfiFunction, name) == 12));
-static_assert(!narrowPointers || (offsetof(EfiFunction, reserved2) == 16 && offsetof(EfiFunction, entry) == 20));
+static_assert(!narrowPointers ||
+              (offsetof(EfiFunction, reserved2) == 16 && offsetof(EfiFunction, entry) == 20));
 
 }  // namespace efi
 

@@ -25,18 +25,18 @@ inline constexpr std::int32_t efiInterrupted = 1;
 
 // Operations 1 to 3 of every object.
 class EfiObject {
-   public:
+ public:
     // Stores the interface in `out` and answers a status that is negative on failure.
     virtual std::int32_t EFI_OPERATION QueryInterface(const EfiGuid& interfaceId, void** out) = 0;
     virtual std::uint32_t EFI_OPERATION AddRef() = 0;
     virtual std::uint32_t EFI_OPERATION Release() = 0;
 
-   protected:
+ protected:
     ~EfiObject() = default;
 };
 
 class IqrAllocator : public EfiObject {
-   public:
+ public:
     virtual void EFI_OPERATION hostOperation4() = 0;
     virtual void EFI_OPERATION hostOperation5() = 0;
     virtual void EFI_OPERATION hostOperation6() = 0;
@@ -46,14 +46,14 @@ class IqrAllocator : public EfiObject {
     // the tag included.
     virtual void EFI_OPERATION newScalar(aComplex** out) = 0;
 
-   protected:
+ protected:
     ~IqrAllocator() = default;
 };
 
 // Cells that keep a value alive. Obtained from the allocator's QueryInterface with efiRootSetId;
 // the caller releases it.
 class EfiRootSet : public EfiObject {
-   public:
+ public:
     virtual void EFI_OPERATION hostOperation4() = 0;
     virtual void EFI_OPERATION hostOperation5() = 0;
     virtual void EFI_OPERATION hostOperation6() = 0;
@@ -67,12 +67,12 @@ class EfiRootSet : public EfiObject {
     // 12: gives the cell back.
     virtual void EFI_OPERATION removeRoot(Anyval** cell) = 0;
 
-   protected:
+ protected:
     ~EfiRootSet() = default;
 };
 
 class EfiEvaluator : public EfiObject {
-   public:
+ public:
     // 4: calls a function with the listed arguments. Status 1: interrupted; any other: the result
     // is set. Null counts as a value of no kind.
     virtual std::int32_t EFI_OPERATION applyList(aLambda* function, Cons* arguments, Anyval** result) = 0;
@@ -88,7 +88,7 @@ class EfiEvaluator : public EfiObject {
     // 13: as applyList, with one argument. The result stays valid until the next evaluation.
     virtual std::int32_t EFI_OPERATION applyOne(aLambda* function, Anyval* argument, Anyval** result) = 0;
 
-   protected:
+ protected:
     ~EfiEvaluator() = default;
 };
 

@@ -6,9 +6,13 @@ namespace undula {
 
 namespace {
 
-bool admitsPeriodic(const FilterBank&, std::uint64_t n, std::uint64_t levels) { return divisible(n, levels); }
+bool admitsPeriodic(const FilterBank&, std::uint64_t n, std::uint64_t levels) {
+    return divisible(n, levels);
+}
 
-bool admitsSymmetric(const FilterBank&, std::uint64_t n, std::uint64_t levels) { return levels <= deepestLevel(n); }
+bool admitsSymmetric(const FilterBank&, std::uint64_t n, std::uint64_t levels) {
+    return levels <= deepestLevel(n);
+}
 
 // The last step must find as many samples as the filter has taps.
 bool admitsInterval(const FilterBank& bank, std::uint64_t n, std::uint64_t levels) {

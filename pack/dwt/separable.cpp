@@ -18,24 +18,26 @@ bool askTimes(const Poll& poll, std::uint32_t times) {
 
 }  // namespace
 
-Code separableStep(Step* step, const FilterBank& bank, const Block& block, bool swapInColumns, bool swapInRows,
-                   const Poll& poll, Workspace& workspace) {
+Code separableStep(Step* step, const FilterBank& bank, const Block& block, bool swapInColumns,
+                   bool swapInRows, const Poll& poll, Workspace& workspace) {
     for (std::uint32_t col = 0; col < block.cols; ++col) {
         if (poll()) return Code::Interrupted;
-        const Code code = step(bank, {block.origin + col * block.stride}, block.rows, swapInColumns, workspace);
+        const Code code =
+            step(bank, {block.origin + col * block.stride}, block.rows, swapInColumns, workspace);
         if (code != Code::None) return code;
     }
     for (std::uint32_t row = 0; row < block.rows; row += batchRows) {
         const std::uint32_t rows = std::min(batchRows, block.rows - row);
         if (askTimes(poll, rows)) return Code::Interrupted;
-        const Code code = step(bank, {block.origin + row, block.stride, rows}, block.cols, swapInRows, workspace);
+        const Code code =
+            step(bank, {block.origin + row, block.stride, rows}, block.cols, swapInRows, workspace);
         if (code != Code::None) return code;
     }
     return Code::None;
 }
 
-Code periodic_analysis_step_2d(const FilterBank& bank, const Block& block, bool swapInColumns, bool swapInRows,
-                               Workspace& workspace) {
+Code periodic_analysis_step_2d(const FilterBank& bank, const Block& block, bool swapInColumns,
+                               bool swapInRows, Workspace& workspace) {
     if (block.rows < 2 || block.cols < 2) return Code::InvalidLevel;
     return separableStep(periodic_analysis_step, bank, block, swapInColumns, swapInRows, {}, workspace);
 }

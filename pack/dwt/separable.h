@@ -16,11 +16,11 @@ struct Block {
 
 // Runs the step along the columns of the block, with `swapInColumns`, and then along its rows, with
 // `swapInRows`. Polls before each column and before each row; then answers Code::Interrupted.
-Code separableStep(Step* step, const FilterBank& bank, const Block& block, bool swapInColumns, bool swapInRows,
-                   const Poll& poll, Workspace& workspace);
+Code separableStep(Step* step, const FilterBank& bank, const Block& block, bool swapInColumns,
+                   bool swapInRows, const Poll& poll, Workspace& workspace);
 
 // The periodic analysis of a block, both of whose sides must be at least 2.
-Code periodic_analysis_step_2d(const FilterBank& bank, const Block& block, bool swapInColumns, bool swapInRows,
-                               Workspace& workspace);
+Code periodic_analysis_step_2d(const FilterBank& bank, const Block& block, bool swapInColumns,
+                               bool swapInRows, Workspace& workspace);
 
 }  // namespace undula

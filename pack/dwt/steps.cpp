@@ -15,8 +15,12 @@ using Index = std::ptrdiff_t;
 // every second tap of both in a synthesis.
 constexpr int mostTerms = 256;
 
-Index floorHalf(Index x) { return x >> 1; }
-Index ceilHalf(Index x) { return (x + 1) >> 1; }
+Index floorHalf(Index x) {
+    return x >> 1;
+}
+Index ceilHalf(Index x) {
+    return (x + 1) >> 1;
+}
 
 // The non-negative remainder.
 Index modulo(Index x, Index n) {
@@ -77,7 +81,9 @@ void copyLine(const double* from, double* to, Index count) {
     std::memcpy(to, from, static_cast<std::size_t>(count) * sizeof(double));
 }
 
-void zeroLine(double* to, Index count) { std::fill_n(to, count, 0.0); }
+void zeroLine(double* to, Index count) {
+    std::fill_n(to, count, 0.0);
+}
 
 void addLine(const double* from, double* to, Index count) {
     for (Index i = 0; i < count; ++i) to[i] += from[i];
@@ -86,16 +92,20 @@ void addLine(const double* from, double* to, Index count) {
 // Positions `first` to `last` of the lines, split by the parity of the position, so that a filter
 // that moves by two samples an output meets consecutive numbers.
 class Phases {
-   public:
+ public:
     // Doubles for the positions.
     static std::uint64_t room(Index first, Index last, Index width) {
         return 2 * static_cast<std::uint64_t>(perPhase(first, last)) * static_cast<std::uint64_t>(width);
     }
 
     Phases(double* memory, Index first, Index last, Index width)
-        : lineWidth(width), firstPair(floorHalf(first)), phases{memory, memory + perPhase(first, last) * width} {}
+        : lineWidth(width),
+          firstPair(floorHalf(first)),
+          phases{memory, memory + perPhase(first, last) * width} {}
 
-    double* at(Index position) const { return phases[position & 1] + (floorHalf(position) - firstPair) * lineWidth; }
+    double* at(Index position) const {
+        return phases[position & 1] + (floorHalf(position) - firstPair) * lineWidth;
+    }
 
     // Reads positions 0 .. n - 1.
     void read(const Lines& lines, Index n) const {
@@ -126,10 +136,11 @@ class Phases {
             if (count & 1) x[count - 1] = even[floorHalf(count)];
             return;
         }
-        for (Index p = start; p < start + count; ++p) copyLine(at(p), lines.origin + p * lines.stride, lineWidth);
+        for (Index p = start; p < start + count; ++p)
+            copyLine(at(p), lines.origin + p * lines.stride, lineWidth);
     }
 
-   private:
+ private:
     static Index perPhase(Index first, Index last) { return floorHalf(last) - floorHalf(first) + 1; }
 
     Index lineWidth;
@@ -146,13 +157,14 @@ int analysisTerms(const Filter& filter, const Phases& signal, Index output, Term
 
 // Writes lines of coefficients to their place among the lines; `from` is contiguous.
 void placeLines(const double* from, const Lines& lines, Index start, Index count) {
-    for (Index k = 0; k < count; ++k) copyLine(from + k * lines.count, lines.origin + (start + k) * lines.stride, lines.count);
+    for (Index k = 0; k < count; ++k)
+        copyLine(from + k * lines.count, lines.origin + (start + k) * lines.stride, lines.count);
 }
 
 // Outputs `first` .. `first + count - 1` of a filter, placed from `start` on. `scratch` has room
 // for them.
-void filterLines(const Filter& filter, const Phases& signal, Index first, Index count, const Lines& lines, Index start,
-                 double* scratch) {
+void filterLines(const Filter& filter, const Phases& signal, Index first, Index count, const Lines& lines,
+                 Index start, double* scratch) {
     Term terms[mostTerms];
     const int termCount = analysisTerms(filter, signal, first, terms);
     const auto size = static_cast<std::size_t>(std::max<Index>(count, 0) * lines.count);
@@ -167,7 +179,9 @@ void filterLines(const Filter& filter, const Phases& signal, Index first, Index 
 // The position within 0 .. n - 1 that stands for one outside.
 using Extension = Index (*)(Index position, Index n);
 
-Index periodic(Index position, Index n) { return modulo(position, n); }
+Index periodic(Index position, Index n) {
+    return modulo(position, n);
+}
 
 // Mirrored about the end samples.
 Index wholeSample(Index position, Index n) {
@@ -193,7 +207,9 @@ Code analyse(const Channels& channels, Extension extension, const Lines& lines, 
 
     const Phases signal(memory, first, last, lines.count);
     signal.read(lines, n);
-    const auto extend = [&](Index position) { copyLine(signal.at(extension(position, n)), signal.at(position), lines.count); };
+    const auto extend = [&](Index position) {
+        copyLine(signal.at(extension(position, n)), signal.at(position), lines.count);
+    };
     for (Index position = first; position < 0; ++position) extend(position);
     for (Index position = n; position <= last; ++position) extend(position);
 
@@ -214,7 +230,7 @@ struct Padded {
 // Merges the coefficients of both channels. Position 2q + parity meets, of coefficient q - shift, the
 // tap parity - offset + 2 shift of each channel.
 class Merger {
-   public:
+ public:
     Merger(const Channels& filters, const Padded& lowPart, const Padded& highPart)
         : channels(filters), low(lowPart), high(highPart), shifts(shiftsOf(filters)) {}
 
@@ -241,7 +257,7 @@ class Merger {
         }
     }
 
-   private:
+ private:
     struct Shifts {
         Index nearest;
         Index farthest;
@@ -257,7 +273,8 @@ class Merger {
         int count = 0;
         const auto addTap = [&](const Filter& filter, const Padded& coefficients, Index shift) {
             const Index tap = parity - filter.offset + 2 * shift;
-            if (0 <= tap && tap < filter.count) terms[count++] = {filter.taps[tap], coefficients.at(pair - shift)};
+            if (0 <= tap && tap < filter.count)
+                terms[count++] = {filter.taps[tap], coefficients.at(pair - shift)};
         };
         for (Index shift = shifts.farthest; shift >= shifts.nearest; --shift) {
             addTap(channels.low, low, shift);
@@ -279,9 +296,15 @@ struct Continuation {
     Index (*source)(Index k, Index given) = nullptr;  // whose value number k takes; -1: it is 0
 };
 
-Index mirrorFromLast(Index k, Index given) { return 2 * given - 1 - k; }
-Index mirrorBeforeLast(Index k, Index given) { return 2 * given - 2 - k; }
-Index mirrorAfterZero(Index k, Index given) { return k == given ? -1 : 2 * given - k; }
+Index mirrorFromLast(Index k, Index given) {
+    return 2 * given - 1 - k;
+}
+Index mirrorBeforeLast(Index k, Index given) {
+    return 2 * given - 2 - k;
+}
+Index mirrorAfterZero(Index k, Index given) {
+    return k == given ? -1 : 2 * given - k;
+}
 
 // Reads a part of the coefficients, continued, with zeros from `first` and up to `last`.
 Padded readCoefficients(double* memory, Index first, Index last, const Lines& lines, Index start, Index given,
@@ -293,7 +316,8 @@ Padded readCoefficients(double* memory, Index first, Index last, const Lines& li
     if (lines.stride == width) {
         copyLine(lines.origin + start * width, padded.at(0), given * width);
     } else {
-        for (Index k = 0; k < given; ++k) copyLine(lines.origin + (start + k) * lines.stride, padded.at(k), width);
+        for (Index k = 0; k < given; ++k)
+            copyLine(lines.origin + (start + k) * lines.stride, padded.at(k), width);
     }
     for (Index k = given; k < continuation.count; ++k) {
         const Index source = continuation.source(k, given);
@@ -308,9 +332,13 @@ Padded readCoefficients(double* memory, Index first, Index last, const Lines& li
 constexpr Index mergeBlock = 1024;
 
 // The positions that are merged at once, of so many signals side by side.
-Index blockPositions(Index width) { return std::max<Index>(2, mergeBlock / width & ~Index{1}); }
+Index blockPositions(Index width) {
+    return std::max<Index>(2, mergeBlock / width & ~Index{1});
+}
 
-std::uint64_t blockRoom(Index width) { return Phases::room(0, blockPositions(width), width); }
+std::uint64_t blockRoom(Index width) {
+    return Phases::room(0, blockPositions(width), width);
+}
 
 // Merges positions `from` .. `to` into the lines; `from` is even.
 void mergeLines(const Merger& merger, const Lines& lines, Index from, Index to, double* scratch) {
@@ -324,8 +352,9 @@ void mergeLines(const Merger& merger, const Lines& lines, Index from, Index to, 
 }
 
 // Merges the two parts of n coefficients, continued to a period of `period` samples.
-Code synthesise(const Channels& channels, const Lines& lines, Index n, Index period, const Continuation& lowContinuation,
-                const Continuation& highContinuation, bool swap, Workspace& workspace) {
+Code synthesise(const Channels& channels, const Lines& lines, Index n, Index period,
+                const Continuation& lowContinuation, const Continuation& highContinuation, bool swap,
+                Workspace& workspace) {
     const Parts parts(n, swap);
     const Index first = std::min<Index>(0, channels.first());
     const Index last = std::max(period, period + channels.last());
@@ -371,10 +400,16 @@ struct End {
     Index output(Index row, Index outputs) const { return right ? outputs - 1 - row : row; }
 };
 
-End leftEnd(const FilterBank& bank, Index n) { return {bank.BLlo, bank.BLhi, n, false}; }
-End rightEnd(const FilterBank& bank, Index n) { return {bank.BRlo, bank.BRhi, n, true}; }
+End leftEnd(const FilterBank& bank, Index n) {
+    return {bank.BLlo, bank.BLhi, n, false};
+}
+End rightEnd(const FilterBank& bank, Index n) {
+    return {bank.BRlo, bank.BRhi, n, true};
+}
 
-Index edgeRowLength(Index rows, Index row) { return rows + 1 + 2 * row; }
+Index edgeRowLength(Index rows, Index row) {
+    return rows + 1 + 2 * row;
+}
 
 void analyseEnd(const End& end, Index rows, const Phases& signal, const Lines& lines, const Parts& parts) {
     const auto apply = [&](const double* row, Index length, Index output) {
@@ -397,7 +432,8 @@ void synthesiseEnd(const End& end, Index rows, const Padded& low, const Padded& 
         const double* d = high.at(end.output(i, 2 * rows));
         for (Index t = 0; t < edgeRowLength(rows, i); ++t) {
             double* sum = y(end.position(t));
-            for (Index line = 0; line < low.width; ++line) sum[line] += s[line] * end.low[i][t] + d[line] * end.high[i][t];
+            for (Index line = 0; line < low.width; ++line)
+                sum[line] += s[line] * end.low[i][t] + d[line] * end.high[i][t];
         }
     }
 }
@@ -424,7 +460,8 @@ Code periodic_synthesis_step(const FilterBank& bank, const Lines& lines, std::ui
                              Workspace& workspace) {
     if (n < 2) return Code::InvalidLevel;
     const Parts parts(n, swap);
-    return synthesise(nearOrigin(synthesisChannels(bank), n), lines, n, n, {parts.lowCount}, {parts.highCount}, swap, workspace);
+    return synthesise(nearOrigin(synthesisChannels(bank), n), lines, n, n, {parts.lowCount},
+                      {parts.highCount}, swap, workspace);
 }
 
 Code symmetric_analysis_step(const FilterBank& bank, const Lines& lines, std::uint32_t n, bool swap,

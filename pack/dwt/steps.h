@@ -28,7 +28,8 @@ struct Lines {
     std::ptrdiff_t count = 1;
 };
 
-using Step = Code(const FilterBank& bank, const Lines& lines, std::uint32_t n, bool swap, Workspace& workspace);
+using Step = Code(const FilterBank& bank, const Lines& lines, std::uint32_t n, bool swap,
+                  Workspace& workspace);
 
 // Any n >= 2. With an odd n the reconstruction is not exact.
 Step periodic_analysis_step;

@@ -10,7 +10,8 @@ Segment subband(std::uint64_t n, std::uint32_t level, std::uint64_t index) {
         const std::uint64_t child = bit < 64 ? index >> bit & 1 : 0;
         const std::uint64_t smaller = segment.length / 2;
         const std::uint64_t first = parent == 0 ? segment.length - smaller : smaller;
-        segment = child == 0 ? Segment{segment.start, first} : Segment{segment.start + first, segment.length - first};
+        segment = child == 0 ? Segment{segment.start, first}
+                             : Segment{segment.start + first, segment.length - first};
         parent = child;
     }
     return segment;

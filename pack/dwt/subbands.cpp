@@ -14,13 +14,6 @@ namespace {
 constexpr double smoothIndex = 0.0;
 constexpr double detailIndex = 1.0;
 
-aComplex hiddenScalar(double value) {
-    aComplex scalar = {};
-    scalar.tag = TagScalar;
-    scalar.re = value;
-    return scalar;
-}
-
 // Finds subband (level, index) of a vector; both are in range.
 Failure locate(const aVector* vector, const aComplex* level, const aComplex* index, Segment& segment) {
     const auto n = static_cast<std::uint64_t>(vector->rows);
@@ -60,7 +53,7 @@ Failure checkPut(EfiCallContext* context, const aVector* vector, const aComplex*
 aVector* getPart(EfiCallContext* context, aVector* vector, aComplex* level, double index) {
     if (auto failure = requireRealVector(context, vector, 1)) return fail(context, failure);
     if (auto failure = requireReal(level, 2)) return fail(context, failure);
-    aComplex hidden = hiddenScalar(index);
+    aComplex hidden = scalarOf(index);
     return reposition(get_subband(context, vector, level, &hidden), {1, 2, 0});
 }
 
@@ -68,7 +61,7 @@ aVector* putPart(EfiCallContext* context, aVector* vector, aComplex* level, doub
     if (auto failure = requireRealVector(context, vector, 1)) return fail(context, failure);
     if (auto failure = requireReal(level, 2)) return fail(context, failure);
     if (auto failure = requireRealVector(context, part, 3)) return fail(context, failure);
-    aComplex hidden = hiddenScalar(index);
+    aComplex hidden = scalarOf(index);
     return reposition(put_subband(context, vector, level, &hidden, part), {1, 2, 0, 3});
 }
 
@@ -84,7 +77,8 @@ aVector* get_subband(EfiCallContext* context, aVector* vector, aComplex* level, 
     return static_cast<aVector*>(resultMatrix(context, static_cast<int>(segment.length), 1, part));
 }
 
-aVector* put_subband(EfiCallContext* context, aVector* vector, aComplex* level, aComplex* index, aVector* part) {
+aVector* put_subband(EfiCallContext* context, aVector* vector, aComplex* level, aComplex* index,
+                     aVector* part) {
     Segment segment = {};
     if (auto failure = checkPut(context, vector, level, index, part, segment)) return fail(context, failure);
     auto result = copyOfElements(vector);

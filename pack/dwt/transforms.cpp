@@ -1,4 +1,5 @@
-// dwt, idwt: the periodic transform and its inverse.
+// dwt, dwts, dwti: the transform with periodic, symmetric and interval treatment of the ends, and the
+// inverses idwt, idwts, idwti.
 #include "dwt/multilevel.h"
 #include "filters/active_filter.h"
 #include "filters/selection.h"
@@ -15,7 +16,9 @@ constexpr int levelPosition = 2;
 constexpr int waveletPosition = 3;
 
 Failure requireAdmittedLevel(const BoundaryTreatment& boundary, const aMatrix* data, std::uint32_t levels) {
-    const auto admits = [&](int side) { return boundary.admits(ActiveFilter, static_cast<std::uint64_t>(side), levels); };
+    const auto admits = [&](int side) {
+        return boundary.admits(ActiveFilter, static_cast<std::uint64_t>(side), levels);
+    };
     const bool admitted = admits(data->rows) && (data->cols == 1 || admits(data->cols));
     return admitted ? Failure() : Failure(Code::InvalidLevel, levelPosition);
 }
@@ -40,11 +43,15 @@ Failure checkTransform(EfiCallContext* context, const BoundaryTreatment& boundar
 // The failure of a step, as the call reports it.
 Failure stepFailure(Code code) {
     switch (code) {
-        case Code::None: return {};
-        case Code::InvalidLevel: return {code, levelPosition};
+        case Code::None:
+            return {};
+        case Code::InvalidLevel:
+            return {code, levelPosition};
         case Code::OutOfMemory:
-        case Code::Interrupted: return {code, 0};
-        default: return {Code::Unknown, 0};
+        case Code::Interrupted:
+            return {code, 0};
+        default:
+            return {Code::Unknown, 0};
     }
 }
 
@@ -70,7 +77,8 @@ aMatrix* dwt(EfiCallContext* context, aMatrix* data, aComplex* levels, aMatrix* 
 }
 
 aMatrix* dwt(EfiCallContext* context, aMatrix* data, aComplex* levels, aMatrix* filter, aMatrix* offsets) {
-    return transform(context, periodicBoundary, Direction::Forward, data, levels, {waveletPosition, filter, offsets});
+    return transform(context, periodicBoundary, Direction::Forward, data, levels,
+                     {waveletPosition, filter, offsets});
 }
 
 aMatrix* dwt(EfiCallContext* context, aMatrix* data, aComplex* levels, aMatrix* filter, aMatrix* offsets,
@@ -80,16 +88,36 @@ aMatrix* dwt(EfiCallContext* context, aMatrix* data, aComplex* levels, aMatrix* 
 }
 
 aMatrix* idwt(EfiCallContext* context, aMatrix* coefficients, aComplex* levels, aMatrix* filter) {
-    return transform(context, periodicBoundary, Direction::Inverse, coefficients, levels, {waveletPosition, filter});
+    return transform(context, periodicBoundary, Direction::Inverse, coefficients, levels,
+                     {waveletPosition, filter});
 }
 
-aMatrix* idwt(EfiCallContext* context, aMatrix* coefficients, aComplex* levels, aMatrix* filter, aMatrix* offsets) {
+aMatrix* idwt(EfiCallContext* context, aMatrix* coefficients, aComplex* levels, aMatrix* filter,
+              aMatrix* offsets) {
     return transform(context, periodicBoundary, Direction::Inverse, coefficients, levels,
                      {waveletPosition, filter, offsets});
 }
 
-aMatrix* idwt(EfiCallContext* context, aMatrix* coefficients, aComplex* levels, aMatrix* filter, aMatrix* offsets,
-              aMatrix* flips) {
+aMatrix* idwt(EfiCallContext* context, aMatrix* coefficients, aComplex* levels, aMatrix* filter,
+              aMatrix* offsets, aMatrix* flips) {
     return transform(context, periodicBoundary, Direction::Inverse, coefficients, levels,
                      {waveletPosition, filter, offsets, flips});
+}
+
+aMatrix* dwts(EfiCallContext* context, aMatrix* data, aComplex* levels, aMatrix* filter) {
+    return transform(context, symmetricBoundary, Direction::Forward, data, levels, {waveletPosition, filter});
+}
+
+aMatrix* idwts(EfiCallContext* context, aMatrix* coefficients, aComplex* levels, aMatrix* filter) {
+    return transform(context, symmetricBoundary, Direction::Inverse, coefficients, levels,
+                     {waveletPosition, filter});
+}
+
+aMatrix* dwti(EfiCallContext* context, aMatrix* data, aComplex* levels, aMatrix* filter) {
+    return transform(context, intervalBoundary, Direction::Forward, data, levels, {waveletPosition, filter});
+}
+
+aMatrix* idwti(EfiCallContext* context, aMatrix* coefficients, aComplex* levels, aMatrix* filter) {
+    return transform(context, intervalBoundary, Direction::Inverse, coefficients, levels,
+                     {waveletPosition, filter});
 }

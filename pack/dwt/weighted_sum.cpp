@@ -9,8 +9,12 @@ namespace {
 // Two numbers at a time: the width changes no result.
 typedef double Lane __attribute__((vector_size(16), aligned(8), may_alias));
 
-Lane load(const double* from) { return *reinterpret_cast<const Lane*>(from); }
-void store(double* to, Lane value) { *reinterpret_cast<Lane*>(to) = value; }
+Lane load(const double* from) {
+    return *reinterpret_cast<const Lane*>(from);
+}
+void store(double* to, Lane value) {
+    *reinterpret_cast<Lane*>(to) = value;
+}
 
 constexpr std::size_t laneWidth = 2;
 constexpr std::size_t blockLanes = 8;

@@ -1,11 +1,14 @@
 #include "filters/families.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <iterator>
 #include <new>
 #include <utility>
 
+#include "filters/edges.h"
 #include "filters/registry.h"
+#include "filters/tables/bspline.h"
 #include "filters/tables/coiflet.h"
 #include "filters/tables/daublet.h"
 #include "filters/tables/symmlet.h"
@@ -36,25 +39,60 @@ constexpr Table symmletTables[] = {tables::symmlet8,  tables::symmlet10, tables:
 constexpr Table coifletTables[] = {tables::coiflet6, tables::coiflet12, tables::coiflet18, tables::coiflet24,
                                    tables::coiflet30};
 
+// A spline pair as published.
+struct PairTable {
+    Table dual;
+    Table spline;
+};
+
+constexpr PairTable splineTables[] = {
+    {tables::dualSpline1_1, tables::spline1}, {tables::dualSpline1_3, tables::spline1},
+    {tables::dualSpline1_5, tables::spline1}, {tables::dualSpline2_2, tables::spline2},
+    {tables::dualSpline2_4, tables::spline2}, {tables::dualSpline2_6, tables::spline2},
+    {tables::dualSpline2_8, tables::spline2}, {tables::dualSpline3_1, tables::spline3},
+    {tables::dualSpline3_3, tables::spline3}, {tables::dualSpline3_5, tables::spline3},
+    {tables::dualSpline3_7, tables::spline3}, {tables::dualSpline3_9, tables::spline3},
+};
+
 // How a published filter gets the sum sqrt(2).
-double asPublished(double tap) { return tap; }
-double dividedByRoot(double tap) { return tap / rootOfTwo; }
-double timesRoot(double tap) { return tap * rootOfTwo; }
+double asPublished(double tap) {
+    return tap;
+}
+double dividedByRoot(double tap) {
+    return tap / rootOfTwo;
+}
+double timesRoot(double tap) {
+    return tap * rootOfTwo;
+}
+
+// Doubles that a wavelet takes, its scaled filters included.
+constexpr std::int32_t room(const Table& table) {
+    return table.length + OrthonormalWavelet::workLength(table.length);
+}
+constexpr std::int32_t room(const PairTable& pair) {
+    const std::int32_t dual = pair.dual.length;
+    const std::int32_t spline = pair.spline.length;
+    return dual + spline + BiorthogonalWavelet::workLength(dual, spline);
+}
 
 // Static memory for the wavelets of one list of tables.
 template <class Family, const auto& tableList>
 class Storage {
-   public:
-    // Where the scaled low-pass filter and the working doubles of the next wavelet go.
+ public:
     double* doubles(std::int32_t count) { return std::exchange(nextDouble, nextDouble + count); }
     void* object() { return std::exchange(nextObject, nextObject + sizeof(Family)); }
 
-   private:
+    // A copy of a published filter, scaled.
+    const double* filter(const Table& table, double (*scaled)(double)) {
+        double* copy = doubles(table.length);
+        std::transform(table.taps, table.taps + table.length, copy, scaled);
+        return copy;
+    }
+
+ private:
     static constexpr std::size_t doubleCount() {
         std::size_t count = 0;
-        for (const Table& table : tableList) {
-            count += static_cast<std::size_t>(table.length + OrthonormalWavelet::workLength(table.length));
-        }
+        for (const auto& table : tableList) count += static_cast<std::size_t>(room(table));
         return count;
     }
 
@@ -64,28 +102,41 @@ class Storage {
     std::byte* nextObject = objectMemory;
 };
 
-// Builds the wavelets of a list of tables.
+// Builds the wavelets of a list of tables; `more` gives what else a family's constructor takes.
 template <class Family, const auto& tableList, class... More>
 void build(double (*scaled)(double), More... more) {
     static constinit Storage<Family, tableList> storage;
     for (const Table& table : tableList) {
-        double* low = storage.doubles(table.length);
-        for (std::int32_t i = 0; i < table.length; ++i) low[i] = scaled(table.taps[i]);
+        const double* low = storage.filter(table, scaled);
         double* work = storage.doubles(OrthonormalWavelet::workLength(table.length));
-        add(*new (storage.object()) Family(low, table.length, work, more...));
+        add(*new (storage.object()) Family(low, table.length, work, more(table.length)...));
     }
+}
+
+void buildSplines() {
+    static constinit Storage<BSpline, splineTables> storage;
+    for (const auto& [dual, spline] : splineTables) {
+        const double* ha = storage.filter(dual, timesRoot);
+        const double* hs = storage.filter(spline, timesRoot);
+        double* work = storage.doubles(BiorthogonalWavelet::workLength(dual.length, spline.length));
+        add(*new (storage.object()) BSpline(ha, dual.length, hs, spline.length, work));
+    }
+}
+
+EdgeFilters noEdges(std::int32_t) {
+    return {};
 }
 
 }  // namespace
 
 void buildFamilies() {
-    const EdgeFilters none;
-    build<Daublet, haarTables>(dividedByRoot, none);
-    build<Daublet, shortTables>(asPublished, none);
-    build<Daublet, daubletTables>(asPublished, none);
-    build<Symmlet, shortTables>(asPublished, none);
-    build<Symmlet, symmletTables>(dividedByRoot, none);
+    build<Daublet, haarTables>(dividedByRoot, noEdges);
+    build<Daublet, shortTables>(asPublished, edgeFilters);
+    build<Daublet, daubletTables>(asPublished, noEdges);
+    build<Symmlet, shortTables>(asPublished, edgeFilters);
+    build<Symmlet, symmletTables>(dividedByRoot, edgeFilters);
     build<Coiflet, coifletTables>(timesRoot);
+    buildSplines();
 }
 
 }  // namespace undula

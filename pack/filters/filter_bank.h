@@ -14,10 +14,10 @@ using EdgeRows = const double* const*;
 // the positions o + 2k to o + 2k + n - 1.
 struct FilterBank {
     const Wavelet* selected = nullptr;
-    const double* ha = nullptr;    // analysis low-pass, La taps at offset oa
-    const double* hs = nullptr;    // synthesis low-pass, Lb taps at offset os
-    const double* ga = nullptr;    // analysis high-pass, Lb taps at offset ob
-    const double* gs = nullptr;    // synthesis high-pass, La taps at offset og
+    const double* ha = nullptr;  // analysis low-pass, La taps at offset oa
+    const double* hs = nullptr;  // synthesis low-pass, Lb taps at offset os
+    const double* ga = nullptr;  // analysis high-pass, Lb taps at offset ob
+    const double* gs = nullptr;  // synthesis high-pass, La taps at offset og
     std::int32_t La = 0;
     std::int32_t Lb = 0;
     std::int32_t oa = 0;

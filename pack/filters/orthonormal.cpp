@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "filters/active_filter.h"
+#include "filters/filter_columns.h"
 #include "filters/registry.h"
 #include "frame/checks.h"
 #include "frame/workers.h"
@@ -22,13 +23,6 @@ Failure requireEvenLength(const aComplex* length) {
     return asIndex(taps) % 2 == 0 ? Failure() : Failure(Code::MustBeEvenInteger, 1);
 }
 
-aMatrix* activeFilterColumn(EfiCallContext* context) {
-    const int taps = ActiveFilter.La;
-    auto column = newElements(static_cast<std::uint64_t>(taps), 1);
-    if (column) std::copy_n(ActiveFilter.ha, taps, column.data());
-    return resultMatrix(context, taps, 1, column);
-}
-
 aMatrix* selectFamily(EfiCallContext* context, const aComplex* length, Lookup lookup) {
     if (auto failure = requireEvenLength(length)) return fail(context, failure);
     const OrthonormalWavelet* wavelet = lookup(asIndex(length->re));
@@ -39,6 +33,19 @@ aMatrix* selectFamily(EfiCallContext* context, const aComplex* length, Lookup lo
 
 }  // namespace
 
-aMatrix* daublet(EfiCallContext* context, aComplex* length) { return selectFamily(context, length, findDaublet); }
-aMatrix* symmlet(EfiCallContext* context, aComplex* length) { return selectFamily(context, length, findSymmlet); }
-aMatrix* coiflet(EfiCallContext* context, aComplex* length) { return selectFamily(context, length, findCoiflet); }
+aMatrix* undula::activeFilterColumn(EfiCallContext* context) {
+    const int taps = ActiveFilter.La;
+    auto column = newElements(static_cast<std::uint64_t>(taps), 1);
+    if (column) std::copy_n(ActiveFilter.ha, taps, column.data());
+    return resultMatrix(context, taps, 1, column);
+}
+
+aMatrix* daublet(EfiCallContext* context, aComplex* length) {
+    return selectFamily(context, length, findDaublet);
+}
+aMatrix* symmlet(EfiCallContext* context, aComplex* length) {
+    return selectFamily(context, length, findSymmlet);
+}
+aMatrix* coiflet(EfiCallContext* context, aComplex* length) {
+    return selectFamily(context, length, findCoiflet);
+}

@@ -53,11 +53,13 @@ bool hasPair(const Wavelet* wavelet, Taps lowA, Taps lowS) {
 }
 
 bool hasAnalysis(const Wavelet& wavelet, const ChannelSettings& settings) {
-    return wavelet.analysisLowOffset() == settings.offset[0] && wavelet.analysisHighFlipped() == settings.flip[0];
+    return wavelet.analysisLowOffset() == settings.offset[0] &&
+           wavelet.analysisHighFlipped() == settings.flip[0];
 }
 
 bool hasSynthesis(const Wavelet& wavelet, const ChannelSettings& settings) {
-    return wavelet.synthesisLowOffset() == settings.offset[1] && wavelet.synthesisHighFlipped() == settings.flip[1];
+    return wavelet.synthesisLowOffset() == settings.offset[1] &&
+           wavelet.synthesisHighFlipped() == settings.flip[1];
 }
 
 // The first of a list that the question is true of.
@@ -86,9 +88,15 @@ const OrthonormalWavelet* searchFamilies(Taps low, Test test) {
 
 }  // namespace
 
-const OrthonormalWavelet* findDaublet(std::int64_t taps) { return daublets.find(taps); }
-const OrthonormalWavelet* findSymmlet(std::int64_t taps) { return symmlets.find(taps); }
-const OrthonormalWavelet* findCoiflet(std::int64_t taps) { return coiflets.find(taps); }
+const OrthonormalWavelet* findDaublet(std::int64_t taps) {
+    return daublets.find(taps);
+}
+const OrthonormalWavelet* findSymmlet(std::int64_t taps) {
+    return symmlets.find(taps);
+}
+const OrthonormalWavelet* findCoiflet(std::int64_t taps) {
+    return coiflets.find(taps);
+}
 
 const BattleLemarie* findBattleLemarie(std::int64_t order) {
     return firstOf(battleLemaries, [order](const BattleLemarie& w) { return w.order == order; });
@@ -132,12 +140,26 @@ const BiorthogonalWavelet* findBiorthogonal(Taps lowA, Taps lowS, const ChannelS
     return firstOf(userBiorthogonals, fits);
 }
 
-void add(const Daublet& wavelet) { daublets.add(wavelet); }
-void add(const Symmlet& wavelet) { symmlets.add(wavelet); }
-void add(const Coiflet& wavelet) { coiflets.add(wavelet); }
-void add(const BSpline& wavelet) { splines[wavelet.analysisLowLength()] = &wavelet; }
-void add(BattleLemarie& wavelet) { link(battleLemaries, wavelet); }
-void add(UserDefinedOrthonormal& wavelet) { link(userOrthonormals, wavelet); }
-void add(UserDefinedBiorthogonal& wavelet) { link(userBiorthogonals, wavelet); }
+void add(const Daublet& wavelet) {
+    daublets.add(wavelet);
+}
+void add(const Symmlet& wavelet) {
+    symmlets.add(wavelet);
+}
+void add(const Coiflet& wavelet) {
+    coiflets.add(wavelet);
+}
+void add(const BSpline& wavelet) {
+    splines[wavelet.analysisLowLength()] = &wavelet;
+}
+void add(BattleLemarie& wavelet) {
+    link(battleLemaries, wavelet);
+}
+void add(UserDefinedOrthonormal& wavelet) {
+    link(userOrthonormals, wavelet);
+}
+void add(UserDefinedBiorthogonal& wavelet) {
+    link(userBiorthogonals, wavelet);
+}
 
 }  // namespace undula

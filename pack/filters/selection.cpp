@@ -5,10 +5,9 @@
 #include <new>
 
 #include "filters/active_filter.h"
+#include "filters/kept.h"
 #include "filters/registry.h"
 #include "frame/checks.h"
-#include "frame/floating_point.h"
-#include "frame/memory.h"
 
 namespace undula {
 
@@ -26,7 +25,8 @@ struct Column {
 
     Taps taps() const { return {values, count}; }
     bool usable() const {
-        return count > 0 && std::all_of(values, values + count, [](double tap) { return std::isfinite(tap); });
+        return count > 0 &&
+               std::all_of(values, values + count, [](double tap) { return std::isfinite(tap); });
     }
 };
 
@@ -52,7 +52,8 @@ struct Pair {
     Column s;
 
     explicit Pair(const aMatrix* filter)
-        : a(readColumn(filter, 0, effectiveLength(filter, 0))), s(readColumn(filter, 1, effectiveLength(filter, 1))) {}
+        : a(readColumn(filter, 0, effectiveLength(filter, 0))),
+          s(readColumn(filter, 1, effectiveLength(filter, 1))) {}
     bool usable() const { return a.usable() && s.usable(); }
 };
 
@@ -72,35 +73,21 @@ bool readFlip(const aMatrix* flips, int col, bool& flip) {
 }
 
 // Reads the rows of settings, whose shapes are compared before any element is read.
-bool readSettings(const aMatrix* filter, const aMatrix* offsets, const aMatrix* flips, ChannelSettings& settings) {
+bool readSettings(const aMatrix* filter, const aMatrix* offsets, const aMatrix* flips,
+                  ChannelSettings& settings) {
     const auto isRowOf = [filter](const aMatrix* row) { return row->rows == 1 && row->cols == filter->cols; };
     if (!isRowOf(offsets) || (flips != nullptr && !isRowOf(flips))) return false;
     for (int col = 0; col < filter->cols; ++col) {
-        if (!readOffset(offsets, col, settings.offset[col]) || !readFlip(flips, col, settings.flip[col])) return false;
+        if (!readOffset(offsets, col, settings.offset[col]) || !readFlip(flips, col, settings.flip[col]))
+            return false;
     }
     return true;
 }
 
-// Makes a wavelet of the user's that is kept from now on. Null when memory runs out, or when the
-// arithmetic of its construction faults: the same call must fault again.
-template <class UserDefined, class Construct>
-const UserDefined* keep(Array<double>& storage, Construct construct) {
-    if (!storage) return nullptr;
-    UserDefined* wavelet = construct();
-    if (wavelet == nullptr) return nullptr;
-    if (pendingFault() != nullptr) {
-        delete wavelet;
-        return nullptr;
-    }
-    storage.release();
-    add(*wavelet);
-    return wavelet;
-}
-
 const OrthonormalWavelet* makeOrthonormal(Taps low, const ChannelSettings& settings) {
     const std::int32_t taps = low.count;
-    auto storage = Array<double>::uninitialised(
-        static_cast<std::uint64_t>(taps + OrthonormalWavelet::workLength(taps)));
+    auto storage =
+        Array<double>::uninitialised(static_cast<std::uint64_t>(taps + OrthonormalWavelet::workLength(taps)));
     return keep<UserDefinedOrthonormal>(storage, [&] {
         double* h = storage.data();
         double* work = std::copy_n(low.values, taps, h);
@@ -155,7 +142,9 @@ const Wavelet* selectWith(const aMatrix* filter, const ChannelSettings& settings
     return filter->cols == 1 ? selectOrthonormal(filter, settings) : selectBiorthogonal(filter, settings);
 }
 
-bool isFilterShape(const aMatrix* filter) { return filter->cols == 1 || filter->cols == 2; }
+bool isFilterShape(const aMatrix* filter) {
+    return filter->cols == 1 || filter->cols == 2;
+}
 
 // The settings under which a built-in wavelet is found again.
 ChannelSettings settingsOf(const Wavelet* wavelet) {

@@ -15,7 +15,9 @@ void deriveHighPass(const double* low, std::int32_t taps, double* high) {
     for (std::int32_t i = taps / 2 % 2; i < taps; i += 2) high[i] = -high[i];
 }
 
-void negate(double* filter, std::int32_t taps) { std::transform(filter, filter + taps, filter, std::negate<>()); }
+void negate(double* filter, std::int32_t taps) {
+    std::transform(filter, filter + taps, filter, std::negate<>());
+}
 
 }  // namespace
 
@@ -48,7 +50,8 @@ BiorthogonalWavelet::BiorthogonalWavelet(const double* lowA, std::int32_t tapsA,
 }
 
 UserDefinedBiorthogonal::UserDefinedBiorthogonal(const double* lowA, std::int32_t tapsA, const double* lowS,
-                                                 std::int32_t tapsS, double* work, const ChannelSettings& channels)
+                                                 std::int32_t tapsS, double* work,
+                                                 const ChannelSettings& channels)
     : BiorthogonalWavelet(lowA, tapsA, lowS, tapsS, work), next(nullptr), settings(channels) {
     if (settings.flip[0]) negate(ga, Lb);
     if (settings.flip[1]) negate(gs, La);

@@ -12,7 +12,7 @@
 namespace undula {
 
 class Wavelet {
-   public:
+ public:
     virtual const double* analysisLow() const = 0;
     virtual const double* synthesisLow() const = 0;
     virtual const double* analysisHigh() const = 0;
@@ -39,14 +39,14 @@ class Wavelet {
     virtual std::int32_t hasInterval() const = 0;
     virtual std::int32_t kind() const = 0;  // 1: orthonormal, 2: biorthogonal
 
-   protected:
+ protected:
     ~Wavelet() = default;
 };
 
 // One low-pass filter for both directions; the high-pass filter follows from it. Families override
 // what differs from the answers given here.
 class OrthonormalWavelet : public Wavelet {
-   public:
+ public:
     // Doubles that a wavelet works in, besides its low-pass filter.
     static constexpr std::int32_t workLength(std::int32_t taps) { return taps + cascadeLength(taps); }
 
@@ -76,7 +76,7 @@ class OrthonormalWavelet : public Wavelet {
     std::int32_t hasInterval() const override { return 0; }
     std::int32_t kind() const override { return 1; }
 
-   protected:
+ protected:
     // `work` receives the high-pass filter and the cascade table (workLength doubles). It and the
     // low-pass filter must live as long as the wavelet.
     OrthonormalWavelet(const double* low, std::int32_t taps, double* work);
@@ -98,24 +98,24 @@ struct EdgeFilters {
 
 // Families that can carry boundary filters.
 class IntervalWavelet : public OrthonormalWavelet {
-   public:
+ public:
     EdgeRows leftEdgeLow() const override { return edges.leftLow; }
     EdgeRows leftEdgeHigh() const override { return edges.leftHigh; }
     EdgeRows rightEdgeLow() const override { return edges.rightLow; }
     EdgeRows rightEdgeHigh() const override { return edges.rightHigh; }
 
-   protected:
+ protected:
     IntervalWavelet(const double* low, std::int32_t taps, double* work, const EdgeFilters& boundary)
         : OrthonormalWavelet(low, taps, work), edges(boundary) {}
     ~IntervalWavelet() = default;
 
-   private:
+ private:
     EdgeFilters edges;
 };
 
 // Daubechies' extremal-phase filters; with two taps, the Haar filter.
 class Daublet final : public IntervalWavelet {
-   public:
+ public:
     Daublet(const double* low, std::int32_t taps, double* work, const EdgeFilters& boundary)
         : IntervalWavelet(low, taps, work, boundary) {}
 
@@ -125,7 +125,7 @@ class Daublet final : public IntervalWavelet {
 
 // Daubechies' least-asymmetric filters.
 class Symmlet final : public IntervalWavelet {
-   public:
+ public:
     Symmlet(const double* low, std::int32_t taps, double* work, const EdgeFilters& boundary)
         : IntervalWavelet(low, taps, work, boundary) {}
 
@@ -134,7 +134,7 @@ class Symmlet final : public IntervalWavelet {
 
 // Coiflets, whose length is a multiple of 6.
 class Coiflet final : public OrthonormalWavelet {
-   public:
+ public:
     Coiflet(const double* low, std::int32_t taps, double* work) : OrthonormalWavelet(low, taps, work) {}
 
     std::int32_t analysisLowOffset() const override { return -L / 3; }
@@ -143,7 +143,7 @@ class Coiflet final : public OrthonormalWavelet {
 
 // Orthonormal spline filters, truncated.
 class BattleLemarie final : public OrthonormalWavelet {
-   public:
+ public:
     BattleLemarie(const double* low, std::int32_t taps, double* work, std::int32_t degree)
         : OrthonormalWavelet(low, taps, work), next(nullptr), order(degree) {}
 
@@ -156,7 +156,7 @@ class BattleLemarie final : public OrthonormalWavelet {
 
 // A filter that a user gave as a column of numbers.
 class UserDefinedOrthonormal final : public OrthonormalWavelet {
-   public:
+ public:
     UserDefinedOrthonormal(const double* low, std::int32_t taps, double* work, std::int32_t start, bool flip);
 
     std::int32_t analysisLowOffset() const override { return offset; }
@@ -165,14 +165,14 @@ class UserDefinedOrthonormal final : public OrthonormalWavelet {
 
     const UserDefinedOrthonormal* next;
 
-   private:
+ private:
     std::int32_t offset;
     std::int32_t flipHigh;
 };
 
 // Two low-pass filters; each high-pass filter follows from the other channel's low-pass filter.
 class BiorthogonalWavelet : public Wavelet {
-   public:
+ public:
     // Doubles that a wavelet works in, besides its low-pass filters.
     static constexpr std::int32_t workLength(std::int32_t tapsA, std::int32_t tapsS) {
         return tapsA + tapsS + cascadeLength(tapsA) + cascadeLength(tapsS);
@@ -196,10 +196,11 @@ class BiorthogonalWavelet : public Wavelet {
     EdgeRows edgeAuxB() const override { return nullptr; }
     std::int32_t kind() const override { return 2; }
 
-   protected:
+ protected:
     // `work` receives the high-pass filters and the cascade tables (workLength doubles). It and the
     // low-pass filters must live as long as the wavelet.
-    BiorthogonalWavelet(const double* lowA, std::int32_t tapsA, const double* lowS, std::int32_t tapsS, double* work);
+    BiorthogonalWavelet(const double* lowA, std::int32_t tapsA, const double* lowS, std::int32_t tapsS,
+                        double* work);
     ~BiorthogonalWavelet() = default;
 
     const double* ha;
@@ -214,7 +215,7 @@ class BiorthogonalWavelet : public Wavelet {
 
 // Biorthogonal splines of orders m (synthesis) and n (analysis).
 class BSpline final : public BiorthogonalWavelet {
-   public:
+ public:
     BSpline(const double* lowA, std::int32_t tapsA, const double* lowS, std::int32_t tapsS, double* work)
         : BiorthogonalWavelet(lowA, tapsA, lowS, tapsS, work), m(tapsS - 1), n((tapsA - tapsS + 2) / 2) {}
 
@@ -239,7 +240,7 @@ struct ChannelSettings {
 
 // A pair of filters that a user gave as two columns of numbers.
 class UserDefinedBiorthogonal final : public BiorthogonalWavelet {
-   public:
+ public:
     UserDefinedBiorthogonal(const double* lowA, std::int32_t tapsA, const double* lowS, std::int32_t tapsS,
                             double* work, const ChannelSettings& channels);
 
@@ -254,7 +255,7 @@ class UserDefinedBiorthogonal final : public BiorthogonalWavelet {
 
     const UserDefinedBiorthogonal* next;
 
-   private:
+ private:
     ChannelSettings settings;
 };
 

@@ -7,14 +7,11 @@
 namespace undula {
 
 inline constexpr std::string_view awaited[] = {
-    "Bspline",        "bl",         "dwts",          "idwts",        "dwti",          "idwti",
-    "wpt",            "iwpt",       "wpts",          "iwpts",        "wpti",          "iwpti",
-    "wavelet",        "dlwavelet",  "waveterp",      "swaveterp",    "wavelet2d",     "dlwavelet2d",
-    "waveterp2d",     "swaveterp2d", "get_subband2d", "put_subband2d", "get_smooth2d", "get_detail2d",
-    "put_smooth2d",   "put_detail2d", "cpt",         "lct",          "icpt",          "ilct",
-    "extract_basis",  "wavebs",     "basis_display2d", "best_basis", "father",        "mother",
-    "dlfather",       "dlmother",   "father2d",      "mother2d",     "dlfather2d",    "dlmother2d",
-    "evaltbl",        "evalbs",     "applytbl",      "applybs",
+    "wpt",        "iwpt",     "wpts",      "iwpts",     "wpti",          "iwpti",           "wavelet",
+    "dlwavelet",  "waveterp", "swaveterp", "wavelet2d", "dlwavelet2d",   "waveterp2d",      "swaveterp2d",
+    "cpt",        "lct",      "icpt",      "ilct",      "extract_basis", "basis_display2d", "best_basis",
+    "father",     "mother",   "dlfather",  "dlmother",  "father2d",      "mother2d",        "dlfather2d",
+    "dlmother2d", "evaltbl",  "evalbs",    "applytbl",  "applybs",
 };
 
 constexpr bool isAwaited(std::string_view name) {

@@ -30,6 +30,8 @@ Failure requireLevel(double x, int argument);
 Failure requireLevelInRange(double x, int argument);
 
 // A checked level or index as an integer; truncates towards zero.
-inline std::uint32_t asIndex(double checked) { return static_cast<std::uint32_t>(checked); }
+inline std::uint32_t asIndex(double checked) {
+    return static_cast<std::uint32_t>(checked);
+}
 
 }  // namespace undula

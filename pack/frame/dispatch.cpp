@@ -17,15 +17,22 @@ bool isIllegal(int tag, Kind kind) {
 const char* mismatch(const Anyval* value, Kind kind) {
     const int tag = tagOf(value);
     switch (kind) {
-        case Kind::Scalar: return tag == TagScalar ? nullptr : "non-scalar value";
-        case Kind::String: return tag == TagString ? nullptr : "must be string";
-        case Kind::Array: return tag == TagArray ? nullptr : "must be array";
+        case Kind::Scalar:
+            return tag == TagScalar ? nullptr : "non-scalar value";
+        case Kind::String:
+            return tag == TagString ? nullptr : "must be string";
+        case Kind::Array:
+            return tag == TagArray ? nullptr : "must be array";
         case Kind::Vector:
-            return tag == TagArray && static_cast<const aMatrix*>(value)->cols == 1 ? nullptr : "must be vector";
-        case Kind::Function: return tag == TagFunction || tag == TagFunctionAlt ? nullptr : "must be function";
+            return tag == TagArray && static_cast<const aMatrix*>(value)->cols == 1 ? nullptr
+                                                                                    : "must be vector";
+        case Kind::Function:
+            return tag == TagFunction || tag == TagFunctionAlt ? nullptr : "must be function";
         case Kind::ScalarOrArray:
-        case Kind::OptionalArray: return tag == TagScalar || tag == TagArray ? nullptr : "EfiMustBeScalarOrArray";
-        case Kind::Zero: break;
+        case Kind::OptionalArray:
+            return tag == TagScalar || tag == TagArray ? nullptr : "EfiMustBeScalarOrArray";
+        case Kind::Zero:
+            break;
     }
     return nullptr;
 }
@@ -117,7 +124,8 @@ struct Forwarding {
 Anyval* chooseDispatcher(const Forwarding& forwarding) {
     for (int i = 0; i < forwarding.dispatcherCount; ++i) {
         const FixedDispatcher& dispatcher = forwarding.dispatchers[i];
-        if (dispatcher.count == forwarding.count) return dispatcher.call(forwarding.context, forwarding.arguments);
+        if (dispatcher.count == forwarding.count)
+            return dispatcher.call(forwarding.context, forwarding.arguments);
     }
     return fail(forwarding.context, {"Wrong number of Arguments", 0});
 }

@@ -24,7 +24,16 @@ struct O;             // optional array: a scalar is passed on as a 1 x 1 array
 struct Z;             // a scalar that the user does not write: the pack supplies 0
 }  // namespace form
 
-enum class Kind : std::uint8_t { Scalar, String, Array, Vector, Function, ScalarOrArray, OptionalArray, Zero };
+enum class Kind : std::uint8_t {
+    Scalar,
+    String,
+    Array,
+    Vector,
+    Function,
+    ScalarOrArray,
+    OptionalArray,
+    Zero
+};
 
 namespace detail {
 
@@ -83,7 +92,8 @@ struct FormTraits<Result(Letters...)> {
         return [&]<std::size_t... i>(std::index_sequence<i...>) {
             return static_cast<Anyval*>(reinterpret_cast<Worker*>(worker)(
                 context, static_cast<typename Parameter<Letters>::Type>(arguments[i])...));
-        }(std::index_sequence_for<Letters...>());
+        }
+        (std::index_sequence_for<Letters...>());
     }
 };
 

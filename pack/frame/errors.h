@@ -57,7 +57,11 @@ struct Failure {
     explicit operator bool() const { return message != nullptr; }
 };
 
-inline Failure outOfMemory() { return {Code::OutOfMemory, 0}; }
-inline Failure interruption() { return {Code::Interrupted, 0}; }
+inline Failure outOfMemory() {
+    return {Code::OutOfMemory, 0};
+}
+inline Failure interruption() {
+    return {Code::Interrupted, 0};
+}
 
 }  // namespace undula

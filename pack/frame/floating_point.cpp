@@ -50,12 +50,18 @@ constexpr std::uint32_t overflow = 0xC0000091;
 // whole environment, and a search may call a user function for every coefficient.
 constexpr unsigned allFlags = 0x3f;
 
-unsigned raisedFlags() { return _mm_getcsr() & allFlags; }
-void setFlags(unsigned flags) { _mm_setcsr((_mm_getcsr() & ~allFlags) | flags); }
+unsigned raisedFlags() {
+    return _mm_getcsr() & allFlags;
+}
+void setFlags(unsigned flags) {
+    _mm_setcsr((_mm_getcsr() & ~allFlags) | flags);
+}
 
 #else
 
-unsigned raisedFlags() { return static_cast<unsigned>(std::fetestexcept(FE_ALL_EXCEPT)); }
+unsigned raisedFlags() {
+    return static_cast<unsigned>(std::fetestexcept(FE_ALL_EXCEPT));
+}
 
 void setFlags(unsigned flags) {
     std::feclearexcept(FE_ALL_EXCEPT);
@@ -72,7 +78,9 @@ FloatingPointFrame::FloatingPointFrame() : environment() {
     std::feclearexcept(FE_ALL_EXCEPT);
 }
 
-FloatingPointFrame::~FloatingPointFrame() { std::fesetenv(&environment); }
+FloatingPointFrame::~FloatingPointFrame() {
+    std::fesetenv(&environment);
+}
 
 const char* pendingFault() {
     const unsigned flags = raisedFlags();
@@ -82,8 +90,12 @@ const char* pendingFault() {
     return nullptr;
 }
 
-HostServiceScope::HostServiceScope() : faults(raisedFlags()) { setFlags(0); }
-HostServiceScope::~HostServiceScope() { setFlags(faults); }
+HostServiceScope::HostServiceScope() : faults(raisedFlags()) {
+    setFlags(0);
+}
+HostServiceScope::~HostServiceScope() {
+    setFlags(faults);
+}
 
 #endif
 

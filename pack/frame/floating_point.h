@@ -18,13 +18,13 @@ namespace undula {
 // Holds the caller's state and gives the pack its own: round to nearest, no faults pending. Puts
 // the caller's state back, flags included, on every path.
 class FloatingPointFrame {
-   public:
+ public:
     FloatingPointFrame();
     ~FloatingPointFrame();
     FloatingPointFrame(const FloatingPointFrame&) = delete;
     FloatingPointFrame& operator=(const FloatingPointFrame&) = delete;
 
-   private:
+ private:
 #if defined(_WIN32)
     unsigned short controlWord;
 #else
@@ -38,13 +38,13 @@ const char* pendingFault();
 
 // Keeps the pack's faults apart from those of the host while a host service runs.
 class HostServiceScope {
-   public:
+ public:
     HostServiceScope();
     ~HostServiceScope();
     HostServiceScope(const HostServiceScope&) = delete;
     HostServiceScope& operator=(const HostServiceScope&) = delete;
 
-   private:
+ private:
     unsigned faults;
 };
 

@@ -10,7 +10,8 @@ constexpr std::uint64_t hostArrayLimit = std::uint64_t{1} << 32;
 
 aMatrix* wrap(EfiCallContext* context, int rows, int cols, double* re, double* im) {
     const HostServiceScope scope;
-    const auto bytes = static_cast<unsigned>(sizeof(double) * static_cast<unsigned>(rows) * static_cast<unsigned>(cols));
+    const auto bytes =
+        static_cast<unsigned>(sizeof(double) * static_cast<unsigned>(rows) * static_cast<unsigned>(cols));
     return aMatrix::mk(context->allocator, rows, cols, re, im, bytes);
 }
 

@@ -22,10 +22,22 @@ struct ErrorValue {
 ErrorValue fail(EfiCallContext* context, const Failure& failure);
 
 // The tag of a value; -1 for no value at all.
-inline int tagOf(const Anyval* value) { return value == nullptr ? -1 : value->tag; }
-inline bool isError(const Anyval* value) { return tagOf(value) == TagError; }
+inline int tagOf(const Anyval* value) {
+    return value == nullptr ? -1 : value->tag;
+}
+inline bool isError(const Anyval* value) {
+    return tagOf(value) == TagError;
+}
 
-// Null when there is no memory.
+// A scalar that one worker hands to another; the host never sees it.
+inline aComplex scalarOf(double value) {
+    aComplex scalar = {};
+    scalar.tag = TagScalar;
+    scalar.re = value;
+    return scalar;
+}
+
+// A scalar of the host's; null when there is no memory.
 aComplex* newScalar(EfiCallContext* context, double re, double im = 0.0);
 
 // Whether a rows x cols array can be a matrix of the host's, whose size in bytes has 32 bits.

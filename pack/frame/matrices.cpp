@@ -18,7 +18,9 @@ bool holdsNested(EfiCallContext* context, const aMatrix* matrix) {
     return efiFindNested(context, matrix, 0) >= 0;
 }
 
-bool isZero(double x) { return x == 0.0; }
+bool isZero(double x) {
+    return x == 0.0;
+}
 
 bool hasImaginaryPart(const aMatrix* matrix) {
     if (matrix->im == nullptr) return false;
@@ -54,7 +56,8 @@ void copyElements(const aMatrix* matrix, double* out) {
 }
 
 Array<double> copyOfElements(const aMatrix* matrix) {
-    auto copy = newElements(static_cast<std::uint64_t>(matrix->rows), static_cast<std::uint64_t>(matrix->cols));
+    auto copy =
+        newElements(static_cast<std::uint64_t>(matrix->rows), static_cast<std::uint64_t>(matrix->cols));
     if (copy) copyElements(matrix, copy.data());
     return copy;
 }

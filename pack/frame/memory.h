@@ -16,7 +16,7 @@ template <class T>
 class Array {
     static_assert(std::is_trivially_copyable_v<T> && std::is_trivially_destructible_v<T>);
 
-   public:
+ public:
     Array() = default;
 
     // Elements without a value. The count is 64 bits wide so that a product of sizes can be
@@ -43,7 +43,7 @@ class Array {
     // Leaves the array to the caller.
     T* release() { return elements.release(); }
 
-   private:
+ private:
     struct Free {
         void operator()(T* memory) const { ::operator delete(memory); }
     };
@@ -52,7 +52,7 @@ class Array {
 
 // Working storage that a chain of steps shares: it grows to the largest request and is freed once.
 class Workspace {
-   public:
+ public:
     // Room for `count` doubles with no particular values, valid until the next call; null when
     // there is no memory.
     double* room(std::uint64_t count) {
@@ -64,7 +64,7 @@ class Workspace {
         return array.data();
     }
 
-   private:
+ private:
     Array<double> array;
     std::uint64_t capacity = 0;
 };

@@ -11,7 +11,9 @@ void* handle = nullptr;
 }  // namespace
 
 namespace undula {
-void* moduleHandle() { return handle; }
+void* moduleHandle() {
+    return handle;
+}
 }  // namespace undula
 
 #if defined(_WIN32)

@@ -1,6 +1,6 @@
 // How the pack makes itself known to the host.
-#include "frame/module.h"
 #include "efi/pack.h"
+#include "frame/module.h"
 
 namespace {
 
@@ -9,6 +9,10 @@ constexpr EfiGuid packId = {0xB07F40EA, 0xBEBD, 0x4495, {0x9C, 0xE7, 0x3E, 0x55,
 
 }  // namespace
 
-int DllRegisterServer() { return RegisterEfiFunctionPack(undula::moduleHandle(), &packId); }
+int DllRegisterServer() {
+    return RegisterEfiFunctionPack(undula::moduleHandle(), &packId);
+}
 
-int DllUnregisterServer() { return UnregisterEfiFunctionPack(&packId); }
+int DllUnregisterServer() {
+    return UnregisterEfiFunctionPack(&packId);
+}

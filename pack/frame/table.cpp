@@ -8,16 +8,16 @@
 #include "frame/awaited.h"
 #include "frame/workers.h"
 
-#define UNDULA_PARAMETERS_1 Anyval *a1
-#define UNDULA_PARAMETERS_2 UNDULA_PARAMETERS_1, Anyval *a2
-#define UNDULA_PARAMETERS_3 UNDULA_PARAMETERS_2, Anyval *a3
-#define UNDULA_PARAMETERS_4 UNDULA_PARAMETERS_3, Anyval *a4
-#define UNDULA_PARAMETERS_5 UNDULA_PARAMETERS_4, Anyval *a5
-#define UNDULA_PARAMETERS_6 UNDULA_PARAMETERS_5, Anyval *a6
-#define UNDULA_PARAMETERS_7 UNDULA_PARAMETERS_6, Anyval *a7
-#define UNDULA_PARAMETERS_8 UNDULA_PARAMETERS_7, Anyval *a8
-#define UNDULA_PARAMETERS_9 UNDULA_PARAMETERS_8, Anyval *a9
-#define UNDULA_PARAMETERS_10 UNDULA_PARAMETERS_9, Anyval *a10
+#define UNDULA_PARAMETERS_1 Anyval* a1
+#define UNDULA_PARAMETERS_2 UNDULA_PARAMETERS_1, Anyval* a2
+#define UNDULA_PARAMETERS_3 UNDULA_PARAMETERS_2, Anyval* a3
+#define UNDULA_PARAMETERS_4 UNDULA_PARAMETERS_3, Anyval* a4
+#define UNDULA_PARAMETERS_5 UNDULA_PARAMETERS_4, Anyval* a5
+#define UNDULA_PARAMETERS_6 UNDULA_PARAMETERS_5, Anyval* a6
+#define UNDULA_PARAMETERS_7 UNDULA_PARAMETERS_6, Anyval* a7
+#define UNDULA_PARAMETERS_8 UNDULA_PARAMETERS_7, Anyval* a8
+#define UNDULA_PARAMETERS_9 UNDULA_PARAMETERS_8, Anyval* a9
+#define UNDULA_PARAMETERS_10 UNDULA_PARAMETERS_9, Anyval* a10
 
 #define UNDULA_ARGUMENTS_1 a1
 #define UNDULA_ARGUMENTS_2 UNDULA_ARGUMENTS_1, a2
@@ -31,31 +31,31 @@
 #define UNDULA_ARGUMENTS_10 UNDULA_ARGUMENTS_9, a10
 
 // The dispatcher of n arguments, and the name record.
-#define UNDULA_DISPATCHER(name, n, form)                                                                \
-    EFI_PACK Anyval* name(EfiCallContext* context, UNDULA_PARAMETERS_##n) {                             \
-        if constexpr (undula::isAwaited(#name)) {                                                       \
-            return undula::dispatch<form>(nullptr, context, UNDULA_ARGUMENTS_##n);                      \
-        } else {                                                                                        \
-            return undula::dispatch<form>(static_cast<undula::Worker<form>*>(&name), context,           \
-                                          UNDULA_ARGUMENTS_##n);                                        \
-        }                                                                                               \
+#define UNDULA_DISPATCHER(name, n, form)                                                      \
+    EFI_PACK Anyval* name(EfiCallContext* context, UNDULA_PARAMETERS_##n) {                   \
+        if constexpr (undula::isAwaited(#name)) {                                             \
+            return undula::dispatch<form>(nullptr, context, UNDULA_ARGUMENTS_##n);            \
+        } else {                                                                              \
+            return undula::dispatch<form>(static_cast<undula::Worker<form>*>(&name), context, \
+                                          UNDULA_ARGUMENTS_##n);                              \
+        }                                                                                     \
     }
-#define UNDULA_NAME(name) \
+#define UNDULA_NAME(name)                      \
     extern "C" EFI_PACK sString string_##name; \
     sString string_##name = {TagString, #name, 0, 0};
 
 // The dispatcher of any number of arguments. The host passes `count` pointers; no more of them are
 // read than the longest form takes.
-#define UNDULA_VARIADIC(name, ...)                                                       \
-    EFI_PACK Anyval* name(EfiCallContext* context, int count, ...) {                     \
-        constexpr undula::FixedDispatcher dispatchers[] = {__VA_ARGS__};                 \
-        Anyval* arguments[undula::mostArguments];                                        \
-        std::va_list list;                                                               \
-        va_start(list, count);                                                           \
-        for (int i = 0; i < count && i < undula::mostArguments; ++i) {                   \
-            arguments[i] = va_arg(list, Anyval*);                                        \
-        }                                                                                \
-        va_end(list);                                                                    \
+#define UNDULA_VARIADIC(name, ...)                                                              \
+    EFI_PACK Anyval* name(EfiCallContext* context, int count, ...) {                            \
+        constexpr undula::FixedDispatcher dispatchers[] = {__VA_ARGS__};                        \
+        Anyval* arguments[undula::mostArguments];                                               \
+        std::va_list list;                                                                      \
+        va_start(list, count);                                                                  \
+        for (int i = 0; i < count && i < undula::mostArguments; ++i) {                          \
+            arguments[i] = va_arg(list, Anyval*);                                               \
+        }                                                                                       \
+        va_end(list);                                                                           \
         return undula::forward(context, count, arguments, dispatchers, std::size(dispatchers)); \
     }
 
@@ -83,8 +83,10 @@ using Fixed = FixedOf<std::make_index_sequence<static_cast<std::size_t>(n)>>;
 
 }  // namespace
 
-#define UNDULA_FIXED(name, n) \
-    undula::FixedDispatcher { n, &Fixed<n>::call<&name> }
+#define UNDULA_FIXED(name, n)     \
+    undula::FixedDispatcher {     \
+        n, &Fixed<n>::call<&name> \
+    }
 
 #define FIXED(name, n, form) \
     UNDULA_NAME(name)        \

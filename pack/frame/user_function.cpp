@@ -6,7 +6,12 @@
 using undula::HostServiceScope;
 
 double_to_double_lambda::double_to_double_lambda(EfiCallContext* callContext, aLambda* function)
-    : context(callContext), roots(nullptr), cell(nullptr), result(nullptr), interruptedOnce(false), argument() {
+    : context(callContext),
+      roots(nullptr),
+      cell(nullptr),
+      result(nullptr),
+      interruptedOnce(false),
+      argument() {
     argument.tag = TagScalar;
     const HostServiceScope scope;
     void* found = nullptr;
@@ -21,11 +26,20 @@ double_to_double_lambda::double_to_double_lambda(EfiCallContext* callContext, aL
     if (cell != nullptr) *cell = function;
 }
 
+// What the function was called for is done: a host that fails to let go of it spoils no result.
 double_to_double_lambda::~double_to_double_lambda() {
     if (roots == nullptr) return;
     const HostServiceScope scope;
-    if (cell != nullptr) roots->removeRoot(cell);
-    roots->Release();
+    try {
+        if (cell != nullptr) roots->removeRoot(cell);
+    } catch (...) {
+        static_cast<void>(cell);
+    }
+    try {
+        roots->Release();
+    } catch (...) {
+        static_cast<void>(roots);
+    }
 }
 
 double double_to_double_lambda::evaluate(const double& x) {

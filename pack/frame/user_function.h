@@ -4,12 +4,12 @@
 #include "efi/host.h"
 
 class double_to_double_func {
-   public:
+ public:
     virtual double evaluate(const double& x) = 0;
     // Whether a value so far was no real number, or the user has interrupted.
     virtual bool failed() = 0;
 
-   protected:
+ protected:
     ~double_to_double_func() = default;
 };
 
@@ -17,7 +17,7 @@ class double_to_double_func {
 // scalar counts as 0, an imaginary part is ignored; after an interruption every value is 0 and the
 // host is not called any more.
 class double_to_double_lambda final : public double_to_double_func {
-   public:
+ public:
     double_to_double_lambda(EfiCallContext* context, aLambda* function);
     ~double_to_double_lambda();
     double_to_double_lambda(const double_to_double_lambda&) = delete;
@@ -29,7 +29,7 @@ class double_to_double_lambda final : public double_to_double_func {
     double evaluate(const double& x) override;
     bool failed() override;
 
-   private:
+ private:
     EfiCallContext* context;
     EfiRootSet* roots;
     Anyval** cell;

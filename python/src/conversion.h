@@ -4,6 +4,7 @@
 #include <pybind11/pybind11.h>
 
 #include <memory>
+#include <set>
 #include <string>
 
 #include "efihost/value.h"
@@ -13,15 +14,17 @@ namespace undula {
 namespace py = pybind11;
 using efihost::Value;
 
-// Whether a value may refer to the memory of an array that Python keeps, or has to copy it.
-enum class Memory { shared, copied };
+// The values of a call that are made around the memory of Python's own arrays.
+using Lent = std::set<const Anyval*>;
 
 // The value of an object. `place` opens the text of the TypeError or ValueError that is raised
-// for an object that has none, as in "dwt: argument 1 (data)".
-Value toHost(py::handle object, const std::string& place, Memory memory);
+// for an object that has none, as in "dwt: argument 1 (data)". Arrays that the host can read as
+// they are become values around their memory, added to `lent`; without it all are copied.
+Value toHost(py::handle object, const std::string& place, Lent* lent = nullptr);
 
-// The object for a value: with Memory::shared an array owns the value and shows its memory.
-py::object toPython(const Value& value, Memory memory);
+// The object for a value. Given what was lent to the call, an array of any other memory shows the
+// memory of the value and owns the value; without it all are copied.
+py::object toPython(const Value& value, const Lent* lent = nullptr);
 
 // The value of a callable.
 Value userFunction(py::handle callable, const std::string& place);

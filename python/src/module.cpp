@@ -67,17 +67,18 @@ std::string placeOf(const Function& function, std::size_t index, const py::tuple
 }
 
 py::object call(const Function& function, const py::tuple& arguments, const py::tuple& names) {
+    Lent lent;
     std::vector<Value> values;
     values.reserve(arguments.size());
     for (std::size_t i = 0; i < arguments.size(); ++i) {
-        values.push_back(toHost(arguments[i], placeOf(function, i, names), Memory::shared));
+        values.push_back(toHost(arguments[i], placeOf(function, i, names), &lent));
     }
     try {
         const Value result = callInTurn(function, values);
         if (result.isError()) {
             return py::cast(ErrorValue{result.message(), result.argument()});
         }
-        return toPython(result, Memory::shared);
+        return toPython(result, &lent);
     } catch (const efihost::Error& error) {
         return py::cast(ErrorValue{error.message(), error.argument()});
     }

@@ -78,7 +78,7 @@ bool holdsArray(const py::tuple& items) {
 // Reads one argument.
 class Reader {
  public:
-    Reader(const std::string& place, Memory memory) : place_(place), memory_(memory) {}
+    Reader(const std::string& place, Lent* lent) : place_(place), lent_(lent) {}
 
     Value value(py::handle object) const {
         const Descent descent;
@@ -173,7 +173,7 @@ class Reader {
             Block im = copy(source.attr("imag"));
             return adopt(source.shape(0), colsOf(source), std::move(re), std::move(im));
         }
-        if (memory_ == Memory::shared && isBorrowable(source)) {
+        if (lent_ != nullptr && isBorrowable(source)) {
             return borrow(source);
         }
         return adopt(source.shape(0), colsOf(source), copy(source));
@@ -233,7 +233,9 @@ class Reader {
         const auto [rows, cols] = sides(source.shape(0), colsOf(source));
         const auto stride = static_cast<int>(strideOf(source) / wordSize);
         const auto* numbers = static_cast<const double*>(source.data());
-        return Value::borrow(rows, cols, stride, numbers, nullptr, keep(source));
+        Value result = Value::borrow(rows, cols, stride, numbers, nullptr, keep(source));
+        lent_->insert(result.raw());
+        return result;
     }
 
     // An object array: its cells are numbers or arrays.
@@ -318,13 +320,13 @@ class Reader {
     }
 
     const std::string& place_;
-    Memory memory_;
+    Lent* const lent_;
 };
 
 }  // namespace
 
-Value toHost(py::handle object, const std::string& place, Memory memory) {
-    return Reader(place, memory).value(object);
+Value toHost(py::handle object, const std::string& place, Lent* lent) {
+    return Reader(place, lent).value(object);
 }
 
 }  // namespace undula

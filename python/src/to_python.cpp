@@ -49,13 +49,13 @@ py::array zeros(const Value& matrix) {
     return result;
 }
 
-py::array realNumbers(const Value& matrix, Memory memory) {
+py::array realNumbers(const Value& matrix, const Lent* lent) {
     const aMatrix& raw = matrix.matrix();
     if (raw.re == nullptr) {
         return zeros(matrix);
     }
     py::object owner;  // without one, the array copies
-    if (memory == Memory::shared) {
+    if (lent != nullptr && !lent->contains(matrix.raw())) {
         auto held = std::make_unique<Value>(matrix);
         owner = py::capsule(held.get(), [](void* value) { delete static_cast<Value*>(value); });
         held.release();
@@ -77,23 +77,23 @@ py::array complexNumbers(const Value& matrix) {
     return result;
 }
 
-py::object cell(const Value& matrix, int row, int col, Memory memory) {
+py::object cell(const Value& matrix, int row, int col, const Lent* lent) {
     const Value nested = matrix.nested(row, col);
-    return nested ? toPython(nested, memory) : number(matrix.at(row, col));
+    return nested ? toPython(nested, lent) : number(matrix.at(row, col));
 }
 
-py::object cells(const Value& matrix, Memory memory) {
+py::object cells(const Value& matrix, const Lent* lent) {
     if (matrix.cols() == 1) {
         py::list result(static_cast<std::size_t>(matrix.rows()));
         for (int row = 0; row < matrix.rows(); ++row) {
-            result[static_cast<std::size_t>(row)] = cell(matrix, row, 0, memory);
+            result[static_cast<std::size_t>(row)] = cell(matrix, row, 0, lent);
         }
         return result;
     }
     py::array result(py::dtype("O"), shapeOf(matrix));
     for (int row = 0; row < matrix.rows(); ++row) {
         for (int col = 0; col < matrix.cols(); ++col) {
-            result[py::make_tuple(row, col)] = cell(matrix, row, col, memory);
+            result[py::make_tuple(row, col)] = cell(matrix, row, col, lent);
         }
     }
     return result;
@@ -101,7 +101,7 @@ py::object cells(const Value& matrix, Memory memory) {
 
 }  // namespace
 
-py::object toPython(const Value& value, Memory memory) {
+py::object toPython(const Value& value, const Lent* lent) {
     if (value.isScalar()) {
         return number(value.scalar());
     }
@@ -114,9 +114,9 @@ py::object toPython(const Value& value, Memory memory) {
         throw py::type_error("the pack has answered a value that Python has no object for");
     }
     if (value.anyNested()) {
-        return cells(value, memory);
+        return cells(value, lent);
     }
-    return hasImaginaryPart(value) ? complexNumbers(value) : realNumbers(value, memory);
+    return hasImaginaryPart(value) ? complexNumbers(value) : realNumbers(value, lent);
 }
 
 }  // namespace undula

@@ -16,10 +16,10 @@ Value userFunction(py::handle callable, const std::string& place) {
         const py::gil_scoped_acquire interpreter;
         py::tuple converted(arguments.size());
         for (std::size_t i = 0; i < arguments.size(); ++i) {
-            converted[i] = toPython(arguments[i], Memory::copied);
+            converted[i] = toPython(arguments[i]);
         }
         const py::object answer = py::handle(callable.get())(*converted);
-        return toHost(answer, place + ", its result", Memory::copied);
+        return toHost(answer, place + ", its result");
     };
     return Value::function(efihost::Callback(answerOf));
 }

@@ -39,7 +39,7 @@ struct RandomBank : FilterBank {
         BRhi = edge();
     }
 
-   private:
+ private:
     std::mt19937 random;
 
     const double* filter(int taps) {
@@ -92,7 +92,8 @@ void expectSideBySide(Step* step, PlainStep plainStep, const FilterBank& bank, s
         for (std::size_t p = 0; p < n; ++p) all[p * stride + s] = x[p];
     }
     Workspace workspace;
-    ASSERT_EQ(step(bank, {all.data(), stride, count}, static_cast<std::uint32_t>(n), swap, workspace), Code::None);
+    ASSERT_EQ(step(bank, {all.data(), stride, count}, static_cast<std::uint32_t>(n), swap, workspace),
+              Code::None);
     for (std::size_t s = 0; s < stride; ++s) {
         Signal column(n);
         for (std::size_t p = 0; p < n; ++p) column[p] = all[p * stride + s];
@@ -118,12 +119,13 @@ const std::size_t lengths[] = {2, 3, 4, 5, 7, 8, 15, 16, 31, 32, 33, 63, 64, 66,
 
 std::vector<std::unique_ptr<RandomBank>> banks() {
     std::vector<std::unique_ptr<RandomBank>> all;
-    const int shapes[][6] = {{2, 2, 0, 0, 0, 0},     {4, 4, -1, -1, -1, -1},  {20, 20, -9, -9, -9, -9},
-                             {5, 3, -2, 0, -1, -1},  {9, 3, -4, 0, -1, -3},   {40, 40, -19, -19, -19, -19},
-                             {1, 1, 0, 0, 0, 0},     {6, 4, 7, -12, 3, 5},    {3, 8, -20, -30, -40, -25},
+    const int shapes[][6] = {{2, 2, 0, 0, 0, 0},     {4, 4, -1, -1, -1, -1},   {20, 20, -9, -9, -9, -9},
+                             {5, 3, -2, 0, -1, -1},  {9, 3, -4, 0, -1, -3},    {40, 40, -19, -19, -19, -19},
+                             {1, 1, 0, 0, 0, 0},     {6, 4, 7, -12, 3, 5},     {3, 8, -20, -30, -40, -25},
                              {7, 5, 11, 40, 23, 12}, {100, 99, -50, 2, 1, -49}};
     unsigned seed = 1;
-    for (const auto& s : shapes) all.push_back(std::make_unique<RandomBank>(s[0], s[1], s[2], s[3], s[4], s[5], seed++));
+    for (const auto& s : shapes)
+        all.push_back(std::make_unique<RandomBank>(s[0], s[1], s[2], s[3], s[4], s[5], seed++));
     return all;
 }
 
@@ -177,7 +179,8 @@ TEST(Steps, FarOffsetsWrapWithoutFarMemory) {
     const Signal x = randomSignal(8, 5);
     for (const int sign : {-1, 1}) {
         const RandomBank bank(4, 6, sign * far, 3, -sign * far, sign * far, 9);
-        expectSameBits(run(periodic_analysis_step, bank, x, false), plain::periodicAnalysis(bank, x, false), "far");
+        expectSameBits(run(periodic_analysis_step, bank, x, false), plain::periodicAnalysis(bank, x, false),
+                       "far");
         const Signal merged = run(periodic_synthesis_step, bank, x, false);
         const Signal expected = plain::periodicSynthesis(bank, x, false);
         for (std::size_t i = 0; i < x.size(); ++i) EXPECT_NEAR(merged[i], expected[i], 1e-14);
@@ -219,6 +222,8 @@ TEST(Steps, BlockOfAnImageLeavesTheRestAlone) {
         for (std::size_t c = 0; c < block.cols; ++c) at(r, c) = row[c];
     }
     expectSameBits(actual, expected, "block");
-    EXPECT_EQ(periodic_analysis_step_2d(bank, {nullptr, 1, 1, 8}, false, false, workspace), Code::InvalidLevel);
-    EXPECT_EQ(periodic_analysis_step_2d(bank, {nullptr, 8, 8, 1}, false, false, workspace), Code::InvalidLevel);
+    EXPECT_EQ(periodic_analysis_step_2d(bank, {nullptr, 1, 1, 8}, false, false, workspace),
+              Code::InvalidLevel);
+    EXPECT_EQ(periodic_analysis_step_2d(bank, {nullptr, 8, 8, 1}, false, false, workspace),
+              Code::InvalidLevel);
 }

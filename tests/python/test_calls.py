@@ -53,20 +53,21 @@ def test_other_threads_run_during_a_call():
 
 
 def test_an_interrupt_stops_a_long_call(live_values):
-    """It is raised by the call itself, long before the call would have come to its end."""
-    image = np.ones((4096, 4096), order="F")
+    """It is raised by the call itself, before the call would have come to its end."""
+    image = np.ones((2048, 2048), order="F")
+    w = undula.coiflet(30)
     started = time.perf_counter()
-    undula.idwt(image, 5, WAVELETS[0])
+    undula.idwt(image, 5, w)
     whole = time.perf_counter() - started
     before = live_values()
 
     previous = signal.signal(signal.SIGALRM, signal.default_int_handler)
     try:
         started = time.perf_counter()
-        signal.setitimer(signal.ITIMER_REAL, whole / 10)
+        signal.setitimer(signal.ITIMER_REAL, whole / 4)
         with pytest.raises(KeyboardInterrupt):
-            undula.idwt(image, 5, WAVELETS[0])
-        assert time.perf_counter() - started < whole / 2
+            undula.idwt(image, 5, w)
+        assert time.perf_counter() - started < 0.75 * whole
     finally:
         signal.setitimer(signal.ITIMER_REAL, 0)
         signal.signal(signal.SIGALRM, previous)

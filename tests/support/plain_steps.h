@@ -12,21 +12,27 @@ namespace plain {
 using Signal = std::vector<double>;
 using undula::FilterBank;
 
-inline long mod(long p, long n) { return ((p % n) + n) % n; }
+inline long mod(long p, long n) {
+    return ((p % n) + n) % n;
+}
 
 // A signal with room on both sides, zeros at first.
 class Extended {
-   public:
+ public:
     Extended(long first, long last) : offset(first), values(static_cast<std::size_t>(last - first + 1)) {}
     double& operator[](long p) { return values.at(static_cast<std::size_t>(p - offset)); }
 
-   private:
+ private:
     long offset;
     Signal values;
 };
 
-inline long lowPlace(long k, long n, bool swap) { return swap ? n / 2 + k : k; }
-inline long highPlace(long k, long n, bool swap) { return swap ? k : (n + 1) / 2 + k; }
+inline long lowPlace(long k, long n, bool swap) {
+    return swap ? n / 2 + k : k;
+}
+inline long highPlace(long k, long n, bool swap) {
+    return swap ? k : (n + 1) / 2 + k;
+}
 
 // extension(p) is the position within the signal that stands for p.
 template <class Extension>
@@ -67,7 +73,8 @@ inline Signal symmetricAnalysis(const FilterBank& bank, const Signal& x, bool sw
 inline Signal periodicSynthesis(const FilterBank& bank, const Signal& y, bool swap) {
     const long n = static_cast<long>(y.size());
     const long first = std::min({0L, static_cast<long>(bank.os), static_cast<long>(bank.og)});
-    const long most = std::max({0L, static_cast<long>(bank.og + bank.La), static_cast<long>(bank.os + bank.Lb)});
+    const long most =
+        std::max({0L, static_cast<long>(bank.og + bank.La), static_cast<long>(bank.os + bank.Lb)});
     Extended ext(first, n + most);
     for (long k = 0; k < (n + 1) / 2; ++k) {
         const double s = y[static_cast<std::size_t>(lowPlace(k, n, swap))];
@@ -86,7 +93,9 @@ inline Signal periodicSynthesis(const FilterBank& bank, const Signal& y, bool sw
 // Continues both parts to one period and merges that periodically.
 inline Signal symmetricSynthesis(const FilterBank& bank, const Signal& y, bool swap) {
     const long n = static_cast<long>(y.size());
-    const auto part = [&](long start, long count) { return Signal(y.begin() + start, y.begin() + start + count); };
+    const auto part = [&](long start, long count) {
+        return Signal(y.begin() + start, y.begin() + start + count);
+    };
     const Signal s = part(lowPlace(0, n, swap), (n + 1) / 2);
     const Signal d = part(highPlace(0, n, swap), n / 2);
     const auto append = [](Signal& to, const Signal& from, long count, double sign) {
