@@ -61,11 +61,12 @@ def page():
 
 
 def _entry(description):
+    arguments = ((f"`{argument.name}`", argument.kind, argument.meaning) for argument in description.arguments)
     parts = [
         f"### `{description.name}`",
         _code("python", "\n".join(description.calls())),
         *paragraphs(f"{description.summary}\n\n{description.details}"),
-        _table("argument", "kind", "meaning", ((f"`{a.name}`", a.kind, a.meaning) for a in description.arguments)),
+        _table("argument", "kind", "meaning", arguments),
         *paragraphs(f"Result: {description.result.kind}. {description.result.meaning}"),
         _table("argument at fault", "message", "when", map(_error_row, description.errors)),
         _code("pycon", description.example),

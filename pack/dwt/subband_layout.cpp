@@ -17,4 +17,9 @@ Segment subband(std::uint64_t n, std::uint32_t level, std::uint64_t index) {
     return segment;
 }
 
+Rectangle packetPlace(std::uint64_t rows, std::uint64_t cols, std::uint32_t level, std::uint64_t row,
+                      std::uint64_t col) {
+    return {subband(rows, level, row), cols < 2 ? Segment{0, cols} : subband(cols, level, col)};
+}
+
 }  // namespace undula

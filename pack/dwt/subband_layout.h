@@ -11,10 +11,21 @@ struct Segment {
     std::uint64_t length;
 };
 
+// A rectangle of coefficients of an image.
+struct Rectangle {
+    Segment rows;
+    Segment cols;
+};
+
 // Subband or packet `index` of `level` among n coefficients, for index < 2^level; level 0 is the
 // whole. Each split gives ceil(m/2) low-pass and floor(m/2) high-pass coefficients; the low-pass
 // part stands first below a part of even index, the high-pass part below one of odd index. So the
 // subbands of a level stand in the order of increasing frequency.
 Segment subband(std::uint64_t n, std::uint32_t level, std::uint64_t index);
+
+// The packet at a row and a column position among rows x cols coefficients. Of a signal, which has
+// fewer than two columns, a packet spans the columns.
+Rectangle packetPlace(std::uint64_t rows, std::uint64_t cols, std::uint32_t level, std::uint64_t row,
+                      std::uint64_t col);
 
 }  // namespace undula

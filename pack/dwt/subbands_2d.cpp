@@ -12,12 +12,6 @@ using namespace undula;
 
 namespace {
 
-// A rectangle of coefficients.
-struct Rectangle {
-    Segment rows;
-    Segment cols;
-};
-
 struct BlockArguments {
     const aMatrix* matrix;
     const aComplex* level;

@@ -1,10 +1,10 @@
 // dwt, dwts, dwti: the transform with periodic, symmetric and interval treatment of the ends, and the
 // inverses idwt, idwts, idwti.
+#include "dwt/data_argument.h"
 #include "dwt/multilevel.h"
 #include "filters/active_filter.h"
 #include "filters/selection.h"
 #include "frame/checks.h"
-#include "frame/halving.h"
 #include "frame/workers.h"
 
 using namespace undula;
@@ -16,16 +16,12 @@ constexpr int levelPosition = 2;
 constexpr int waveletPosition = 3;
 
 Failure requireAdmittedLevel(const BoundaryTreatment& boundary, const aMatrix* data, std::uint32_t levels) {
-    const auto admits = [&](int side) {
-        return boundary.admits(ActiveFilter, static_cast<std::uint64_t>(side), levels);
-    };
-    const bool admitted = admits(data->rows) && (data->cols == 1 || admits(data->cols));
+    const bool admitted = admitsSides(boundary, ActiveFilter, data, levels);
     return admitted ? Failure() : Failure(Code::InvalidLevel, levelPosition);
 }
 
 Failure requireSuitableWavelet(const BoundaryTreatment& boundary) {
-    const Code refusal = refusalOf(boundary, ActiveFilter);
-    return refusal == Code::None ? Failure() : Failure(refusal, waveletPosition);
+    return failureAt(refusalOf(boundary, ActiveFilter), waveletPosition);
 }
 
 Failure checkTransform(EfiCallContext* context, const BoundaryTreatment& boundary, const aMatrix* data,
@@ -40,33 +36,18 @@ Failure checkTransform(EfiCallContext* context, const BoundaryTreatment& boundar
     return requireSuitableWavelet(boundary);
 }
 
-// The failure of a step, as the call reports it.
-Failure stepFailure(Code code) {
-    switch (code) {
-        case Code::None:
-            return {};
-        case Code::InvalidLevel:
-            return {code, levelPosition};
-        case Code::OutOfMemory:
-        case Code::Interrupted:
-            return {code, 0};
-        default:
-            return {Code::Unknown, 0};
-    }
-}
-
+// Every level uses the wavelet selected here, whatever a poll of the host's may lead to.
 aMatrix* transform(EfiCallContext* context, const BoundaryTreatment& boundary, Direction direction,
                    const aMatrix* data, const aComplex* levels, const WaveletArguments& wavelet) {
     if (auto failure = selectWavelet(context, wavelet)) return fail(context, failure);
     if (auto failure = checkTransform(context, boundary, data, levels)) return fail(context, failure);
+    const FilterBank bank = ActiveFilter;
     auto result = copyOfElements(data);
     if (!result) return fail(context, outOfMemory());
-    const Block block = {result.data(), data->rows, static_cast<std::uint32_t>(data->rows),
-                         static_cast<std::uint32_t>(data->cols)};
     Workspace workspace;
-    const Code code = transformLevels(boundary, ActiveFilter, block, asIndex(levels->re), direction,
+    const Code code = transformLevels(boundary, bank, blockOf(data, result), asIndex(levels->re), direction,
                                       pollOf(context), workspace);
-    if (auto failure = stepFailure(code)) return fail(context, failure);
+    if (auto failure = stepFailure(code, Code::InvalidLevel, levelPosition)) return fail(context, failure);
     return resultMatrix(context, data->rows, data->cols, result);
 }
 

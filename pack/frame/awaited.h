@@ -7,11 +7,9 @@
 namespace undula {
 
 inline constexpr std::string_view awaited[] = {
-    "wpt",        "iwpt",     "wpts",      "iwpts",     "wpti",          "iwpti",           "wavelet",
-    "dlwavelet",  "waveterp", "swaveterp", "wavelet2d", "dlwavelet2d",   "waveterp2d",      "swaveterp2d",
-    "cpt",        "lct",      "icpt",      "ilct",      "extract_basis", "basis_display2d", "best_basis",
-    "father",     "mother",   "dlfather",  "dlmother",  "father2d",      "mother2d",        "dlfather2d",
-    "dlmother2d", "evaltbl",  "evalbs",    "applytbl",  "applybs",
+    "wavelet",     "dlwavelet", "waveterp", "swaveterp", "wavelet2d",  "dlwavelet2d", "waveterp2d",
+    "swaveterp2d", "cpt",       "lct",      "icpt",      "ilct",       "father",      "mother",
+    "dlfather",    "dlmother",  "father2d", "mother2d",  "dlfather2d", "dlmother2d",
 };
 
 constexpr bool isAwaited(std::string_view name) {

@@ -57,6 +57,13 @@ struct Failure {
     explicit operator bool() const { return message != nullptr; }
 };
 
+// The failure of a code about an argument; lack of memory and interruption are about the call as a
+// whole.
+inline Failure failureAt(Code code, int argument) {
+    if (code == Code::None) return {};
+    return {code, code == Code::OutOfMemory || code == Code::Interrupted ? 0 : argument};
+}
+
 inline Failure outOfMemory() {
     return {Code::OutOfMemory, 0};
 }

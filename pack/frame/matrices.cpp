@@ -13,14 +13,11 @@ const double* columnOf(const double* elements, const aMatrix* matrix, int col) {
     return elements + static_cast<std::ptrdiff_t>(matrix->stride) * col;
 }
 
-bool holdsNested(EfiCallContext* context, const aMatrix* matrix) {
-    const HostServiceScope scope;
-    return efiFindNested(context, matrix, 0) >= 0;
-}
-
 bool isZero(double x) {
     return x == 0.0;
 }
+
+}  // namespace
 
 bool hasImaginaryPart(const aMatrix* matrix) {
     if (matrix->im == nullptr) return false;
@@ -31,7 +28,10 @@ bool hasImaginaryPart(const aMatrix* matrix) {
     return false;
 }
 
-}  // namespace
+bool holdsNested(EfiCallContext* context, const aMatrix* matrix) {
+    const HostServiceScope scope;
+    return efiFindNested(context, matrix, 0) >= 0;
+}
 
 bool isRealArray(EfiCallContext* context, const aMatrix* matrix) {
     return tagOf(matrix) == TagArray && !hasImaginaryPart(matrix) && !holdsNested(context, matrix);

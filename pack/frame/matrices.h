@@ -12,6 +12,10 @@ namespace undula {
 // rows x cols block compares equal to 0. A cell that holds a nested value is no number.
 bool isRealArray(EfiCallContext* context, const aMatrix* matrix);
 
+// The two halves of that test, of an array.
+bool hasImaginaryPart(const aMatrix* matrix);
+bool holdsNested(EfiCallContext* context, const aMatrix* matrix);
+
 // The same for an array of exactly one column.
 bool isRealVector(EfiCallContext* context, const aMatrix* matrix);
 

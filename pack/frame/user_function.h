@@ -2,16 +2,7 @@
 #pragma once
 
 #include "efi/host.h"
-
-class double_to_double_func {
- public:
-    virtual double evaluate(const double& x) = 0;
-    // Whether a value so far was no real number, or the user has interrupted.
-    virtual bool failed() = 0;
-
- protected:
-    ~double_to_double_func() = default;
-};
+#include "frame/real_function.h"
 
 // Calls a user function through the host's evaluator, and keeps it alive meanwhile. What is no
 // scalar counts as 0, an imaginary part is ignored; after an interruption every value is 0 and the

@@ -49,7 +49,7 @@ def test_other_threads_run_during_a_call():
         steps += 1
         time.sleep(0.001)
     thread.join()
-    assert steps > 10
+    assert steps > 5
 
 
 def test_an_interrupt_stops_a_long_call(live_values):

@@ -169,7 +169,9 @@ def test_a_list_that_holds_itself_ends_in_an_error():
         through(hidden)
 
 
-@pytest.mark.parametrize("number", [4, 4.0, True + 3, np.int16(4), np.float32(4), np.array(4), 4 + 0j, np.complex64(4)])
+@pytest.mark.parametrize(
+    "number", [4, 4.0, 4 + 0j, np.int16(4), np.float32(4), np.complex64(4), np.array(4)]
+)
 def test_numbers_are_scalars(number):
     assert np.array_equal(undula.daublet(number), undula.daublet(4))
 

@@ -134,8 +134,9 @@ def test_exceptions_of_any_class_come_back_as_themselves(exception):
 
 
 def test_what_a_user_function_answers_is_named_when_it_is_refused():
-    with pytest.raises(TypeError, match=r"^evaluate: argument 1 \(function\), its result cannot be of type dict$"):
+    with pytest.raises(TypeError) as caught:
         evaluate(lambda _: {}, 1)
+    assert str(caught.value) == "evaluate: argument 1 (function), its result cannot be of type dict"
 
 
 def test_a_user_function_may_call_the_library():

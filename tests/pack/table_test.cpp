@@ -1,0 +1,311 @@
+// What the pack exports, and how its dispatchers take the kinds of arguments.
+#include <elf.h>
+#include <link.h>
+
+#include <cstring>
+#include <fstream>
+#include <set>
+#include <sstream>
+
+#include "efihost/registration.h"
+#include "frame/awaited.h"
+#include "support/function_table.h"
+#include "support/pack.h"
+
+namespace {
+
+using Names = std::set<std::string>;
+
+// The pack exports with one Anyval for each argument what the table's rows reach.
+std::string dispatcherName(const DocumentedFunction& function, std::size_t count) {
+    return exportedName(function.name, std::string(count, 'X'));
+}
+
+void addWorkers(const DocumentedFunction& function, Names& names) {
+    if (undula::isAwaited(function.name)) return;
+    for (const auto form : function.workers.empty() ? function.forms : function.workers) {
+        names.insert(exportedName(function.name, form));
+    }
+}
+
+Names documentedExports() {
+    Names names = {"theEfi", "numFuncs", "DllRegisterServer", "DllUnregisterServer",
+                   exportedName("create_level2d", "S")};
+    for (const DocumentedFunction& function : documentedFunctions()) {
+        names.insert("string_" + std::string(function.name));
+        for (const auto form : function.forms) names.insert(dispatcherName(function, form.size()));
+        if (function.variadic()) names.insert(exportedName(function.name, "#"));
+        addWorkers(function, names);
+    }
+    return names;
+}
+
+// The global symbols that a library defines, but those that a sanitizer adds.
+Names exportsOf(const char* path) {
+    std::ostringstream content;
+    content << std::ifstream(path, std::ios::binary).rdbuf();
+    const std::string file = content.str();
+    const auto at = [&file](auto& record, std::size_t offset) {
+        std::memcpy(&record, file.data() + offset, sizeof record);
+    };
+    const auto section = [&](const ElfW(Ehdr) & header, std::size_t index) {
+        ElfW(Shdr) found{};
+        at(found, header.e_shoff + index * header.e_shentsize);
+        return found;
+    };
+    ElfW(Ehdr) header{};
+    at(header, 0);
+    Names names;
+    for (std::size_t i = 0; i < header.e_shnum; ++i) {
+        const auto symbols = section(header, i);
+        if (symbols.sh_type != SHT_DYNSYM) continue;
+        const auto texts = section(header, symbols.sh_link).sh_offset;
+        for (std::size_t offset = 0; offset < symbols.sh_size; offset += sizeof(ElfW(Sym))) {
+            ElfW(Sym) symbol{};
+            at(symbol, symbols.sh_offset + offset);
+            const std::string name = file.data() + texts + symbol.st_name;
+            const bool defined = symbol.st_shndx != SHN_UNDEF && symbol.st_info >> 4 == STB_GLOBAL;
+            if (defined && !name.starts_with("__")) names.insert(name);
+        }
+    }
+    return names;
+}
+
+sFunctionInfo* signatureOf(const DocumentedFunction& function) {
+    if (function.variadic()) return Variable_to_Any;
+    switch (function.forms[0].size()) {
+        case 1:
+            return Any_to_Any;
+        case 2:
+            return Any_Any_to_Any;
+        case 3:
+            return Any_Any_Any_to_Any;
+        case 4:
+            return Any_Any_Any_Any_to_Any;
+        case 5:
+            return Any_Any_Any_Any_Any_to_Any;
+        default:
+            return Any_Any_Any_Any_Any_Any_Any_to_Any;
+    }
+}
+
+}  // namespace
+
+TEST(Table, ExportsWhatIsDocumentedAndNothingElse) { EXPECT_EQ(exportsOf(UNDULA_PACK_PATH), documentedExports()); }
+
+TEST(Table, HasTheDocumentedRows) {
+    const auto& functions = documentedFunctions();
+    const auto rows = pack().table();
+    ASSERT_EQ(rows.size(), 58u);
+    ASSERT_EQ(functions.size(), 58u);
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        const DocumentedFunction& function = functions[i];
+        const std::string name(function.name);
+        SCOPED_TRACE(name);
+        const EfiFunction& row = rows[i];
+        EXPECT_EQ(row.signature, signatureOf(function));
+        EXPECT_EQ(row.reserved1, 0u);
+        EXPECT_EQ(row.reserved2, 0u);
+        EXPECT_EQ(row.reserved3, 0u);
+        EXPECT_EQ(row.flag, 0);
+        EXPECT_EQ(row.name, pack().symbol(("string_" + name).c_str()));
+        EXPECT_EQ(row.name->kind, TagString);
+        EXPECT_EQ(row.name->text, name);
+        EXPECT_EQ(row.name->length, static_cast<std::int32_t>(name.size()) + 1);
+        EXPECT_EQ(row.name->reserved, 0);
+        const std::string entry =
+            function.variadic() ? exportedName(name, "#") : dispatcherName(function, function.forms[0].size());
+        EXPECT_EQ(reinterpret_cast<void*>(row.entry), pack().symbol(entry.c_str()));
+    }
+}
+
+TEST(Registration, HandsOverHandleAndIdentifier) {
+    efihost::answerRegistrationsWith(-7);
+    EXPECT_EQ(pack().registerServer(), -7);
+    efihost::answerRegistrationsWith(0);
+    EXPECT_EQ(pack().registerServer(), 0);
+    efihost::answerRegistrationsWith(5);
+    EXPECT_EQ(pack().unregisterServer(), 5);
+    efihost::answerRegistrationsWith(0);
+
+    const auto registered = efihost::lastRegistered();
+    const auto unregistered = efihost::lastUnregistered();
+    ASSERT_TRUE(registered && unregistered);
+    Dl_info library{};
+    ASSERT_NE(dladdr(pack().symbol("theEfi"), &library), 0);
+    EXPECT_EQ(registered->module, library.dli_fbase);
+    EXPECT_EQ(std::memcmp(&registered->id, &unregistered->id, sizeof(EfiGuid)), 0);
+    EXPECT_NE(registered->id.data1, 0u);
+}
+
+namespace {
+
+constexpr int allTags[] = {-1, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 15, 16, 17, 32};
+
+bool accepts(char letter, int tag) {
+    switch (letter) {
+        case 'S':
+            return tag == 2;
+        case 'T':
+            return tag == 3;
+        case 'F':
+            return tag == 4 || tag == 8;
+        case 'M':
+        case 'V':
+            return tag == 5;
+        default:
+            return tag == 2 || tag == 5;
+    }
+}
+
+bool illegal(char letter, int tag) { return tag == 16 || (letter != 'F' && (tag == 4 || tag == 8)); }
+
+std::string mismatch(char letter) {
+    switch (letter) {
+        case 'S':
+            return "non-scalar value";
+        case 'T':
+            return "must be string";
+        case 'F':
+            return "must be function";
+        case 'M':
+            return "must be array";
+        case 'V':
+            return "must be vector";
+        default:
+            return "EfiMustBeScalarOrArray";
+    }
+}
+
+Value ofTag(int tag) {
+    switch (tag) {
+        case 0:
+            return Value::error("an error", 1);
+        case 2:
+            return 1;
+        case 3:
+            return "text";
+        case 5:
+            return column({1, 2});
+        default:
+            return Value::ofTag(tag);
+    }
+}
+
+Value suiting(char letter) {
+    switch (letter) {
+        case 'S':
+            return 1;
+        case 'T':
+            return "text";
+        case 'F':
+            return Value::function([](double x) { return x; });
+        default:
+            return column({1, 2});
+    }
+}
+
+std::string at(const std::string& message, std::size_t position) {
+    return message + " (" + std::to_string(position + 1) + ")";
+}
+
+// Every form of a function, called through its own dispatcher and through the table.
+class Kinds : public testing::TestWithParam<DocumentedFunction> {
+ protected:
+    void SetUp() override { function = GetParam(); }
+
+    void setForm(std::string_view which) {
+        form = which;
+        arguments.clear();
+        for (const char letter : form) arguments.push_back(suiting(letter));
+    }
+    void expectComplaint(const std::string& expected) {
+        const std::string exported = dispatcherName(function, form.size());
+        const auto entry = reinterpret_cast<EfiEntry>(pack().symbol(exported.c_str()));
+        ASSERT_NE(entry, nullptr);
+        const efihost::Function direct = {function.name, static_cast<int>(form.size()), entry};
+        EXPECT_EQ(PackTest::complaintOf(host.callRaw(direct, arguments)), expected);
+        EXPECT_EQ(PackTest::complaintOf(host.callRaw(pack(), function.name, arguments)), expected);
+    }
+    // One argument replaced, for one call.
+    void expectComplaintAbout(std::size_t position, const Value& value, const std::string& expected) {
+        const Value usual = std::exchange(arguments[position], value);
+        expectComplaint(expected);
+        arguments[position] = usual;
+    }
+
+    DocumentedFunction function;
+    std::string_view form;
+    std::vector<Value> arguments;
+    TestHost host;
+};
+
+}  // namespace
+
+TEST_P(Kinds, AreCheckedAtEachPosition) {
+    for (const auto which : function.forms) {
+        setForm(which);
+        for (std::size_t i = 0; i < form.size(); ++i) {
+            for (const int tag : allTags) {
+                SCOPED_TRACE("argument " + std::to_string(i + 1) + ", tag " + std::to_string(tag));
+                if (illegal(form[i], tag)) {
+                    expectComplaintAbout(i, ofTag(tag), at("illegal context", i));
+                } else if (!accepts(form[i], tag)) {
+                    expectComplaintAbout(i, ofTag(tag), at(mismatch(form[i]), i));
+                }
+            }
+            if (form[i] != 'V') continue;
+            expectComplaintAbout(i, Value::matrix(1, 2, Numbers{1, 2}), at("must be vector", i));
+            expectComplaintAbout(i, Value::matrix(2, 0, Numbers{}), at("must be vector", i));
+        }
+    }
+}
+
+// All illegal kinds come before all wrong ones, and each before later ones.
+TEST_P(Kinds, AreCheckedInOrder) {
+    for (const auto which : function.forms) {
+        setForm(which);
+        const std::size_t last = form.size() - 1;
+        for (Value& argument : arguments) argument = Value::ofTag(7);
+        expectComplaint(at(mismatch(form[0]), 0));
+        expectComplaintAbout(last, Value::ofTag(16), at("illegal context", last));
+        for (Value& argument : arguments) argument = Value::ofTag(16);
+        expectComplaint(at("illegal context", 0));
+    }
+}
+
+// What suits reaches the worker, whatever it says, and so does the other kind where two will do.
+TEST_P(Kinds, LetPassWhatSuits) {
+    for (const auto which : function.forms) {
+        setForm(which);
+        for (std::size_t i = 0; i <= form.size(); ++i) {
+            if (i < form.size() && form[i] != 'A' && form[i] != 'O') continue;
+            const std::vector<Value> usual = arguments;
+            if (i < form.size()) arguments[i] = 1;
+            if (undula::isAwaited(function.name)) {
+                expectComplaint("unknown error (0)");
+            } else {
+                const std::string complaint =
+                    PackTest::complaintOf(host.callRaw(pack(), function.name, arguments));
+                for (const char letter : {'S', 'T', 'F', 'M', 'V', 'O'}) {
+                    EXPECT_FALSE(complaint.starts_with(mismatch(letter) + " (")) << complaint;
+                }
+                EXPECT_FALSE(complaint.starts_with("illegal context")) << complaint;
+            }
+            arguments = usual;
+        }
+    }
+}
+
+TEST_P(Kinds, AreCountedWhereTheNumberVaries) {
+    if (!function.variadic()) return;
+    for (std::size_t count = 0; count <= efihost::Host::maxArguments; ++count) {
+        const auto isCount = [count](std::string_view which) { return which.size() == count; };
+        if (std::ranges::any_of(function.forms, isCount)) continue;
+        const std::vector<Value> some(count, Value::ofTag(16));
+        EXPECT_EQ(PackTest::complaintOf(host.callRaw(pack(), function.name, some)), "Wrong number of Arguments (0)");
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, Kinds, testing::ValuesIn(documentedFunctions()),
+                         [](const auto& info) { return std::string(info.param.name); });

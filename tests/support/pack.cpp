@@ -1,0 +1,65 @@
+#include "support/pack.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <random>
+
+Numbers noise(std::size_t count, unsigned seed) {
+    std::mt19937 random(seed);
+    std::uniform_real_distribution<double> number(-1.0, 1.0);
+    Numbers values(count);
+    for (double& value : values) value = number(random);
+    return values;
+}
+
+Value strided(int rows, int cols, const Numbers& values) {
+    constexpr int gap = 3;
+    struct Memory {
+        Numbers re;
+        Numbers im;
+    };
+    const int stride = rows + gap;
+    const auto size = static_cast<std::size_t>(stride * cols);
+    auto memory = std::make_shared<Memory>(
+        Memory{Numbers(size, std::numeric_limits<double>::quiet_NaN()), Numbers(size, 7.0)});
+    for (int c = 0; c < cols; ++c) {
+        std::copy_n(values.begin() + c * rows, rows, memory->re.begin() + c * stride);
+        std::fill_n(memory->im.begin() + c * stride, rows, -0.0);
+    }
+    return Value::borrow(rows, cols, stride, memory->re.data(), memory->im.data(), memory);
+}
+
+namespace {
+
+bool sameBits(const Numbers& a, const Numbers& b) {
+    return a.size() == b.size() && (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(double)) == 0);
+}
+
+bool sameCells(const Value& a, const Value& b) {
+    for (int c = 0; c < a.cols(); ++c) {
+        for (int r = 0; r < a.rows(); ++r) {
+            const Value cell = a.nested(r, c);
+            const Value other = b.nested(r, c);
+            if (bool(cell) != bool(other) || (cell && !same(cell, other))) return false;
+        }
+    }
+    return true;
+}
+
+}  // namespace
+
+bool same(const Value& a, const Value& b) {
+    if (!a || !b || a.tag() != b.tag()) return !a && !b;
+    if (a.isError()) return a.message() == b.message() && a.argument() == b.argument();
+    if (a.isScalar()) return sameBits({a.real(), a.scalar().imag()}, {b.real(), b.scalar().imag()});
+    if (!a.isMatrix()) return a.isString() ? a.text() == b.text() : a.raw() == b.raw();
+    if (a.rows() != b.rows() || a.cols() != b.cols()) return false;
+    if (a.anyNested() || b.anyNested()) return sameCells(a, b);
+    return sameBits(a.reals(), b.reals()) && sameBits(a.imaginaries(), b.imaginaries());
+}
+
+void expectNear(const Numbers& actual, const Numbers& expected, double tolerance) {
+    ASSERT_EQ(actual.size(), expected.size());
+    for (std::size_t i = 0; i < actual.size(); ++i) EXPECT_NEAR(actual[i], expected[i], tolerance) << "at " << i;
+}

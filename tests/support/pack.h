@@ -1,0 +1,65 @@
+// The pack under test, and short ways to call it.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "support/test_host.h"
+
+using efihost::Value;
+
+using Numbers = std::vector<double>;
+
+inline const efihost::Pack& pack() {
+    static const efihost::Pack loaded(UNDULA_PACK_PATH);
+    return loaded;
+}
+
+// A host for one test, which must leave nothing behind. Results are dropped before it is.
+class PackTest : public testing::Test {
+ protected:
+    ~PackTest() override { EXPECT_EQ(host.leaks(), TestHost::Leaks{}); }
+
+    // The result; an error value throws.
+    template <class... Arguments>
+    Value call(std::string_view name, Arguments&&... arguments) {
+        return host.call(pack(), name, std::forward<Arguments>(arguments)...);
+    }
+    // The numbers of a matrix, by columns.
+    template <class... Arguments>
+    Numbers numbers(std::string_view name, Arguments&&... arguments) {
+        return call(name, std::forward<Arguments>(arguments)...).reals();
+    }
+    // "message (index)" of the error, or "no error".
+    template <class... Arguments>
+    std::string complaint(std::string_view name, Arguments&&... arguments) {
+        return complaintOf(host.callRaw(pack(), name, {Value(std::forward<Arguments>(arguments))...}));
+    }
+
+    TestHost host;
+
+ public:
+    static std::string complaintOf(const Value& result) {
+        if (!result) return "no result";
+        if (!result.isError()) return "no error";
+        return result.message() + " (" + std::to_string(result.argument()) + ")";
+    }
+};
+
+inline Value column(const Numbers& values) { return Value::column(values); }
+inline Value row(const Numbers& values) { return Value::matrix(1, static_cast<int>(values.size()), values); }
+
+// Numbers in [-1, 1] that show no pattern, different for each seed.
+Numbers noise(std::size_t count, unsigned seed = 1);
+
+// A real matrix whose columns lie further apart than their rows need; NaN lies between them, with
+// imaginary parts that only a reader who strays would meet.
+Value strided(int rows, int cols, const Numbers& values);
+
+// Whether two values are the same, number for number and bit for bit, nested values included.
+bool same(const Value& a, const Value& b);
+
+void expectNear(const Numbers& actual, const Numbers& expected, double tolerance);
