@@ -7,9 +7,8 @@
 namespace undula {
 
 inline constexpr std::string_view awaited[] = {
-    "wavelet",     "dlwavelet", "waveterp", "swaveterp", "wavelet2d",  "dlwavelet2d", "waveterp2d",
-    "swaveterp2d", "cpt",       "lct",      "icpt",      "ilct",       "father",      "mother",
-    "dlfather",    "dlmother",  "father2d", "mother2d",  "dlfather2d", "dlmother2d",
+    "wavelet", "dlwavelet", "waveterp", "swaveterp", "wavelet2d", "dlwavelet2d", "waveterp2d", "swaveterp2d",
+    "father",  "mother",    "dlfather", "dlmother",  "father2d",  "mother2d",    "dlfather2d", "dlmother2d",
 };
 
 constexpr bool isAwaited(std::string_view name) {

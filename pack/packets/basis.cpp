@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 #include <tuple>
 
 namespace undula {
@@ -141,6 +142,27 @@ Code findSplits(const Basis& basis, PacketList& splits) {
         if (!level.mergeFamilies(splits)) return Code::InvalidPacketBasis;
     }
     return level.isRoot() ? Code::None : Code::InvalidPacketBasis;
+}
+
+bool removeRepeats(PacketList& list) {
+    auto order = Array<std::size_t>::uninitialised(list.count);
+    auto repeated = Array<bool>::zeroed(list.count);
+    if (!order || !repeated) return false;
+    std::iota(order.data(), order.data() + list.count, std::size_t{0});
+    std::sort(order.data(), order.data() + list.count, [&list](std::size_t a, std::size_t b) {
+        const auto key = [&list](std::size_t i) {
+            return std::tuple(list[i].level, list[i].row, list[i].col, i);
+        };
+        return key(a) < key(b);
+    });
+    for (std::size_t i = 1; i < list.count; ++i)
+        repeated[order[i]] = isSame(list[order[i - 1]], list[order[i]]);
+    std::size_t kept = 0;
+    for (std::size_t i = 0; i < list.count; ++i) {
+        if (!repeated[i]) list.packets[kept++] = list[i];
+    }
+    list.count = kept;
+    return true;
 }
 
 }  // namespace undula

@@ -48,4 +48,7 @@ Code checkEntries(const Basis& basis);
 // once. The cost depends on the number of rows, whatever their levels.
 Code findSplits(const Basis& basis, PacketList& splits);
 
+// Leaves the first of equal packets, in the order of the list. False when there is no memory.
+bool removeRepeats(PacketList& list);
+
 }  // namespace undula

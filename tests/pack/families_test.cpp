@@ -126,7 +126,7 @@ TEST_F(Splines, PairsAreTheFormulasToTheLastBit) {
     }
 }
 
-// A pair that was found again brings its offsets: that of the user with the same digits does not.
+// Only a built-in pair is known to be symmetric.
 TEST_F(Splines, PairsAreFoundAgainByTheirTaps) {
     for (const auto& [m, n] : splinePairs) {
         Numbers taps = numbers("Bspline", m, n);
@@ -219,16 +219,6 @@ TEST_F(WaveletBasis, ListsSmoothPacketAndDetailsFromTheCoarsest) {
     EXPECT_EQ(rows(3, 1), (Rows{{3, 0}, {3, 1}, {2, 1}, {1, 1}}));
     EXPECT_EQ(rows(2, 2),
               (Rows{{2, 0, 0}, {2, 0, 1}, {2, 1, 0}, {2, 1, 1}, {1, 0, 1}, {1, 1, 0}, {1, 1, 1}}));
-}
-
-// The basis has nothing to do with filters: the one selected last stays selected.
-TEST_F(WaveletBasis, LeavesTheActiveFilterAlone) {
-    const Value own = column({0.5, 0.25, 0.25});
-    const Value offsets = row({3});
-    call("dwt", column(noise(8)), 1, own, offsets);
-    const Numbers before = numbers("dwt", column(noise(8)), 1, own, offsets);
-    call("wavebs", 3, 2);
-    EXPECT_EQ(numbers("dwt", column(noise(8)), 1, own, offsets), before);
 }
 
 TEST(SplineRobustness, SurvivesEveryTrouble) {

@@ -1,7 +1,9 @@
 // What the pack exports, and how its dispatchers take the kinds of arguments.
+#include <dlfcn.h>
 #include <elf.h>
 #include <link.h>
 
+#include <algorithm>
 #include <cstring>
 #include <fstream>
 #include <set>
@@ -308,4 +310,4 @@ TEST_P(Kinds, AreCountedWhereTheNumberVaries) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, Kinds, testing::ValuesIn(documentedFunctions()),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         [](const auto& row) { return std::string(row.param.name); });

@@ -1,7 +1,9 @@
 #include "support/failing_new.h"
 
 #include <atomic>
+#include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <new>
 
 // The whole family is replaced, so that each delete meets memory of its own kind. The libraries
@@ -22,6 +24,16 @@ void* allocate(std::size_t bytes, std::align_val_t alignment) noexcept {
     const auto unit = static_cast<std::size_t>(alignment);
     void* memory = std::aligned_alloc(unit, (bytes + unit - 1) / unit * unit);
     if (memory) ++live;
+    return memory;
+}
+
+// Fills memory with signalling NaNs, so that arithmetic with what nobody has written faults.
+void* spoilt(void* memory, std::size_t bytes) noexcept {
+    constexpr std::uint16_t piece = 0x7FF4;
+    auto* place = static_cast<unsigned char*>(memory);
+    for (std::size_t i = 0; memory && i + sizeof piece <= bytes; i += sizeof piece) {
+        std::memcpy(place + i, &piece, sizeof piece);
+    }
     return memory;
 }
 
@@ -71,16 +83,16 @@ void* operator new[](std::size_t bytes, std::align_val_t unit) {
 }
 
 void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept {
-    return isToFail() ? nullptr : allocate(bytes);
+    return isToFail() ? nullptr : spoilt(allocate(bytes), bytes);
 }
 void* operator new[](std::size_t bytes, const std::nothrow_t&) noexcept {
-    return isToFail() ? nullptr : allocate(bytes);
+    return isToFail() ? nullptr : spoilt(allocate(bytes), bytes);
 }
 void* operator new(std::size_t bytes, std::align_val_t unit, const std::nothrow_t&) noexcept {
-    return isToFail() ? nullptr : allocate(bytes, unit);
+    return isToFail() ? nullptr : spoilt(allocate(bytes, unit), bytes);
 }
 void* operator new[](std::size_t bytes, std::align_val_t unit, const std::nothrow_t&) noexcept {
-    return isToFail() ? nullptr : allocate(bytes, unit);
+    return isToFail() ? nullptr : spoilt(allocate(bytes, unit), bytes);
 }
 
 void operator delete(void* memory) noexcept {

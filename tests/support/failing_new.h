@@ -1,4 +1,5 @@
-// Lack of memory on demand: the global operator new of the test program can be told to fail.
+// Lack of memory on demand: the global operator new of the test program can be told to fail. Where
+// it answers null (std::nothrow), it hands out memory full of signalling NaNs.
 #pragma once
 
 // While it lives, the k-th allocation by the operator new that answers null (std::nothrow), of

@@ -73,11 +73,16 @@ std::ostream& operator<<(std::ostream& out, const Holdings& holdings) {
     return out << holdings.host << ", " << holdings.memory << " allocations";
 }
 
+int newVariant() {
+    static int last = 0;
+    return ++last;
+}
+
 class Trial {
  public:
     explicit Trial(const RobustCall& subject)
         : subject_(subject),
-          usual_(subject.arguments(0)),
+          usual_(subject.arguments(newVariant())),
           reference_(host_.call(pack(), subject.function, usual_)),
           kept_(keptByNewVariant()) {
         throwables();  // made before memory is counted
@@ -87,7 +92,7 @@ class Trial {
         bool happened = true;
         for (int k = 1; happened; ++k) {
             SCOPED_TRACE("allocation " + std::to_string(k));
-            const std::vector<Value> arguments = subject_.arguments(nextVariant_++);
+            const std::vector<Value> arguments = subject_.arguments(newVariant());
             const Holdings before = holdings();
             happened = refuseAllocation(k, arguments);
             EXPECT_TRUE(same(call(arguments), call(arguments)));
@@ -130,14 +135,13 @@ class Trial {
     TestHost host_;
     const std::vector<Value> usual_;
     const Value reference_;
-    int nextVariant_ = 1;
     const long kept_;
 
     Holdings holdings() const { return {host_.leaks(), liveAllocations()}; }
 
     // How much memory the pack keeps after a call of a new variant.
     long keptByNewVariant() {
-        const std::vector<Value> arguments = subject_.arguments(nextVariant_++);
+        const std::vector<Value> arguments = subject_.arguments(newVariant());
         const long before = liveAllocations();
         call(arguments);
         return liveAllocations() - before;

@@ -12,7 +12,8 @@
 
 struct RobustCall {
     std::string function;
-    // The arguments; another variant makes the pack keep another wavelet, if it keeps any.
+    // The arguments. No number is given twice in a run, so that each can make the pack keep another
+    // wavelet.
     std::function<std::vector<Value>(int variant)> arguments;
     // How often the call asks whether to stop.
     int polls = 0;

@@ -1,0 +1,66 @@
+# make build         the libraries and the Python package, in build/
+# make demo          take the noise out of a real electrocardiogram; draws out/denoise_ecg.png
+# make test          the C++ and the Python tests
+# make bench         time the kernels and transforms, also beside PyWavelets
+# make lint          check the formatting, and the code with clang-tidy
+# make asan          the C++ tests under the address and undefined-behaviour sanitizers
+# make fuzz          random calls of every function, for SECONDS=60
+# make windows       the 32-bit Windows libraries, in build/windows/
+# make clean         remove build/ and out/
+#
+# Each installs what it misses (Debian 12; root or sudo). Underneath is CMake: CMakePresets.json.
+# The Python is Debian's, or the one in the setting UNDULA_PYTHON_EXECUTABLE of build/.
+
+SECONDS = 60
+
+.PHONY: help build demo test bench lint asan fuzz windows clean
+
+help:
+	@sed -n 's/^# make/make/p' Makefile
+
+build:
+	tools/install build
+	cmake --preset release
+	cmake --build --preset release
+
+demo:
+	tools/install build demo
+	cmake --preset release
+	cmake --build --preset release --target demo
+
+test:
+	tools/install build test
+	cmake --preset release
+	cmake --build --preset release
+	ctest --preset python
+	ctest --preset release
+
+bench:
+	tools/install build bench
+	cmake --preset release
+	cmake --build --preset release --target bench
+
+lint:
+	tools/install build lint
+	cmake --preset release
+	tools/lint build
+
+asan:
+	tools/install build
+	cmake --preset asan
+	cmake --build --preset asan
+	ctest --preset asan
+
+fuzz:
+	tools/install build fuzz
+	cmake --preset fuzz
+	cmake --build --preset fuzz
+	tools/fuzz build/fuzz $(SECONDS)
+
+windows:
+	tools/install build windows
+	cmake --preset windows
+	cmake --build --preset windows
+
+clean:
+	rm -rf build out

@@ -1,0 +1,49 @@
+// Whole calls, as a host makes them: through the table, with values in and values out.
+#include <benchmark/benchmark.h>
+
+#include <random>
+#include <string>
+#include <vector>
+
+#include "efihost/host.h"
+
+using efihost::Value;
+
+namespace {
+
+const efihost::Pack& pack() {
+    static const efihost::Pack loaded(UNDULA_PACK_PATH);
+    return loaded;
+}
+
+Value noise(int rows, int cols) {
+    std::mt19937 random(1);
+    std::normal_distribution<double> value;
+    std::vector<double> numbers(static_cast<std::size_t>(rows) * static_cast<std::size_t>(cols));
+    for (double& number : numbers) number = value(random);
+    return Value::matrix(rows, cols, numbers);
+}
+
+void transform(benchmark::State& state, const std::string& function, int rows, int cols, int levels) {
+    efihost::Host host;
+    const std::vector<Value> arguments = {noise(rows, cols), levels, host.call(pack(), "daublet", 8)};
+    const efihost::Function& entry = pack().function(function);
+    for (auto _ : state) benchmark::DoNotOptimize(host.call(entry, arguments));
+    state.SetItemsProcessed(state.iterations() * rows * cols);
+}
+
+// What a call costs besides its arithmetic, here one halving of two samples.
+void tinyCall(benchmark::State& state) {
+    efihost::Host host;
+    const std::vector<Value> arguments = {noise(2, 1), 1, host.call(pack(), "daublet", 2)};
+    const efihost::Function& entry = pack().function("dwt");
+    for (auto _ : state) benchmark::DoNotOptimize(host.call(entry, arguments));
+}
+
+BENCHMARK_CAPTURE(transform, dwt_signal, "dwt", 1 << 20, 1, 5)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(transform, idwt_signal, "idwt", 1 << 20, 1, 5)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(transform, dwt_image, "dwt", 1024, 1024, 3)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(transform, idwt_image, "idwt", 1024, 1024, 3)->Unit(benchmark::kMillisecond);
+BENCHMARK(tinyCall);
+
+}  // namespace

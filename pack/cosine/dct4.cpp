@@ -1,0 +1,97 @@
+#include "cosine/dct4.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+namespace undula {
+
+namespace {
+
+bool isEven(std::uint64_t length) {
+    return length % 2 == 0;
+}
+
+std::uint64_t columnLength(std::uint64_t length) {
+    return isEven(length) ? length / 2 : 4 * length;
+}
+
+double at(const double* part, std::size_t i) {
+    return part == nullptr ? 0.0 : part[i];
+}
+
+}  // namespace
+
+Code Dct4::plan(std::uint64_t length, const Plan*& found) {
+    const Plan* const end = plans + planCount;
+    found = std::find_if(static_cast<const Plan*>(plans), end,
+                         [length](const Plan& p) { return p.length == length; });
+    if (found != end) return Code::None;
+    if (planCount == mostPlans) return Code::Unknown;
+
+    Plan& plan = plans[planCount];
+    const std::uint64_t angles = isEven(length) ? length / 2 : length;
+    plan.cosines = Array<double>::uninitialised(angles);
+    plan.sines = Array<double>::uninitialised(angles);
+    if (!plan.cosines || !plan.sines) return Code::OutOfMemory;
+    for (std::size_t k = 0; k < angles; ++k) {
+        // Of half a circle: an even length turns by (k + 1/8) / n, an odd one by (k + 1/2) / 2n.
+        const auto n = static_cast<double>(length);
+        const auto turn = static_cast<double>(k);
+        const double angle =
+            std::numbers::pi * (isEven(length) ? (turn + 0.125) / n : (turn + 0.5) / (2.0 * n));
+        plan.cosines[k] = std::cos(angle);
+        plan.sines[k] = std::sin(angle);
+    }
+    const Code code = service.newColumn(service.host, columnLength(length), plan.column);
+    if (code != Code::None) return code;
+    plan.length = length;
+    ++planCount;
+    return Code::None;
+}
+
+Code Dct4::transform(double* line, std::uint64_t length) {
+    const Plan* found = nullptr;
+    const Code code = plan(length, found);
+    if (code != Code::None) return code;
+    return isEven(length) ? transformEven(*found, line) : transformOdd(*found, line);
+}
+
+// Samples from both ends are paired to complex numbers, and so are the coefficients.
+Code Dct4::transformEven(const Plan& plan, double* line) {
+    const auto last = static_cast<std::size_t>(plan.length) - 1;
+    const std::size_t pairs = (last + 1) / 2;
+    for (std::size_t i = 0; i < pairs; ++i) {
+        const double first = line[2 * i];
+        const double second = line[last - 2 * i];
+        plan.column.re[i] = first * plan.cosines[i] + second * plan.sines[i];
+        plan.column.im[i] = first * plan.sines[i] - second * plan.cosines[i];
+    }
+    FourierResult z;
+    const Code code = service.transform(service.host, plan.column, z);
+    if (code != Code::None) return code;
+    const double scale = std::sqrt(2.0 / static_cast<double>(plan.length));
+    for (std::size_t k = 0; k < pairs; ++k) {
+        const double re = at(z.re, k);
+        const double im = at(z.im, k);
+        line[2 * k] = scale * (re * plan.cosines[k] - im * plan.sines[k]);
+        line[last - 2 * k] = scale * (re * plan.sines[k] + im * plan.cosines[k]);
+    }
+    return Code::None;
+}
+
+// The samples, followed by three times as many zeros; the coefficients stand at the odd places.
+Code Dct4::transformOdd(const Plan& plan, double* line) {
+    const auto length = static_cast<std::size_t>(plan.length);
+    std::copy_n(line, length, plan.column.re);
+    FourierResult z;
+    const Code code = service.transform(service.host, plan.column, z);
+    if (code != Code::None) return code;
+    const double scale = std::sqrt(2.0 / static_cast<double>(plan.length));
+    for (std::size_t k = 0; k < length; ++k) {
+        line[k] = scale * (plan.cosines[k] * at(z.re, 2 * k + 1) - plan.sines[k] * at(z.im, 2 * k + 1));
+    }
+    return Code::None;
+}
+
+}  // namespace undula

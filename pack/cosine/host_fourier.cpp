@@ -1,0 +1,42 @@
+#include "cosine/host_fourier.h"
+
+#include <algorithm>
+
+#include "frame/floating_point.h"
+#include "frame/host_services.h"
+
+namespace undula {
+
+namespace {
+
+// The column is the host's, and freed with the other values of the call.
+Code newColumn(void* host, std::uint64_t n, FourierColumn& column) {
+    auto re = newElements(n, 1);
+    auto im = newElements(n, 1);
+    if (!re || !im) return Code::OutOfMemory;
+    std::fill_n(re.data(), n, 0.0);
+    std::fill_n(im.data(), n, 0.0);
+    aMatrix* matrix = newMatrix(static_cast<EfiCallContext*>(host), static_cast<int>(n), 1, re, im);
+    if (matrix == nullptr) return Code::OutOfMemory;
+    column = {matrix->re, matrix->im, matrix};
+    return Code::None;
+}
+
+Code transform(void* host, const FourierColumn& column, FourierResult& result) {
+    const HostServiceScope scope;
+    auto* matrix = static_cast<aMatrix*>(column.handle);
+    const aMatrix* transformed = ICFFT(static_cast<EfiCallContext*>(host), matrix);
+    const bool isColumn =
+        tagOf(transformed) == TagArray && transformed->cols == 1 && transformed->rows == matrix->rows;
+    if (!isColumn) return Code::InternalFftError;
+    result = {transformed->re, transformed->im};
+    return Code::None;
+}
+
+}  // namespace
+
+FourierService fourierOf(EfiCallContext* context) {
+    return {context, newColumn, transform};
+}
+
+}  // namespace undula

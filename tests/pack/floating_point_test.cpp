@@ -1,0 +1,249 @@
+// Faults of the pack's arithmetic, and the floating-point state around a call.
+#include <cfenv>
+#include <cmath>
+#include <limits>
+
+#include "frame/dispatch.h"
+#include "frame/host_services.h"
+#include "frame/user_function.h"
+#include "support/failing_new.h"
+#include "support/robustness.h"
+
+namespace {
+
+constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+constexpr double inf = std::numeric_limits<double>::infinity();
+constexpr double largest = std::numeric_limits<double>::max();
+
+// Workers behind the pack's dispatcher. Each computes with its argument.
+using Worker = aComplex*(EfiCallContext*, aComplex*);
+
+aComplex* invert(EfiCallContext* context, aComplex* x) { return undula::newScalar(context, 1.0 / x->re); }
+aComplex* square(EfiCallContext* context, aComplex* x) { return undula::newScalar(context, x->re * x->re); }
+aComplex* cancel(EfiCallContext* context, aComplex* x) { return undula::newScalar(context, x->re - x->re); }
+aComplex* add(EfiCallContext* context, aComplex* x) { return undula::newScalar(context, 1.0 + x->re); }
+aComplex* squareInvertAndCancel(EfiCallContext* context, aComplex* x) {
+    const double infinite = 1.0 / (x->re - largest) + x->re * x->re;
+    return undula::newScalar(context, infinite - infinite);
+}
+aComplex* squareAndCancel(EfiCallContext* context, aComplex* x) {
+    const double infinite = x->re * x->re;
+    return undula::newScalar(context, infinite - infinite);
+}
+aComplex* squareAndComplain(EfiCallContext* context, aComplex* x) {
+    if (!std::isinf(x->re * x->re)) return undula::fail(context, {"no overflow", 1});
+    return undula::fail(context, {"mine", 1});
+}
+
+class FloatingPoint : public PackTest {
+ protected:
+    std::string outcome(Worker* worker, double x) {
+        const Value argument(x);
+        efihost::Call call(host);
+        return complaintOf(call.finish(dispatch(worker, call, argument)));
+    }
+    static Anyval* dispatch(Worker* worker, efihost::Call& call, const Value& argument) {
+        using undula::form::S;
+        return undula::dispatch<S(S)>(worker, call.context(), argument.raw());
+    }
+};
+
+// Services that raise all flags, or clear them, as somebody else's code may.
+class CarelessHost : public TestHost {
+ public:
+    explicit CarelessHost(int flags) : flags_(flags) {}
+
+    aMatrix* makeMatrix(int rows, int cols, double* re, double* im, unsigned bytes) override {
+        leaveFlags();
+        return TestHost::makeMatrix(rows, cols, re, im, bytes);
+    }
+    aComplex* makeScalar() override {
+        leaveFlags();
+        return TestHost::makeScalar();
+    }
+    Anyval* makeError(const char* message, int argIndex) override {
+        leaveFlags();
+        return TestHost::makeError(message, argIndex);
+    }
+    std::int32_t pollInterrupt() override {
+        leaveFlags();
+        return TestHost::pollInterrupt();
+    }
+    std::int64_t findNested(const aMatrix* matrix, std::int64_t from) override {
+        leaveFlags();
+        return TestHost::findNested(matrix, from);
+    }
+    EfiRootSet* openRootSet() override {
+        leaveFlags();
+        return TestHost::openRootSet();
+    }
+    void removeRoot(Anyval** cell) override {
+        TestHost::removeRoot(cell);
+        leaveFlags();
+    }
+
+ private:
+    int flags_;
+
+    void leaveFlags() const {
+        std::feclearexcept(FE_ALL_EXCEPT);
+        std::feraiseexcept(flags_);
+    }
+};
+
+const Value haar() { return column({0.7071067811865475, 0.7071067811865475}); }
+
+}  // namespace
+
+TEST_F(FloatingPoint, ReportsFaultsOfTheWorker) {
+    EXPECT_EQ(outcome(invert, 0.0), "singularity (0)");
+    EXPECT_EQ(outcome(square, largest), "overflow (0)");
+    EXPECT_EQ(outcome(cancel, inf), "floating point error (0)");
+    EXPECT_EQ(outcome(squareInvertAndCancel, largest), "singularity (0)");
+    EXPECT_EQ(outcome(squareAndCancel, largest), "overflow (0)");
+    EXPECT_EQ(outcome(squareAndComplain, largest), "overflow (0)");
+}
+
+TEST_F(FloatingPoint, ReportsNothingElse) {
+    for (const double x : {nan, inf, -inf, 3.0, 1e-300, 5e-324}) {
+        EXPECT_EQ(outcome(add, x), "no error") << x;
+        EXPECT_EQ(outcome(square, x), "no error") << x;
+    }
+    EXPECT_EQ(outcome(invert, nan), "no error");
+    EXPECT_EQ(outcome(invert, inf), "no error");
+}
+
+TEST_F(FloatingPoint, PrefersWhatTheHostThrew) {
+    host.throwAt(Service::makeScalar, 1, messageText("stop"));
+    EXPECT_EQ(outcome(square, largest), "stop (0)");
+    host.throwAt(Service::makeScalar, 1, fault(0xC0000092));
+    EXPECT_EQ(outcome(square, 1.0), "EXCEPTION_FLT_STACK_CHECK (0)");
+}
+
+TEST_F(FloatingPoint, NamesThePlatformsExceptions) {
+    const std::pair<std::uint32_t, const char*> names[] = {
+        {0xC000008E, "singularity"},
+        {0xC0000090, "floating point error"},
+        {0xC0000091, "overflow"},
+        {0xC000008D, "EXCEPTION_FLT_DENORMAL_OPERAND"},
+        {0xC000008F, "EXCEPTION_FLT_INEXACT_RESULT"},
+        {0xC0000092, "EXCEPTION_FLT_STACK_CHECK"},
+        {0xC0000093, "EXCEPTION_FLT_UNDERFLOW"},
+        {0xC0000094, "EXCEPTION_INT_DIVIDE_BY_ZERO"},
+        {0xC0000095, "EXCEPTION_INT_OVERFLOW"},
+        {0xC0000096, "EXCEPTION_PRIV_INSTRUCTION"},
+        {0xC00000FD, "EXCEPTION_STACK_OVERFLOW"},
+        {0x80000001, "EXCEPTION_GUARD_PAGE"},
+        {0x80000002, "EXCEPTION_DATATYPE_MISALIGNMENT"},
+        {0x80000003, "EXCEPTION_BREAKPOINT"},
+        {0x80000004, "EXCEPTION_SINGLE_STEP"},
+        {0xC0000005, "EXCEPTION_ACCESS_VIOLATION"},
+        {0xC0000006, "EXCEPTION_IN_PAGE_ERROR"},
+        {0xC000001D, "EXCEPTION_ILLEGAL_INSTRUCTION"},
+        {0xC0000025, "EXCEPTION_NONCONTINUABLE_EXCEPTION"},
+        {0xC0000026, "EXCEPTION_INVALID_DISPOSITION"},
+        {0xC000008C, "EXCEPTION_ARRAY_BOUNDS_EXCEEDED"},
+        {0xC000008B, "EXCEPTION_UNKNOWN_EXCEPTION"},
+        {0, "EXCEPTION_UNKNOWN_EXCEPTION"},
+    };
+    for (const auto& [code, name] : names) {
+        host.throwAt(Service::pollInterrupt, 1, fault(code));
+        EXPECT_EQ(complaint("create_level", 1, 1), std::string(name) + " (0)");
+    }
+}
+
+TEST_F(FloatingPoint, BlamesNobodyForFlagsOfTheHost) {
+    CarelessHost raising(FE_ALL_EXCEPT);
+    const Value image = Value::matrix(4, 4, noise(16));
+    const Value expected = call("idwt", image, 1, haar());
+    EXPECT_TRUE(same(raising.call(pack(), "idwt", image, 1, haar()), expected));
+    EXPECT_EQ(complaintOf(raising.callRaw(pack(), "dwt", {image, 1, haar(), 0.5})), "filter unimplemented (3)");
+
+    // Nor does a host that clears flags hide a fault.
+    CarelessHost clearing(0);
+    EXPECT_EQ(complaintOf(clearing.callRaw(pack(), "dwt", {column({inf, -inf, 1, 1}), 1, haar()})),
+              "floating point error (0)");
+}
+
+TEST_F(FloatingPoint, BlamesNobodyForFlagsOfUserFunctions) {
+    const Value careless = Value::function([](double x) {
+        std::feraiseexcept(FE_DIVBYZERO | FE_OVERFLOW | FE_INVALID);
+        return x;
+    });
+    efihost::Call inProgress(host);
+    EfiCallContext* context = inProgress.context();
+    std::feclearexcept(FE_ALL_EXCEPT);
+    {
+        double_to_double_lambda function(context, static_cast<aLambda*>(careless.raw()));
+        EXPECT_EQ(function.evaluate(2.0), 2.0);
+        EXPECT_EQ(std::fetestexcept(FE_DIVBYZERO | FE_OVERFLOW | FE_INVALID), 0);
+    }
+}
+
+TEST_F(FloatingPoint, LeavesTheCallersState) {
+    for (const auto& [worker, x] : {std::pair(invert, 0.0), {square, largest}, {cancel, inf}, {add, 1.0}}) {
+        const Value argument(x);
+        efihost::Call inProgress(host);
+        const UnusualCaller caller;
+        dispatch(worker, inProgress, argument);
+        EXPECT_TRUE(caller.undisturbed());
+
+        // Not even FE_INEXACT comes through.
+        std::feclearexcept(FE_ALL_EXCEPT);
+        std::feraiseexcept(FE_DIVBYZERO);
+        dispatch(worker, inProgress, argument);
+        EXPECT_EQ(std::fetestexcept(FE_ALL_EXCEPT), FE_DIVBYZERO);
+        std::feclearexcept(FE_ALL_EXCEPT);
+        dispatch(worker, inProgress, argument);
+        EXPECT_EQ(std::fetestexcept(FE_ALL_EXCEPT), 0);
+    }
+}
+
+#if defined(__GLIBC__)
+// A caller whose faults trap is not trapped by the pack's, and traps again afterwards.
+TEST_F(FloatingPoint, DoesNotTrap) {
+    constexpr int traps = FE_DIVBYZERO | FE_OVERFLOW | FE_INVALID;
+    efihost::Call inProgress(host);
+    const Value zero(0);
+    std::feclearexcept(FE_ALL_EXCEPT);
+    feenableexcept(traps);
+    Anyval* result = dispatch(invert, inProgress, zero);
+    const int trapsAfter = fegetexcept();
+    fedisableexcept(traps);
+    EXPECT_EQ(trapsAfter, traps);
+    EXPECT_EQ(complaintOf(inProgress.finish(result)), "singularity (0)");
+}
+#endif
+
+TEST_F(FloatingPoint, LetsInfinitiesAndNaNsThroughATransform) {
+    const Numbers once = numbers("dwt", column({inf, 1, 2, 3}), 1, haar());
+    EXPECT_EQ(once[0], inf);
+    EXPECT_EQ(once[2], inf);
+    EXPECT_TRUE(std::isfinite(once[1]) && std::isfinite(once[3]));
+    const Numbers image = numbers("dwt", Value::matrix(4, 2, Numbers{1, nan, 2, 3, 4, 5, 6, 7}), 1, haar());
+    EXPECT_TRUE(std::isnan(image[0]));
+    EXPECT_TRUE(std::isfinite(image[1]) && std::isfinite(image[3]) && std::isfinite(image[5]));
+    EXPECT_TRUE(std::isnan(numbers("idwt", column({nan, 1, 2, 3}), 1, haar())[1]));
+    // No fault where the signal meets itself around the end, either.
+    EXPECT_EQ(complaint("dwt", column(Numbers(6, nan)), 1, call("coiflet", 30)), "no error");
+
+    for (const char* name : {"dwt", "idwt"}) {
+        EXPECT_EQ(complaint(name, column({inf, -inf, inf, inf}), 1, haar()), "floating point error (0)");
+        EXPECT_EQ(complaint(name, column(Numbers(4, largest)), 1, haar()), "overflow (0)");
+        EXPECT_EQ(complaint(name, column(Numbers(8, 5e-324)), 3, haar()), "no error");
+    }
+}
+
+// The filter that overflows in the making is not kept: the next call says the same.
+TEST_F(FloatingPoint, KeepsNoFilterWhoseConstructionFaults) {
+    const Value signal = column({1, 2, 3, 4});
+    const Value huge = column({1e200, 1e200, 1e100});
+    const Value hugePair = Value::matrix(2, 2, Numbers{0.5, 0.5, 1e200, -1e200});
+    for (const Value& filter : {huge, hugePair}) {
+        complaint("dwt", signal, 1, filter);
+        const long before = liveAllocations();
+        for (int i = 0; i < 3; ++i) EXPECT_TRUE(complaint("dwt", signal, 1, filter) == "overflow (0)");
+        EXPECT_EQ(liveAllocations(), before);
+    }
+    EXPECT_EQ(numbers("dwt", signal, 0, haar()), (Numbers{1, 2, 3, 4}));
+}
