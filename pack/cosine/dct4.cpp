@@ -16,10 +16,6 @@ std::uint64_t columnLength(std::uint64_t length) {
     return isEven(length) ? length / 2 : 4 * length;
 }
 
-double at(const double* part, std::size_t i) {
-    return part == nullptr ? 0.0 : part[i];
-}
-
 }  // namespace
 
 Code Dct4::plan(std::uint64_t length, const Plan*& found) {
@@ -72,10 +68,8 @@ Code Dct4::transformEven(const Plan& plan, double* line) {
     if (code != Code::None) return code;
     const double scale = std::sqrt(2.0 / static_cast<double>(plan.length));
     for (std::size_t k = 0; k < pairs; ++k) {
-        const double re = at(z.re, k);
-        const double im = at(z.im, k);
-        line[2 * k] = scale * (re * plan.cosines[k] - im * plan.sines[k]);
-        line[last - 2 * k] = scale * (re * plan.sines[k] + im * plan.cosines[k]);
+        line[2 * k] = scale * (z.re[k] * plan.cosines[k] - z.im[k] * plan.sines[k]);
+        line[last - 2 * k] = scale * (z.re[k] * plan.sines[k] + z.im[k] * plan.cosines[k]);
     }
     return Code::None;
 }
@@ -89,7 +83,7 @@ Code Dct4::transformOdd(const Plan& plan, double* line) {
     if (code != Code::None) return code;
     const double scale = std::sqrt(2.0 / static_cast<double>(plan.length));
     for (std::size_t k = 0; k < length; ++k) {
-        line[k] = scale * (plan.cosines[k] * at(z.re, 2 * k + 1) - plan.sines[k] * at(z.im, 2 * k + 1));
+        line[k] = scale * (plan.cosines[k] * z.re[2 * k + 1] - plan.sines[k] * z.im[2 * k + 1]);
     }
     return Code::None;
 }

@@ -23,7 +23,6 @@ struct FourierColumn {
     void* handle = nullptr;  // of the service
 };
 
-// A result; a null part reads as zeros.
 struct FourierResult {
     const double* re = nullptr;
     const double* im = nullptr;

@@ -22,6 +22,12 @@ Code newColumn(void* host, std::uint64_t n, FourierColumn& column) {
     return Code::None;
 }
 
+const double* orZeros(const double* part, double* room, std::size_t n) {
+    if (part != nullptr) return part;
+    std::fill_n(room, n, 0.0);
+    return room;
+}
+
 Code transform(void* host, const FourierColumn& column, FourierResult& result) {
     const HostServiceScope scope;
     auto* matrix = static_cast<aMatrix*>(column.handle);
@@ -29,7 +35,9 @@ Code transform(void* host, const FourierColumn& column, FourierResult& result) {
     const bool isColumn =
         tagOf(transformed) == TagArray && transformed->cols == 1 && transformed->rows == matrix->rows;
     if (!isColumn) return Code::InternalFftError;
-    result = {transformed->re, transformed->im};
+    // The column has served, so it may hold the zeros that the host need not write.
+    const auto n = static_cast<std::size_t>(matrix->rows);
+    result = {orZeros(transformed->re, column.re, n), orZeros(transformed->im, column.im, n)};
     return Code::None;
 }
 

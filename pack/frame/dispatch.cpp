@@ -77,7 +77,6 @@ Anyval* converted(EfiCallContext* context, Anyval* given, Kind kind) {
 
 Anyval* checkAndInvoke(const Call& call) {
     if (auto failure = checkKinds(call)) return fail(call.context, failure);
-    if (call.worker == nullptr) return fail(call.context, {Code::Unknown, 0});
 
     Anyval* arguments[mostArguments];
     int positions[mostArguments];

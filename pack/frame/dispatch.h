@@ -115,7 +115,7 @@ struct Call {
 };
 
 // Runs a call inside the frame: kinds checked, floating-point state set and put back, whatever is
-// thrown turned into a result. A worker that does not exist answers "unknown error".
+// thrown turned into a result.
 Anyval* run(const Call& call);
 
 template <class Form, class... Given>

@@ -59,9 +59,20 @@ aMatrix* resultMatrix(EfiCallContext* context, int rows, int cols, Array<double>
 bool interrupted(EfiCallContext* context);
 Poll pollOf(EfiCallContext* context);
 
-// Moves an error about argument i to argument positions[i - 1], 0 for one that the user did not
-// write. Other values, and errors about other arguments, pass unchanged.
+// Moves an error, or a failure, about argument i to argument positions[i - 1], 0 for one that the user
+// did not write. Other values, and errors about other arguments, pass unchanged.
 Anyval* reposition(Anyval* result, const int* positions, int count);
+
+inline Failure reposition(Failure failure, const int* positions, int count) {
+    if (failure.argument >= 1 && failure.argument <= count)
+        failure.argument = positions[failure.argument - 1];
+    return failure;
+}
+
+template <int count>
+Failure reposition(const Failure& failure, const int (&positions)[count]) {
+    return reposition(failure, positions, count);
+}
 
 template <class T, int count>
 T* reposition(T* result, const int (&positions)[count]) {

@@ -5,7 +5,6 @@
 #include <cstring>
 
 #include "efi/layout.h"
-#include "frame/awaited.h"
 #include "frame/workers.h"
 
 #define UNDULA_PARAMETERS_1 Anyval* a1
@@ -31,14 +30,10 @@
 #define UNDULA_ARGUMENTS_10 UNDULA_ARGUMENTS_9, a10
 
 // The dispatcher of n arguments, and the name record.
-#define UNDULA_DISPATCHER(name, n, form)                                                      \
-    EFI_PACK Anyval* name(EfiCallContext* context, UNDULA_PARAMETERS_##n) {                   \
-        if constexpr (undula::isAwaited(#name)) {                                             \
-            return undula::dispatch<form>(nullptr, context, UNDULA_ARGUMENTS_##n);            \
-        } else {                                                                              \
-            return undula::dispatch<form>(static_cast<undula::Worker<form>*>(&name), context, \
-                                          UNDULA_ARGUMENTS_##n);                              \
-        }                                                                                     \
+#define UNDULA_DISPATCHER(name, n, form)                                                  \
+    EFI_PACK Anyval* name(EfiCallContext* context, UNDULA_PARAMETERS_##n) {               \
+        return undula::dispatch<form>(static_cast<undula::Worker<form>*>(&name), context, \
+                                      UNDULA_ARGUMENTS_##n);                              \
     }
 #define UNDULA_NAME(name)                      \
     extern "C" EFI_PACK sString string_##name; \
