@@ -29,8 +29,8 @@ Code separableStep(Step* step, const FilterBank& bank, const Block& block, bool 
     for (std::uint32_t row = 0; row < block.rows; row += batchRows) {
         const std::uint32_t rows = std::min(batchRows, block.rows - row);
         if (askTimes(poll, rows)) return Code::Interrupted;
-        const Code code =
-            step(bank, {block.origin + row, block.stride, rows}, block.cols, swapInRows, workspace);
+        const Lines lines = {block.origin + row, block.stride, static_cast<std::ptrdiff_t>(rows)};
+        const Code code = step(bank, lines, block.cols, swapInRows, workspace);
         if (code != Code::None) return code;
     }
     return Code::None;

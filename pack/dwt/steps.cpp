@@ -476,7 +476,7 @@ Code symmetric_synthesis_step(const FilterBank& bank, const Lines& lines, std::u
     if (n < 2) return Code::InvalidLevel;
     const bool wholeSampled = bank.Lb % 2 != 0;
     const bool odd = n % 2 != 0;
-    const Index period = wholeSampled ? 2 * Index{n} - 2 : 2 * Index{n};
+    const Index period = wholeSampled ? 2 * static_cast<Index>(n) - 2 : 2 * static_cast<Index>(n);
     const Index half = period / 2;
     Continuation low = {half};
     Continuation high = {half};
@@ -496,7 +496,7 @@ Code interval_analysis_step(const FilterBank& bank, const Lines& lines, std::uin
     if (n / 2 < static_cast<std::uint32_t>(bank.La)) return Code::InvalidLevel;
     const Parts parts(n, swap);
     const Index rows = bank.La / 2;
-    const Index interior = Index{n} / 2 - 2 * rows;
+    const Index interior = static_cast<Index>(n) / 2 - 2 * rows;
     const std::uint64_t phaseRoom = Phases::room(0, n, lines.count);
     double* memory = workspace.room(phaseRoom + static_cast<std::uint64_t>(interior * lines.count));
     if (memory == nullptr) return Code::OutOfMemory;
@@ -545,7 +545,7 @@ Code interval_synthesis_step(const FilterBank& bank, const Lines& lines, std::ui
     synthesiseEnd(leftEnd(bank, n), rows, lowEnds, highEnds, [&](Index p) { return left.at(p); });
     merger.sum(addWeightedSum, left, 0, leftLength - 1);
     left.write(lines, 0, leftLength);
-    mergeLines(merger, lines, leftLength, Index{n} - 1, blockMemory);
+    mergeLines(merger, lines, leftLength, static_cast<Index>(n) - 1, blockMemory);
     synthesiseEnd(rightEnd(bank, n), rows, lowEnds, highEnds,
                   [&](Index p) { return lines.origin + p * lines.stride; });
     return Code::None;

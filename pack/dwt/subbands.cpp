@@ -71,7 +71,7 @@ aVector* get_subband(EfiCallContext* context, aVector* vector, aComplex* level, 
     Segment segment = {};
     if (auto failure = checkGet(context, vector, level, index, segment)) return fail(context, failure);
     auto part = newElements(segment.length, 1);
-    for (std::uint64_t i = 0; part && i < segment.length; ++i) {
+    for (std::size_t i = 0; part && i < segment.length; ++i) {
         part[i] = element(vector, static_cast<int>(segment.start + i), 0);
     }
     return static_cast<aVector*>(resultMatrix(context, static_cast<int>(segment.length), 1, part));
