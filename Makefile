@@ -42,8 +42,8 @@ bench:
 
 lint:
 	tools/install build lint
-	cmake --preset release
-	tools/lint build
+	cmake --preset lint
+	tools/lint build/lint
 
 asan:
 	tools/install build

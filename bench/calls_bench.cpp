@@ -28,7 +28,7 @@ void transform(benchmark::State& state, const std::string& function, int rows, i
     efihost::Host host;
     const std::vector<Value> arguments = {noise(rows, cols), levels, host.call(pack(), "daublet", 8)};
     const efihost::Function& entry = pack().function(function);
-    for (auto _ : state) benchmark::DoNotOptimize(host.call(entry, arguments));
+    for ([[maybe_unused]] auto _ : state) benchmark::DoNotOptimize(host.call(entry, arguments));
     state.SetItemsProcessed(state.iterations() * rows * cols);
 }
 
@@ -37,7 +37,7 @@ void tinyCall(benchmark::State& state) {
     efihost::Host host;
     const std::vector<Value> arguments = {noise(2, 1), 1, host.call(pack(), "daublet", 2)};
     const efihost::Function& entry = pack().function("dwt");
-    for (auto _ : state) benchmark::DoNotOptimize(host.call(entry, arguments));
+    for ([[maybe_unused]] auto _ : state) benchmark::DoNotOptimize(host.call(entry, arguments));
 }
 
 BENCHMARK_CAPTURE(transform, dwt_signal, "dwt", 1 << 20, 1, 5)->Unit(benchmark::kMillisecond);

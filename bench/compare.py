@@ -1,9 +1,10 @@
-"""Times transforms beside PyWavelets, in one process and turn by turn.
+"""Times transforms beside PyWavelets and SciPy, in one process and turn by turn.
 
     PYTHONPATH=build/python python3 bench/compare.py
 
-Both do the same work: periodic ends, the same filter, results in new arrays. A ratio above 1 says
-that Undula is faster. Times are medians, in milliseconds.
+PyWavelets does the same work: periodic ends, the same filter, results in new arrays. SciPy does the
+transforms of `cpt`, without the folding. A ratio above 1 says that Undula is faster. Times are
+medians, in milliseconds; of wavelet packet tables they are those of one level.
 """
 
 import statistics
@@ -11,6 +12,7 @@ import time
 
 import numpy as np
 import pywt
+import scipy.fft
 import undula
 
 ROUNDS = 25
@@ -53,6 +55,30 @@ def image_pair(side, levels):
     )
 
 
+def packet_pair(shape, levels):
+    """All packets of all levels."""
+    data = np.random.default_rng(0).standard_normal(shape)
+    w, name = undula.daublet(TAPS), f"db{TAPS // 2}"
+    packets = pywt.WaveletPacket if data.ndim == 1 else pywt.WaveletPacket2D
+
+    def other_table():
+        tree = packets(data, name, "periodization", levels)
+        return [tree.get_level(level, "freq") for level in range(1, levels + 1)]
+
+    size = " x ".join(map(str, data.shape))
+    title = f"wpt,  {size}, {TAPS} taps, each of {levels} levels"
+    return title, lambda: undula.wpt(data, levels, w), other_table
+
+
+def cosine_pair(samples, levels):
+    x = np.random.default_rng(0).standard_normal(samples)
+
+    def cosines():
+        return [scipy.fft.dct(x.reshape(2**j, -1), 4, norm="ortho") for j in range(levels + 1)]
+
+    yield f"cpt,  {samples} samples, {levels} levels", lambda: undula.cpt(x, levels), cosines
+
+
 def medians(*functions):
     """The median time of each function, all called in turn, after one round that does not count."""
     times = [[] for _ in functions]
@@ -66,10 +92,16 @@ def medians(*functions):
 
 
 def main():
-    print(f"{'':48}{'undula':>9}{'pywt':>9}{'ratio':>8}")
-    for title, ours, theirs in [*signal_pair(2**20, 5), *image_pair(1024, 3)]:
-        own, other = medians(ours, theirs)
-        print(f"{title:48}{own:9.2f}{other:9.2f}{other / own:8.2f}")
+    print(f"{'':48}{'undula':>9}{'peer':>9}{'ratio':>8}")
+    for title, ours, theirs in [*signal_pair(2**20, 5), *image_pair(1024, 3), *cosine_pair(2**18, 8)]:
+        print_row(title, *medians(ours, theirs))
+    for shape, levels in ((2**20, 8), ((1024, 1024), 4)):
+        title, ours, theirs = packet_pair(shape, levels)
+        print_row(title, *(all_levels / levels for all_levels in medians(ours, theirs)))
+
+
+def print_row(title, own, other):
+    print(f"{title:48}{own:9.2f}{other:9.2f}{other / own:8.2f}")
 
 
 if __name__ == "__main__":

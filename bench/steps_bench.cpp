@@ -35,7 +35,7 @@ void along(benchmark::State& state, Step* step) {
     const Bank bank(static_cast<int>(state.range(1)));
     std::vector<double> signal(samples);
     Workspace workspace;
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         if (step(bank, {signal.data()}, samples, false, workspace) != Code::None) {
             state.SkipWithError("the step refused");
             break;
@@ -51,7 +51,7 @@ void across(benchmark::State& state, Step* step) {
     std::vector<double> image(std::size_t{side} * side);
     const Block block = {image.data(), side, side, side};
     Workspace workspace;
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         if (separableStep(step, bank, block, false, false, Poll(), workspace) != Code::None) {
             state.SkipWithError("the step refused");
             break;

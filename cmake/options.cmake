@@ -9,3 +9,19 @@ if(UNDULA_SANITIZE)
     -fsanitize=${UNDULA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(undula_options INTERFACE -fsanitize=${UNDULA_SANITIZE})
 endif()
+if(UNDULA_SANITIZE AND CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+  # Clang's sanitizers live in the program; libraries find them there when they are loaded.
+  target_link_options(undula_options INTERFACE LINKER:-z,undefs)
+endif()
+if(WIN32)
+  target_compile_options(undula_options INTERFACE
+    # The control word governs the x87 unit alone, so all arithmetic is done there.
+    -mno-sse -mfpmath=387
+    # Any instruction may throw: a fault of the processor does, through a handler of the host's.
+    -fnon-call-exceptions)
+  # What one library throws another catches, so that they need one run-time library among them.
+  target_link_options(undula_options INTERFACE -shared-libgcc)
+endif()
+if(UNDULA_FUZZ)
+  target_compile_options(undula_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()

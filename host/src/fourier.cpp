@@ -38,15 +38,19 @@ class DirectPlan : public FourierPlan {
  public:
     DirectPlan(std::size_t n, bool inverse) : fft_(n, inverse) {}
 
-    void transform(std::vector<Complex>& data) const override {
-        std::vector<Complex> result(data.size());
-        fft_.transform(data.data(), result.data());
-        data.swap(result);
+    void transform(FourierRoom& room) const override {
+        room.spare.resize(room.numbers.size());
+        fft_.transform(room.numbers.data(), room.spare.data());
+        room.numbers.swap(room.spare);
     }
 
  private:
     kissfft<double> fft_;
 };
+
+void multiply(std::vector<Complex>& numbers, const std::vector<Complex>& factors) {
+    std::ranges::transform(numbers, factors, numbers.begin(), std::multiplies<>());
+}
 
 // With m k = (m^2 + k^2 - (m - k)^2) / 2 the transform becomes a convolution with the chirp
 // exp(-+pi i k^2 / n), which transforms of a smooth length carry out.
@@ -68,16 +72,20 @@ class ChirpPlan : public FourierPlan {
         for (std::size_t k = 1; k < n; ++k) {
             response_[k] = response_[response_.size() - k] = std::conj(chirp_[k]) * scale;
         }
-        forwards_.transform(response_);
+        FourierRoom room{std::move(response_), {}};
+        forwards_.transform(room);
+        response_ = std::move(room.numbers);
     }
 
-    void transform(std::vector<Complex>& data) const override {
-        std::vector<Complex> padded(response_.size());
-        std::ranges::transform(data, chirp_, padded.begin(), std::multiplies<>());
-        forwards_.transform(padded);
-        std::ranges::transform(padded, response_, padded.begin(), std::multiplies<>());
-        backwards_.transform(padded);
-        std::transform(chirp_.begin(), chirp_.end(), padded.begin(), data.begin(), std::multiplies<>());
+    void transform(FourierRoom& room) const override {
+        std::vector<Complex>& numbers = room.numbers;
+        multiply(numbers, chirp_);
+        numbers.resize(response_.size());
+        forwards_.transform(room);
+        multiply(numbers, response_);
+        backwards_.transform(room);
+        numbers.resize(chirp_.size());
+        multiply(numbers, chirp_);
     }
 
  private:
@@ -92,14 +100,30 @@ std::unique_ptr<FourierPlan> makePlan(std::size_t n, bool inverse) {
     return std::make_unique<ChirpPlan>(n, inverse);
 }
 
+double at(const double* part, std::size_t k) {
+    return part ? part[k] : 0.0;
+}
+
+void transformBy(const FourierPlan& plan, FourierRoom& room, const FourierColumn<const double>& x,
+                 const FourierColumn<double>& result) {
+    room.numbers.resize(x.n);
+    for (std::size_t k = 0; k < x.n; ++k) room.numbers[k] = {at(x.re, k), at(x.im, k)};
+    plan.transform(room);
+    for (std::size_t m = 0; m < x.n; ++m) {
+        result.re[m] = room.numbers[m].real();
+        result.im[m] = room.numbers[m].imag();
+    }
+}
+
 }  // namespace
 
-void FourierTransformer::transform(std::vector<Complex>& data, bool inverse) {
-    const std::size_t n = data.size();
-    if (n > longestKept) {
-        makePlan(n, inverse)->transform(data);
+void FourierTransformer::transform(const FourierColumn<const double>& x, bool inverse,
+                                   const FourierColumn<double>& result) {
+    if (x.n > longestKept) {
+        FourierRoom room;
+        transformBy(*makePlan(x.n, inverse), room, x, result);
     } else {
-        keptPlan(n, inverse).transform(data);
+        transformBy(keptPlan(x.n, inverse), room_, x, result);
     }
 }
 

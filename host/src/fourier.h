@@ -10,26 +10,42 @@
 
 namespace efihost {
 
+// Room that transforms share, so that it is not looked for every time.
+struct FourierRoom {
+    std::vector<std::complex<double>> numbers;  // to be transformed, and then the result
+    std::vector<std::complex<double>> spare;
+};
+
 // The transform of one length and direction.
 class FourierPlan {
  public:
     virtual ~FourierPlan() = default;
-    virtual void transform(std::vector<std::complex<double>>& data) const = 0;
+    virtual void transform(FourierRoom& room) const = 0;
+};
+
+// The parts of n complex numbers.
+template <class Number>
+struct FourierColumn {
+    std::size_t n;
+    Number* re;
+    Number* im;
 };
 
 // Transforms, and keeps the plans of modest lengths for the next time: a few lengths are
 // transformed again and again.
 class FourierTransformer {
  public:
-    // Puts in place of x[0..n-1], n >= 1, for each m the sum of x[k] exp(-2 pi i m k / n), or of
-    // x[k] exp(+2 pi i m k / n) when inverse. Throws std::bad_alloc.
-    void transform(std::vector<std::complex<double>>& data, bool inverse);
+    // Writes for each m the sum of x[k] exp(-2 pi i m k / n), or of x[k] exp(+2 pi i m k / n) when
+    // inverse, n >= 1. A part of x that is null is zeros; the result may take its place. Throws
+    // std::bad_alloc.
+    void transform(const FourierColumn<const double>& x, bool inverse, const FourierColumn<double>& result);
 
  private:
     const FourierPlan& keptPlan(std::size_t n, bool inverse);
 
     std::map<std::pair<std::size_t, bool>, std::unique_ptr<FourierPlan>> plans_;
     std::size_t points_ = 0;
+    FourierRoom room_;
 };
 
 }  // namespace efihost

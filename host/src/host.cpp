@@ -8,6 +8,7 @@
 #include <new>
 
 #include "efi/faults.h"
+#include "faults.h"
 #include "fourier.h"
 #include "invoke.h"
 #include "services.h"
@@ -47,6 +48,7 @@ struct Call::Frame {
     std::vector<Value> arguments;  // of the last evaluation
     Value callee;                  // of the last evaluation
     std::exception_ptr thrown;     // what comes out of the call when the pack has returned
+    FaultTranslation faults;
 };
 
 struct Host::State {
@@ -303,22 +305,11 @@ std::int32_t Host::pollInterrupt() {
 
 namespace {
 
-std::vector<std::complex<double>> numbersOf(const aMatrix& column) {
-    std::vector<std::complex<double>> numbers(static_cast<std::size_t>(column.rows));
-    for (std::size_t row = 0; row < numbers.size(); ++row) {
-        numbers[row] = {column.re ? column.re[row] : 0.0, column.im ? column.im[row] : 0.0};
-    }
-    return numbers;
-}
-
-Value columnOf(const std::vector<std::complex<double>>& numbers) {
-    Value value = Values::makeMatrix(static_cast<int>(numbers.size()), 1, true);
-    const aMatrix& column = value.matrix();
-    for (std::size_t row = 0; row < numbers.size(); ++row) {
-        column.re[row] = numbers[row].real();
-        column.im[row] = numbers[row].imag();
-    }
-    return value;
+// A complex column of that length in `slot`: the one that is there, when the slot alone holds it.
+const aMatrix& columnIn(Value& slot, int rows) {
+    if (!slot.isMatrix() || !Values::isSole(slot) || slot.rows() != rows)
+        slot = Values::makeMatrix(rows, 1, true);
+    return slot.matrix();
 }
 
 }  // namespace
@@ -332,11 +323,11 @@ aMatrix* Host::transform(Anyval* column, bool inverse) {
     if (Host::findNested(&input, 0) >= 0) return failed("must be numbers");
     state_->holdRoots();
     try {
-        std::vector<std::complex<double>> numbers = numbersOf(input);
-        state_->fourier.transform(numbers, inverse);
-        Value& result = state_->current().transformed;
-        result = columnOf(numbers);
-        return static_cast<aMatrix*>(result.raw());
+        Value& last = state_->current().transformed;
+        const aMatrix& result = columnIn(last, input.rows);
+        const auto n = static_cast<std::size_t>(input.rows);
+        state_->fourier.transform({n, input.re, input.im}, inverse, {n, result.re, result.im});
+        return static_cast<aMatrix*>(last.raw());
     } catch (const std::bad_alloc&) {
         return static_cast<aMatrix*>(makeError("out of memory", 0));
     }

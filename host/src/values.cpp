@@ -100,6 +100,13 @@ OwnedError::OwnedError(std::string_view text, int argument) : Listed(TagError), 
     argIndex = argument;
 }
 
+bool Values::isSole(const Value& value) {
+    const bool sole = value.value_.use_count() == 1;
+    // Pairs with the release by which another thread let go of its handle.
+    std::atomic_thread_fence(std::memory_order_acquire);
+    return sole;
+}
+
 Value Values::makeMatrix(int rows, int cols, bool isComplex) {
     Value value = make<OwnedMatrix>(rows, cols);
     auto& matrix = get<OwnedMatrix>(value);
@@ -109,12 +116,7 @@ Value Values::makeMatrix(int rows, int cols, bool isComplex) {
 }
 
 void Values::putScalar(Value& slot, std::complex<double> number) {
-    if (slot.isScalar() && isSole(slot)) {
-        // Pairs with the release by which another thread let go of its handle.
-        std::atomic_thread_fence(std::memory_order_acquire);
-    } else {
-        slot = make<OwnedScalar>();
-    }
+    if (!slot.isScalar() || !isSole(slot)) slot = make<OwnedScalar>();
     auto& scalar = get<OwnedScalar>(slot);
     scalar.re = number.real();
     scalar.im = number.imag();

@@ -98,7 +98,8 @@ class Values {
     // Makes a scalar in `slot`: in place, when the slot alone holds a scalar already.
     static void putScalar(Value& slot, std::complex<double> number);
 
-    static bool isSole(const Value& value) { return value.value_.use_count() == 1; }
+    // Whether the handle is the only one, so that the value may be written to.
+    static bool isSole(const Value& value);
 };
 
 }  // namespace efihost

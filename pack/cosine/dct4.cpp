@@ -52,10 +52,11 @@ Code Dct4::plan(std::uint64_t length, const Plan*& found) {
     if (!plan.cosines || !plan.sines) return Code::OutOfMemory;
     // Of half a circle: an even length turns by (k + 1/8) / n, an odd one by (k + 1/2) / 2n.
     const auto n = static_cast<double>(length);
+    const auto count = static_cast<std::size_t>(angles);  // fits, as the arrays are there
     if (isEven(length)) {
-        fillAngles(0.125 / n, 1.0 / n, angles, plan.cosines.data(), plan.sines.data());
+        fillAngles(0.125 / n, 1.0 / n, count, plan.cosines.data(), plan.sines.data());
     } else {
-        fillAngles(0.25 / n, 0.5 / n, angles, plan.cosines.data(), plan.sines.data());
+        fillAngles(0.25 / n, 0.5 / n, count, plan.cosines.data(), plan.sines.data());
     }
     const Code code = service.newColumn(service.host, columnLength(length), plan.column);
     if (code != Code::None) return code;

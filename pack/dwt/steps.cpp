@@ -201,7 +201,7 @@ Code analyse(const Channels& channels, Extension extension, const Lines& lines, 
     const Index first = std::min<Index>(0, channels.first());
     const Index last = std::max(n, n + channels.last());
     const std::uint64_t phaseRoom = Phases::room(first, last, lines.count);
-    const std::uint64_t outputRoom = static_cast<std::uint64_t>(parts.lowCount * lines.count);
+    const auto outputRoom = static_cast<std::uint64_t>(parts.lowCount * lines.count);
     double* memory = workspace.room(phaseRoom + outputRoom);
     if (memory == nullptr) return Code::OutOfMemory;
 

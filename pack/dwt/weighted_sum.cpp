@@ -7,7 +7,7 @@ namespace {
 #if defined(__SSE2_MATH__) || !defined(__i386__)
 
 // Two numbers at a time: the width changes no result.
-typedef double Lane __attribute__((vector_size(16), aligned(8), may_alias));
+using Lane __attribute__((vector_size(16), aligned(8), may_alias)) = double;
 
 Lane load(const double* from) {
     return *reinterpret_cast<const Lane*>(from);

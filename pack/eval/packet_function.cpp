@@ -88,7 +88,7 @@ FilterSet synthesisSet(const FilterBank& bank) {
 }
 
 int digitCount(std::uint32_t packet) {
-    return std::bit_width(packet);
+    return static_cast<int>(std::bit_width(packet));
 }
 
 Code evaluatePacket(const FilterSet& set, const PacketFunction& function, double x, const Poll& poll,

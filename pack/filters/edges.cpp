@@ -15,7 +15,7 @@ struct Band {
     const double* rows[mostMoments] = {};
 
     constexpr Band(const double* table, std::int32_t moments) {
-        for (std::int32_t i = 0; i < moments; ++i) rows[i] = table + i * (moments + i);
+        for (std::ptrdiff_t i = 0; i < moments; ++i) rows[i] = table + i * (moments + i);
     }
 };
 

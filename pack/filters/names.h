@@ -14,6 +14,6 @@ namespace undula {
 
 // The filter array of the named wavelet, which is then the active one; or an error value, about
 // argument 1 unless memory ran out.
-Anyval* selectWaveletString(EfiCallContext* context, const aString* name);
+Anyval* selectWaveletString(EfiCallContext* context, const aString* text);
 
 }  // namespace undula

@@ -86,8 +86,8 @@ bool readSettings(const aMatrix* filter, const aMatrix* offsets, const aMatrix* 
 
 const OrthonormalWavelet* makeOrthonormal(Taps low, const ChannelSettings& settings) {
     const std::int32_t taps = low.count;
-    auto storage =
-        Array<double>::uninitialised(static_cast<std::uint64_t>(taps + OrthonormalWavelet::workLength(taps)));
+    const std::int32_t room = taps + OrthonormalWavelet::workLength(taps);
+    auto storage = Array<double>::uninitialised(static_cast<std::uint64_t>(room));
     return keep<UserDefinedOrthonormal>(storage, [&] {
         double* h = storage.data();
         double* work = std::copy_n(low.values, taps, h);
@@ -96,9 +96,9 @@ const OrthonormalWavelet* makeOrthonormal(Taps low, const ChannelSettings& setti
 }
 
 const BiorthogonalWavelet* makeBiorthogonal(Taps lowA, Taps lowS, const ChannelSettings& settings) {
-    const std::int32_t taps = lowA.count + lowS.count;
-    auto storage = Array<double>::uninitialised(
-        static_cast<std::uint64_t>(taps + BiorthogonalWavelet::workLength(lowA.count, lowS.count)));
+    const std::int32_t room =
+        lowA.count + lowS.count + BiorthogonalWavelet::workLength(lowA.count, lowS.count);
+    auto storage = Array<double>::uninitialised(static_cast<std::uint64_t>(room));
     return keep<UserDefinedBiorthogonal>(storage, [&] {
         double* ha = storage.data();
         double* hs = std::copy_n(lowA.values, lowA.count, ha);
@@ -182,7 +182,7 @@ const Wavelet* selectFilterArrayDefault(const aMatrix* filter) {
 
 Failure selectWavelet(EfiCallContext* context, const WaveletArguments& arguments) {
     const aMatrix* const written[] = {arguments.filter, arguments.offsets, arguments.flips};
-    for (int i = 0; i < 3 && written[i] != nullptr; ++i) {
+    for (int i = 0; i < 3 && (i == 0 || written[i] != nullptr); ++i) {
         if (auto failure = requireRealArray(context, written[i], arguments.position + i)) return failure;
     }
     const Wavelet* wavelet = arguments.offsets == nullptr

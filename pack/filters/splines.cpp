@@ -14,8 +14,8 @@ namespace {
 
 const BattleLemarie* makeBattleLemarie(std::int32_t degree) {
     const std::int32_t taps = splineTaps(degree);
-    auto storage =
-        Array<double>::uninitialised(static_cast<std::uint64_t>(taps + OrthonormalWavelet::workLength(taps)));
+    const std::int32_t room = taps + OrthonormalWavelet::workLength(taps);
+    auto storage = Array<double>::uninitialised(static_cast<std::uint64_t>(room));
     return keep<BattleLemarie>(storage, [&] {
         computeSplineFilter(degree, storage.data());
         return new (std::nothrow) BattleLemarie(storage.data(), taps, storage.data() + taps, degree);

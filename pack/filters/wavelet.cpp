@@ -29,7 +29,7 @@ OrthonormalWavelet::OrthonormalWavelet(const double* low, std::int32_t taps, dou
 
 UserDefinedOrthonormal::UserDefinedOrthonormal(const double* low, std::int32_t taps, double* work,
                                                std::int32_t start, bool flip)
-    : OrthonormalWavelet(low, taps, work), next(nullptr), offset(start), flipHigh(flip) {
+    : OrthonormalWavelet(low, taps, work), offset(start), flipHigh(flip) {
     if (flip) negate(g, L);
 }
 
@@ -52,7 +52,7 @@ BiorthogonalWavelet::BiorthogonalWavelet(const double* lowA, std::int32_t tapsA,
 UserDefinedBiorthogonal::UserDefinedBiorthogonal(const double* lowA, std::int32_t tapsA, const double* lowS,
                                                  std::int32_t tapsS, double* work,
                                                  const ChannelSettings& channels)
-    : BiorthogonalWavelet(lowA, tapsA, lowS, tapsS, work), next(nullptr), settings(channels) {
+    : BiorthogonalWavelet(lowA, tapsA, lowS, tapsS, work), settings(channels) {
     if (settings.flip[0]) negate(ga, Lb);
     if (settings.flip[1]) negate(gs, La);
 }

@@ -145,12 +145,12 @@ class Coiflet final : public OrthonormalWavelet {
 class BattleLemarie final : public OrthonormalWavelet {
  public:
     BattleLemarie(const double* low, std::int32_t taps, double* work, std::int32_t degree)
-        : OrthonormalWavelet(low, taps, work), next(nullptr), order(degree) {}
+        : OrthonormalWavelet(low, taps, work), order(degree) {}
 
     std::int32_t analysisHighOffset() const override { return 1 - L / 2; }
     std::int32_t isSymmetric() const override { return 1; }
 
-    const BattleLemarie* next;
+    const BattleLemarie* next = nullptr;
     std::int32_t order;
 };
 
@@ -163,7 +163,7 @@ class UserDefinedOrthonormal final : public OrthonormalWavelet {
     std::int32_t analysisHighOffset() const override { return 2 - offset - L; }
     std::int32_t analysisHighFlipped() const override { return flipHigh; }
 
-    const UserDefinedOrthonormal* next;
+    const UserDefinedOrthonormal* next = nullptr;
 
  private:
     std::int32_t offset;
@@ -253,7 +253,7 @@ class UserDefinedBiorthogonal final : public BiorthogonalWavelet {
     std::int32_t isSymmetric() const override { return 0; }
     std::int32_t hasInterval() const override { return 0; }
 
-    const UserDefinedBiorthogonal* next;
+    const UserDefinedBiorthogonal* next = nullptr;
 
  private:
     ChannelSettings settings;

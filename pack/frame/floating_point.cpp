@@ -13,8 +13,39 @@ namespace undula {
 #if defined(_WIN32)
 
 namespace {
+
 // Invalid operation, division by zero and overflow trap; 64 bits of precision; round to nearest.
 constexpr unsigned short packControlWord = 0x372;
+
+// In the status word: the faults, and whether one that traps is pending.
+constexpr unsigned allFaults = 0x7f;
+constexpr unsigned isPending = 0x80;
+
+unsigned statusWord() {
+    unsigned short word = 0;
+    asm volatile("fnstsw %0" : "=m"(word));
+    return word;
+}
+
+// Empties the unit and forgets its faults; the control word stays.
+void clearUnit() {
+    unsigned short word = 0;
+    asm volatile("fnstcw %0" : "=m"(word));
+    asm volatile("fninit");
+    asm volatile("fldcw %0" : : "m"(word));
+}
+
+void addFaults(unsigned faults) {
+    struct {
+        std::uint32_t controlWord;
+        std::uint32_t statusWord;
+        std::uint32_t others[5];
+    } environment;
+    asm volatile("fnstenv %0" : "=m"(environment));
+    environment.statusWord |= faults;
+    asm volatile("fldenv %0" : : "m"(environment));
+}
+
 }  // namespace
 
 FloatingPointFrame::FloatingPointFrame() : controlWord(0) {
@@ -33,8 +64,18 @@ const char* pendingFault() {
     return nullptr;
 }
 
-HostServiceScope::HostServiceScope() : faults(0) {}
-HostServiceScope::~HostServiceScope() = default;
+// The unit reports a fault when it is used the next time. That must not be by the host: the fault
+// waits until the pack goes on.
+HostServiceScope::HostServiceScope() : faults(0) {
+    const unsigned status = statusWord();
+    if ((status & isPending) == 0) return;
+    faults = status & allFaults;
+    clearUnit();
+}
+
+HostServiceScope::~HostServiceScope() {
+    if (faults != 0) addFaults(faults);
+}
 
 #else
 

@@ -5,13 +5,15 @@
 
 using undula::HostServiceScope;
 
+namespace {
+
+// Stands for the answer of a host that answered with nothing: a value of no kind.
+Anyval nothing = {-1};
+
+}  // namespace
+
 double_to_double_lambda::double_to_double_lambda(EfiCallContext* callContext, aLambda* function)
-    : context(callContext),
-      roots(nullptr),
-      cell(nullptr),
-      result(nullptr),
-      interruptedOnce(false),
-      argument() {
+    : context(callContext) {
     argument.tag = TagScalar;
     const HostServiceScope scope;
     void* found = nullptr;
@@ -51,7 +53,8 @@ double double_to_double_lambda::evaluate(const double& x) {
         interruptedOnce = true;
         return 0.0;
     }
-    return undula::tagOf(result) == TagScalar ? static_cast<aComplex*>(result)->re : 0.0;
+    if (result == nullptr) result = &nothing;
+    return result->tag == TagScalar ? static_cast<aComplex*>(result)->re : 0.0;
 }
 
 bool double_to_double_lambda::failed() {

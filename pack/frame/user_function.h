@@ -22,9 +22,9 @@ class double_to_double_lambda final : public double_to_double_func {
 
  private:
     EfiCallContext* context;
-    EfiRootSet* roots;
-    Anyval** cell;
-    Anyval* result;
-    bool interruptedOnce;
-    aComplex argument;
+    EfiRootSet* roots = nullptr;
+    Anyval** cell = nullptr;
+    Anyval* result = nullptr;
+    bool interruptedOnce = false;
+    aComplex argument{};
 };

@@ -37,11 +37,15 @@ void copyPacket(const aMatrix* element, const Packet& packet, double* result) {
     }
 }
 
+double* pixel(double* picture, std::ptrdiff_t row, std::ptrdiff_t col) {
+    return picture + pictureSide * col + row;
+}
+
 // The square's frame: its top and right sides. The blocks draw the others.
 void drawFrame(double* picture) {
     std::fill_n(picture, pictureSide * pictureSide, background);
-    std::fill_n(picture + pictureSide * (pictureSide - 1), pictureSide, line);
-    for (int col = 0; col < pictureSide; ++col) picture[pictureSide * col] = line;
+    std::fill_n(pixel(picture, 0, pictureSide - 1), pictureSide, line);
+    for (int col = 0; col < pictureSide; ++col) *pixel(picture, 0, col) = line;
 }
 
 // The left and bottom sides of a block.
@@ -49,8 +53,8 @@ void drawBlock(const Packet& block, double* picture) {
     const int side = pictureSide >> static_cast<int>(block.level);
     const int top = static_cast<int>(block.row) * side;
     const int left = static_cast<int>(block.col) * side;
-    std::fill_n(picture + pictureSide * left + top, side, line);
-    for (int col = left; col < left + side; ++col) picture[pictureSide * col + top + side - 1] = line;
+    std::fill_n(pixel(picture, top, left), side, line);
+    for (int col = left; col < left + side; ++col) *pixel(picture, top + side - 1, col) = line;
 }
 
 Failure readPictured(EfiCallContext* context, const aMatrix* matrix, Basis& basis) {

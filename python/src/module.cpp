@@ -1,8 +1,10 @@
 // The extension undula._host: loads a pack and calls its functions.
+#include <pybind11/numpy.h>
 #include <pybind11/pybind11.h>
 #include <pybind11/stl.h>
 
 #include <chrono>
+#include <complex>
 #include <optional>
 #include <string>
 #include <vector>
@@ -20,6 +22,7 @@ using efihost::Host;
 struct ErrorValue {
     std::string message;
     int argument;
+    std::optional<std::size_t> element = std::nullopt;  // which of many calls has failed
 };
 
 // Answers false or raises what the handler of a pending signal raises, such as KeyboardInterrupt.
@@ -66,13 +69,19 @@ std::string placeOf(const Function& function, std::size_t index, const py::tuple
     return place;
 }
 
-py::object call(const Function& function, const py::tuple& arguments, const py::tuple& names) {
-    Lent lent;
+std::vector<Value> valuesOf(const Function& function, const py::tuple& arguments, const py::tuple& names,
+                            Lent& lent) {
     std::vector<Value> values;
     values.reserve(arguments.size());
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         values.push_back(toHost(arguments[i], placeOf(function, i, names), &lent));
     }
+    return values;
+}
+
+py::object call(const Function& function, const py::tuple& arguments, const py::tuple& names) {
+    Lent lent;
+    const std::vector<Value> values = valuesOf(function, arguments, names, lent);
     try {
         const Value result = callInTurn(function, values);
         if (result.isError()) {
@@ -84,6 +93,62 @@ py::object call(const Function& function, const py::tuple& arguments, const py::
     }
 }
 
+using Numbers = py::array_t<std::complex<double>, py::array::c_style | py::array::forcecast>;
+
+// An argument that is another number in each of many calls.
+struct Varying {
+    std::size_t place;
+    const std::complex<double>* numbers;
+};
+
+// The first answer that is no real number, and how many calls came before it.
+struct Refusal {
+    Value answer;
+    std::size_t element;
+};
+
+// All calls are one turn, in which no other thread selects another wavelet. Functions that do not
+// poll are as easily stopped as others.
+std::optional<Refusal> callManyInTurn(const Function& function, std::vector<Value>& arguments,
+                                      const std::vector<Varying>& varying, std::size_t count, double* out) {
+    const py::gil_scoped_release interpreter;
+    const auto turn = Host::lock();
+    for (std::size_t i = 0; i < count; ++i) {
+        checkSignals();
+        for (const Varying& argument : varying) {
+            arguments[argument.place] = argument.numbers[i];
+        }
+        Value answer = host().callRaw(function, arguments);
+        if (!answer.isScalar() || answer.scalar().imag() != 0.0) {
+            return Refusal{std::move(answer), i};
+        }
+        out[i] = answer.real();
+    }
+    return std::nullopt;
+}
+
+// What stands in `arguments` at the places of arrays does not matter.
+py::object callMany(const Function& function, const py::tuple& arguments, const py::tuple& names,
+                    const std::vector<std::size_t>& places, const std::vector<Numbers>& arrays) {
+    Lent lent;
+    std::vector<Value> values = valuesOf(function, arguments, names, lent);
+    std::vector<Varying> varying;
+    for (std::size_t i = 0; i < places.size(); ++i) {
+        varying.push_back({places.at(i), arrays.at(i).data()});
+    }
+    const py::ssize_t count = arrays.at(0).size();
+    py::array_t<double> results(count);
+    const auto refusal =
+        callManyInTurn(function, values, varying, static_cast<std::size_t>(count), results.mutable_data());
+    if (!refusal) {
+        return results;
+    }
+    if (!refusal->answer.isError()) {
+        throw py::type_error(std::string(function.name) + ": its result is not a real number");
+    }
+    return py::cast(ErrorValue{refusal->answer.message(), refusal->answer.argument(), refusal->element});
+}
+
 }  // namespace
 
 PYBIND11_MODULE(_host, module) {
@@ -92,13 +157,18 @@ PYBIND11_MODULE(_host, module) {
 
     py::class_<ErrorValue>(module, "ErrorValue", "The answer of a call that has failed.")
         .def_readonly("message", &ErrorValue::message)
-        .def_readonly("argument", &ErrorValue::argument);
+        .def_readonly("argument", &ErrorValue::argument)
+        .def_readonly("element", &ErrorValue::element);
 
     py::class_<Function>(module, "Function", "A row of a pack's table.")
         .def_property_readonly("name", [](const Function& function) { return std::string(function.name); })
         .def_readonly("arity", &Function::arity, "The number of arguments; None where it varies.")
         .def("call", &call, py::arg("arguments"), py::arg("names"),
-             "Calls the function; `names` are the arguments' names for messages, where there are any.");
+             "Calls the function; `names` are the arguments' names for messages, where there are any.")
+        .def("call_many", &callMany, py::arg("arguments"), py::arg("names"), py::arg("places"),
+             py::arg("arrays"),
+             "Calls the function for each element of equally long arrays, which are the arguments at "
+             "the places; answers the results, real numbers, as an array.");
 
     module.def(
         "load", [](const std::string& path) { return efihost::Pack(path).functions(); }, py::arg("path"),

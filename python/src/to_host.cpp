@@ -194,8 +194,8 @@ class Reader {
     Value adopt(py::ssize_t rows, py::ssize_t cols, Block re, Block im = nullptr) const {
         const auto [height, width] = sides(rows, cols);
         Value result = Value::adopt(height, width, re.get(), im.get());
-        re.release();
-        im.release();
+        static_cast<void>(re.release());
+        static_cast<void>(im.release());
         return result;
     }
 

@@ -58,7 +58,7 @@ py::array realNumbers(const Value& matrix, const Lent* lent) {
     if (lent != nullptr && !lent->contains(matrix.raw())) {
         auto held = std::make_unique<Value>(matrix);
         owner = py::capsule(held.get(), [](void* value) { delete static_cast<Value*>(value); });
-        held.release();
+        static_cast<void>(held.release());
     }
     return py::array_t<double>(shapeOf(matrix), stepsOf(matrix, wordSize, raw.stride), raw.re, owner);
 }

@@ -22,10 +22,18 @@ that is called back receives its arguments so and answers in the same kinds as a
 raises is raised by the call.
 
 A refused call raises `undula.Error`, which tells the function, the message and the argument.
+
+Many points at once
+-------------------
+`undula.evaluate` calls a function for each element of arrays, in C++:
+
+>>> undula.evaluate(undula.father, [-0.5, 0.0, 0.5], "haar").round(12)
+array([0., 1., 1.])
 """
 
 from undula import _functions, _host
 from undula._errors import ArithmeticFault, Error, OutOfMemoryError
+from undula._evaluate import evaluate
 
 for _kind in (Error, OutOfMemoryError, ArithmeticFault):
     _kind.__module__ = __name__  # the name under which users know it
@@ -35,4 +43,6 @@ __version__ = _host.__version__
 _loaded, _described = _functions.load_functions()
 globals().update(_loaded)
 
-__all__ = ["Error", "OutOfMemoryError", "ArithmeticFault", *_described]
+evaluate.__module__ = __name__
+
+__all__ = ["Error", "OutOfMemoryError", "ArithmeticFault", "evaluate", *_described]

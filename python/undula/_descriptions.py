@@ -43,6 +43,9 @@ class Description:
         """Names of the arguments of a call with `count` of them; empty when no form has that many."""
         return next((form for form in self.forms if len(form) == count), ())
 
+    def kind_of(self, name):
+        return next(argument.kind for argument in self.arguments if argument.name == name)
+
     def calls(self):
         """Every form as it is written in a call."""
         return [f"{self.name}({', '.join(form)})" for form in self.forms]

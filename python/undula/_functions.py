@@ -32,6 +32,7 @@ def _function(row, description):
 
     function.__name__ = function.__qualname__ = name
     function.__module__ = "undula"
+    function._row, function._description = row, description
     if description:
         function.__doc__ = description.docstring()
         function.__signature__ = description.signature()

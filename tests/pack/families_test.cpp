@@ -34,7 +34,6 @@ Numbers power(const Numbers& a, int exponent) {
     return result;
 }
 
-
 // The dual filter of the orders: ((1 + z) / 2)^n times the sum over k < (m + n) / 2 of
 // binomial(K - 1 + k, k) sin^(2k), where sin^2 is -(1 - z)^2 / (4 z). Every number is a binary
 // fraction that a double holds exactly.
@@ -99,7 +98,8 @@ class InfiniteSplineFilter {
 double reconstructionDefect(const Numbers& h) {
     double defect = 0.0;
     for (std::size_t shift = 0; shift < h.size(); shift += 2) {
-        const double common = std::inner_product(h.begin() + static_cast<std::ptrdiff_t>(shift), h.end(), h.begin(), 0.0);
+        const double common =
+            std::inner_product(h.begin() + static_cast<std::ptrdiff_t>(shift), h.end(), h.begin(), 0.0);
         defect += shift == 0 ? std::fabs(common - 1.0) : 2.0 * std::fabs(common);
     }
     return defect;
@@ -223,48 +223,59 @@ TEST_F(WaveletBasis, ListsSmoothPacketAndDetailsFromTheCoarsest) {
 
 TEST(SplineRobustness, SurvivesEveryTrouble) {
     expectRobust({.function = "Bspline", .arguments = [](int) { return std::vector<Value>{3, 9}; }});
-    expectRobust({.function = "bl", .arguments = [](int variant) { return std::vector<Value>{variant % 7}; }});
     expectRobust(
-        {.function = "wavebs", .arguments = [](int) { return std::vector<Value>{5, 1}; }, .polls = 5});
-    expectRobust(
-        {.function = "wavebs", .arguments = [](int) { return std::vector<Value>{5, 2}; }, .polls = 5});
+        {.function = "bl", .arguments = [](int variant) { return std::vector<Value>{variant % 7}; }});
+    expectRobust({.function = "wavebs",
+                  .arguments =
+                      [](int) {
+                          return std::vector<Value>{5, 1};
+                      },
+                  .polls = 5});
+    expectRobust({.function = "wavebs",
+                  .arguments =
+                      [](int) {
+                          return std::vector<Value>{5, 2};
+                      },
+                  .polls = 5});
 }
 
 // Where two arguments are wrong, the message shows which is looked at first.
-INSTANTIATE_TEST_SUITE_P(Splines, Errors, testing::ValuesIn(cases({
-    {"Bspline", {1, column({1})}, "non-scalar value", 2},
-    {"Bspline", {1.0 + 1i, 1.0 + 1i}, "must be real", 1},
-    {"Bspline", {-1, 1.0 + 1i}, "must be real", 2},
-    {"Bspline", {0, 1}, "must be positive integer", 1},
-    {"Bspline", {-0.5, -1}, "must be positive integer", 1},
-    {"Bspline", {1.5, 0}, "must be positive integer", 2},
-    {"Bspline", {1.5, 1.5}, "must be integer", 1},
-    {"Bspline", {4, 1.5}, "must be integer", 2},
-    {"Bspline", {4, 11}, "filter unimplemented", 1},
-    {"Bspline", {1, 11}, "filter unimplemented", 2},
-    {"Bspline", {std::nan(""), 1}, "must be integer", 1},
-    {"Bspline", {HUGE_VAL, 1}, "filter unimplemented", 1},
-    {"Bspline", {1, 2}, "filter unimplemented", 0},
-    {"Bspline", {2, 3}, "filter unimplemented", 0},
-    {"Bspline", {2, 10}, "filter unimplemented", 0},
-    {"Bspline", {3, 10}, "filter unimplemented", 0},
-    {"bl", {"3"}, "non-scalar value", 1},
-    {"bl", {1.5 + 1i}, "must be real", 1},
-    {"bl", {-1.5}, "must be integer", 1},
-    {"bl", {std::nan("")}, "must be integer", 1},
-    {"bl", {-1}, "invalid level", 1},
-    {"bl", {4294967296.0}, "invalid level", 1},
-    {"bl", {4294967295.0}, "filter unimplemented", 1},
-    {"bl", {7}, "filter unimplemented", 1},
-    {"wavebs", {1, "1"}, "non-scalar value", 2},
-    {"wavebs", {0.5 + 1i, 3.0 + 1i}, "must be real", 1},
-    {"wavebs", {0.5, 3.0 + 1i}, "must be real", 2},
-    {"wavebs", {2.5, 1}, "must be integer", 1},
-    {"wavebs", {-1, 1}, "invalid level", 1},
-    {"wavebs", {4294967296.0, 2}, "invalid level", 1},
-    {"wavebs", {-1.5, 3}, "invalid dimension", 2},
-    {"wavebs", {2, 1.5}, "invalid dimension", 2},
-    {"wavebs", {2, 0}, "invalid dimension", 2},
-    {"wavebs", {4294967295.0, 1}, "out of memory", 0},
-    {"wavebs", {4294967295.0, 2}, "out of memory", 0},
-})), nameOfError);
+INSTANTIATE_TEST_SUITE_P(Splines, Errors,
+                         testing::ValuesIn(cases({
+                             {"Bspline", {1, column({1})}, "non-scalar value", 2},
+                             {"Bspline", {1.0 + 1i, 1.0 + 1i}, "must be real", 1},
+                             {"Bspline", {-1, 1.0 + 1i}, "must be real", 2},
+                             {"Bspline", {0, 1}, "must be positive integer", 1},
+                             {"Bspline", {-0.5, -1}, "must be positive integer", 1},
+                             {"Bspline", {1.5, 0}, "must be positive integer", 2},
+                             {"Bspline", {1.5, 1.5}, "must be integer", 1},
+                             {"Bspline", {4, 1.5}, "must be integer", 2},
+                             {"Bspline", {4, 11}, "filter unimplemented", 1},
+                             {"Bspline", {1, 11}, "filter unimplemented", 2},
+                             {"Bspline", {std::nan(""), 1}, "must be integer", 1},
+                             {"Bspline", {HUGE_VAL, 1}, "filter unimplemented", 1},
+                             {"Bspline", {1, 2}, "filter unimplemented", 0},
+                             {"Bspline", {2, 3}, "filter unimplemented", 0},
+                             {"Bspline", {2, 10}, "filter unimplemented", 0},
+                             {"Bspline", {3, 10}, "filter unimplemented", 0},
+                             {"bl", {"3"}, "non-scalar value", 1},
+                             {"bl", {1.5 + 1i}, "must be real", 1},
+                             {"bl", {-1.5}, "must be integer", 1},
+                             {"bl", {std::nan("")}, "must be integer", 1},
+                             {"bl", {-1}, "invalid level", 1},
+                             {"bl", {4294967296.0}, "invalid level", 1},
+                             {"bl", {4294967295.0}, "filter unimplemented", 1},
+                             {"bl", {7}, "filter unimplemented", 1},
+                             {"wavebs", {1, "1"}, "non-scalar value", 2},
+                             {"wavebs", {0.5 + 1i, 3.0 + 1i}, "must be real", 1},
+                             {"wavebs", {0.5, 3.0 + 1i}, "must be real", 2},
+                             {"wavebs", {2.5, 1}, "must be integer", 1},
+                             {"wavebs", {-1, 1}, "invalid level", 1},
+                             {"wavebs", {4294967296.0, 2}, "invalid level", 1},
+                             {"wavebs", {-1.5, 3}, "invalid dimension", 2},
+                             {"wavebs", {2, 1.5}, "invalid dimension", 2},
+                             {"wavebs", {2, 0}, "invalid dimension", 2},
+                             {"wavebs", {4294967295.0, 1}, "out of memory", 0},
+                             {"wavebs", {4294967295.0, 2}, "out of memory", 0},
+                         })),
+                         nameOfError);

@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "frame/dispatch.h"
+#include "frame/floating_point.h"
 #include "frame/host_services.h"
 #include "frame/user_function.h"
 #include "support/failing_new.h"
@@ -11,17 +12,25 @@
 
 namespace {
 
-constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double inf = std::numeric_limits<double>::infinity();
 constexpr double largest = std::numeric_limits<double>::max();
 
 // Workers behind the pack's dispatcher. Each computes with its argument.
 using Worker = aComplex*(EfiCallContext*, aComplex*);
 
-aComplex* invert(EfiCallContext* context, aComplex* x) { return undula::newScalar(context, 1.0 / x->re); }
-aComplex* square(EfiCallContext* context, aComplex* x) { return undula::newScalar(context, x->re * x->re); }
-aComplex* cancel(EfiCallContext* context, aComplex* x) { return undula::newScalar(context, x->re - x->re); }
-aComplex* add(EfiCallContext* context, aComplex* x) { return undula::newScalar(context, 1.0 + x->re); }
+aComplex* invert(EfiCallContext* context, aComplex* x) {
+    return undula::newScalar(context, 1.0 / x->re);
+}
+aComplex* square(EfiCallContext* context, aComplex* x) {
+    return undula::newScalar(context, x->re * x->re);
+}
+aComplex* cancel(EfiCallContext* context, aComplex* x) {
+    return undula::newScalar(context, x->re - x->re);
+}
+aComplex* add(EfiCallContext* context, aComplex* x) {
+    return undula::newScalar(context, 1.0 + x->re);
+}
 aComplex* squareInvertAndCancel(EfiCallContext* context, aComplex* x) {
     const double infinite = 1.0 / (x->re - largest) + x->re * x->re;
     return undula::newScalar(context, infinite - infinite);
@@ -48,10 +57,22 @@ class FloatingPoint : public PackTest {
     }
 };
 
-// Services that raise all flags, or clear them, as somebody else's code may.
+// By arithmetic, as the C library may raise a flag where the pack does not look.
+void raiseFaults() {
+    volatile double zero = 0.0;
+    volatile double large = largest;
+    volatile double result = 1.0 / zero;
+    result = large * large;
+    result = result - result;
+}
+void clearFlags() {
+    std::feclearexcept(FE_ALL_EXCEPT);
+}
+
+// Services that raise flags, or clear them, as somebody else's code may.
 class CarelessHost : public TestHost {
  public:
-    explicit CarelessHost(int flags) : flags_(flags) {}
+    explicit CarelessHost(void (*leave)()) : leaveFlags(leave) {}
 
     aMatrix* makeMatrix(int rows, int cols, double* re, double* im, unsigned bytes) override {
         leaveFlags();
@@ -83,15 +104,12 @@ class CarelessHost : public TestHost {
     }
 
  private:
-    int flags_;
-
-    void leaveFlags() const {
-        std::feclearexcept(FE_ALL_EXCEPT);
-        std::feraiseexcept(flags_);
-    }
+    void (*leaveFlags)();
 };
 
-const Value haar() { return column({0.7071067811865475, 0.7071067811865475}); }
+Value haar() {
+    return column({0.7071067811865475, 0.7071067811865475});
+}
 
 }  // namespace
 
@@ -105,11 +123,11 @@ TEST_F(FloatingPoint, ReportsFaultsOfTheWorker) {
 }
 
 TEST_F(FloatingPoint, ReportsNothingElse) {
-    for (const double x : {nan, inf, -inf, 3.0, 1e-300, 5e-324}) {
+    for (const double x : {NaN, inf, -inf, 3.0, 1e-300, 5e-324}) {
         EXPECT_EQ(outcome(add, x), "no error") << x;
         EXPECT_EQ(outcome(square, x), "no error") << x;
     }
-    EXPECT_EQ(outcome(invert, nan), "no error");
+    EXPECT_EQ(outcome(invert, NaN), "no error");
     EXPECT_EQ(outcome(invert, inf), "no error");
 }
 
@@ -153,35 +171,36 @@ TEST_F(FloatingPoint, NamesThePlatformsExceptions) {
 }
 
 TEST_F(FloatingPoint, BlamesNobodyForFlagsOfTheHost) {
-    CarelessHost raising(FE_ALL_EXCEPT);
+    CarelessHost raising(raiseFaults);
     const Value image = Value::matrix(4, 4, noise(16));
     const Value expected = call("idwt", image, 1, haar());
     EXPECT_TRUE(same(raising.call(pack(), "idwt", image, 1, haar()), expected));
-    EXPECT_EQ(complaintOf(raising.callRaw(pack(), "dwt", {image, 1, haar(), 0.5})), "filter unimplemented (3)");
+    EXPECT_EQ(complaintOf(raising.callRaw(pack(), "dwt", {image, 1, haar(), 0.5})),
+              "filter unimplemented (3)");
 
     // Nor does a host that clears flags hide a fault.
-    CarelessHost clearing(0);
+    CarelessHost clearing(clearFlags);
     EXPECT_EQ(complaintOf(clearing.callRaw(pack(), "dwt", {column({inf, -inf, 1, 1}), 1, haar()})),
               "floating point error (0)");
 }
 
 TEST_F(FloatingPoint, BlamesNobodyForFlagsOfUserFunctions) {
     const Value careless = Value::function([](double x) {
-        std::feraiseexcept(FE_DIVBYZERO | FE_OVERFLOW | FE_INVALID);
+        raiseFaults();
         return x;
     });
     efihost::Call inProgress(host);
     EfiCallContext* context = inProgress.context();
     std::feclearexcept(FE_ALL_EXCEPT);
-    {
-        double_to_double_lambda function(context, static_cast<aLambda*>(careless.raw()));
-        EXPECT_EQ(function.evaluate(2.0), 2.0);
-        EXPECT_EQ(std::fetestexcept(FE_DIVBYZERO | FE_OVERFLOW | FE_INVALID), 0);
-    }
+    double_to_double_lambda function(context, static_cast<aLambda*>(careless.raw()));
+    EXPECT_EQ(function.evaluate(2.0), 2.0);
+    EXPECT_EQ(undula::pendingFault(), nullptr);
 }
 
 TEST_F(FloatingPoint, LeavesTheCallersState) {
-    for (const auto& [worker, x] : {std::pair(invert, 0.0), {square, largest}, {cancel, inf}, {add, 1.0}}) {
+    const std::pair<Worker*, double> computations[] = {
+        {invert, 0.0}, {square, largest}, {cancel, inf}, {add, 1.0}};
+    for (const auto& [worker, x] : computations) {
         const Value argument(x);
         efihost::Call inProgress(host);
         const UnusualCaller caller;
@@ -220,12 +239,12 @@ TEST_F(FloatingPoint, LetsInfinitiesAndNaNsThroughATransform) {
     EXPECT_EQ(once[0], inf);
     EXPECT_EQ(once[2], inf);
     EXPECT_TRUE(std::isfinite(once[1]) && std::isfinite(once[3]));
-    const Numbers image = numbers("dwt", Value::matrix(4, 2, Numbers{1, nan, 2, 3, 4, 5, 6, 7}), 1, haar());
+    const Numbers image = numbers("dwt", Value::matrix(4, 2, Numbers{1, NaN, 2, 3, 4, 5, 6, 7}), 1, haar());
     EXPECT_TRUE(std::isnan(image[0]));
     EXPECT_TRUE(std::isfinite(image[1]) && std::isfinite(image[3]) && std::isfinite(image[5]));
-    EXPECT_TRUE(std::isnan(numbers("idwt", column({nan, 1, 2, 3}), 1, haar())[1]));
+    EXPECT_TRUE(std::isnan(numbers("idwt", column({NaN, 1, 2, 3}), 1, haar())[1]));
     // No fault where the signal meets itself around the end, either.
-    EXPECT_EQ(complaint("dwt", column(Numbers(6, nan)), 1, call("coiflet", 30)), "no error");
+    EXPECT_EQ(complaint("dwt", column(Numbers(6, NaN)), 1, call("coiflet", 30)), "no error");
 
     for (const char* name : {"dwt", "idwt"}) {
         EXPECT_EQ(complaint(name, column({inf, -inf, inf, inf}), 1, haar()), "floating point error (0)");

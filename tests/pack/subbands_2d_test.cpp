@@ -29,7 +29,8 @@ std::vector<Segment> segments(int n, int level) {
     for (int index = 0; index < 1 << level; ++index) {
         const int gray = index ^ (index >> 1);
         int length = n;
-        for (int bit = level - 1; bit >= 0; --bit) length = (gray >> bit & 1) != 0 ? length / 2 : (length + 1) / 2;
+        for (int bit = level - 1; bit >= 0; --bit)
+            length = (gray >> bit & 1) != 0 ? length / 2 : (length + 1) / 2;
         all.push_back({start, length});
         start += length;
     }
@@ -49,8 +50,8 @@ Numbers block(const Value& matrix, const Segment& rows, const Segment& cols) {
 class Blocks : public PackTest {
  protected:
     void expectGetsAndPuts(const Value& matrix, int level, int i, int j, Segment rows, Segment cols) {
-        SCOPED_TRACE(testing::Message() << matrix.rows() << " x " << matrix.cols() << " block " << level << ", "
-                                        << i << ", " << j);
+        SCOPED_TRACE(testing::Message() << matrix.rows() << " x " << matrix.cols() << " block " << level
+                                        << ", " << i << ", " << j);
         const Value got = call("get_subband2d", matrix, level, i, j);
         ASSERT_EQ(Shape(got.rows(), got.cols()), Shape(rows.length, cols.length));
         EXPECT_EQ(got.reals(), block(matrix, rows, cols));
@@ -195,50 +196,55 @@ std::vector<ErrorCase> aboutBlocks(const std::string& function, const std::vecto
 
 }  // namespace
 
-INSTANTIATE_TEST_SUITE_P(GottenBlocks, Errors, testing::ValuesIn(aboutBlocks("get_subband2d", {})), nameOfError);
-INSTANTIATE_TEST_SUITE_P(PutBlocks, Errors, testing::ValuesIn(aboutBlocks("put_subband2d", {fitting})), nameOfError);
+INSTANTIATE_TEST_SUITE_P(GottenBlocks, Errors, testing::ValuesIn(aboutBlocks("get_subband2d", {})),
+                         nameOfError);
+INSTANTIATE_TEST_SUITE_P(PutBlocks, Errors, testing::ValuesIn(aboutBlocks("put_subband2d", {fitting})),
+                         nameOfError);
 
 // Where two arguments are wrong, the message shows which is looked at first.
-INSTANTIATE_TEST_SUITE_P(NamedBlocks, Errors, testing::ValuesIn(cases({
-    {"put_subband2d", {six, 1, 0, 0, 1}, "must be array", 5},
-    {"put_subband2d", {six, 0.5, 0, 0.5 + 1i, complexBlock}, "must be real", 4},
-    {"put_subband2d", {six, 0.5, 0, 0, complexBlock}, "must be real array", 5},
-    {"put_subband2d", {six, 1, 0, 2, numbered(1, 1)}, "invalid packet index", 4},
-    {"put_subband2d", {six, 1, 0, 0, numbered(3, 2)}, "invalid subband dimensions", 5},
-    {"put_subband2d", {six, 1, 0, 0, numbered(9, 1)}, "invalid subband dimensions", 5},
-    {"get_smooth2d", {1, 1}, "must be array", 1},
-    {"get_smooth2d", {six, "1"}, "non-scalar value", 2},
-    {"get_smooth2d", {complexBlock, 1i}, "must be real array", 1},
-    {"get_smooth2d", {six, 0.5 + 1i}, "must be real", 2},
-    {"get_smooth2d", {six, 0.5}, "must be integer", 2},
-    {"get_smooth2d", {six, 3}, "invalid level", 2},
-    {"get_detail2d", {six, 1, 1}, "must be string", 3},
-    {"get_detail2d", {complexBlock, 1i, "h"}, "must be real array", 1},
-    {"get_detail2d", {six, 0.5 + 1i, "h"}, "must be real", 2},
-    {"get_detail2d", {six, 0.5, "h"}, "invalid 2d wavelet string", 3},
-    {"get_detail2d", {six, 0.5, "HV"}, "invalid 2d wavelet string", 3},
-    {"get_detail2d", {six, 0.5, ""}, "invalid 2d wavelet string", 3},
-    {"get_detail2d", {six, 0.5, "S"}, "invalid 2d wavelet string", 3},
-    {"get_detail2d", {six, 0.5, "H"}, "must be integer", 2},
-    {"get_detail2d", {six, 3, "H"}, "invalid level", 2},
-    {"get_detail2d", {six, 0, "H"}, "invalid packet index", 0},
-    {"get_detail2d", {six, 0, "V"}, "invalid packet index", 0},
-    {"get_detail2d", {six, 0, "D"}, "invalid packet index", 0},
-    {"put_smooth2d", {six, 1, 1}, "must be array", 3},
-    {"put_smooth2d", {complexBlock, 1i, complexBlock}, "must be real array", 1},
-    {"put_smooth2d", {six, 0.5 + 1i, complexBlock}, "must be real", 2},
-    {"put_smooth2d", {six, 0.5, complexBlock}, "must be real array", 3},
-    {"put_smooth2d", {six, 0.5, six}, "must be integer", 2},
-    {"put_smooth2d", {six, 3, six}, "invalid level", 2},
-    {"put_smooth2d", {six, 1, six}, "invalid subband dimensions", 3},
-    {"put_detail2d", {six, 1, 1, "H"}, "must be array", 3},
-    {"put_detail2d", {six, 1, fitting, 1}, "must be string", 4},
-    {"put_detail2d", {complexBlock, 1i, complexBlock, "HV"}, "must be real array", 1},
-    {"put_detail2d", {six, 0.5 + 1i, complexBlock, "HV"}, "must be real", 2},
-    {"put_detail2d", {six, 0.5, complexBlock, "HV"}, "invalid 2d wavelet string", 4},
-    {"put_detail2d", {six, 0.5, complexBlock, "h"}, "must be real array", 3},
-    {"put_detail2d", {six, 0.5, six, "h"}, "invalid 2d wavelet string", 4},
-    {"put_detail2d", {six, 0.5, six, "H"}, "must be integer", 2},
-    {"put_detail2d", {six, 0, six, "D"}, "invalid packet index", 0},
-    {"put_detail2d", {six, 1, six, "D"}, "invalid subband dimensions", 3},
-})), nameOfError);
+INSTANTIATE_TEST_SUITE_P(
+    NamedBlocks, Errors,
+    testing::ValuesIn(cases({
+        {"put_subband2d", {six, 1, 0, 0, 1}, "must be array", 5},
+        {"put_subband2d", {six, 0.5, 0, 0.5 + 1i, complexBlock}, "must be real", 4},
+        {"put_subband2d", {six, 0.5, 0, 0, complexBlock}, "must be real array", 5},
+        {"put_subband2d", {six, 1, 0, 2, numbered(1, 1)}, "invalid packet index", 4},
+        {"put_subband2d", {six, 1, 0, 0, numbered(3, 2)}, "invalid subband dimensions", 5},
+        {"put_subband2d", {six, 1, 0, 0, numbered(9, 1)}, "invalid subband dimensions", 5},
+        {"get_smooth2d", {1, 1}, "must be array", 1},
+        {"get_smooth2d", {six, "1"}, "non-scalar value", 2},
+        {"get_smooth2d", {complexBlock, 1i}, "must be real array", 1},
+        {"get_smooth2d", {six, 0.5 + 1i}, "must be real", 2},
+        {"get_smooth2d", {six, 0.5}, "must be integer", 2},
+        {"get_smooth2d", {six, 3}, "invalid level", 2},
+        {"get_detail2d", {six, 1, 1}, "must be string", 3},
+        {"get_detail2d", {complexBlock, 1i, "h"}, "must be real array", 1},
+        {"get_detail2d", {six, 0.5 + 1i, "h"}, "must be real", 2},
+        {"get_detail2d", {six, 0.5, "h"}, "invalid 2d wavelet string", 3},
+        {"get_detail2d", {six, 0.5, "HV"}, "invalid 2d wavelet string", 3},
+        {"get_detail2d", {six, 0.5, ""}, "invalid 2d wavelet string", 3},
+        {"get_detail2d", {six, 0.5, "S"}, "invalid 2d wavelet string", 3},
+        {"get_detail2d", {six, 0.5, "H"}, "must be integer", 2},
+        {"get_detail2d", {six, 3, "H"}, "invalid level", 2},
+        {"get_detail2d", {six, 0, "H"}, "invalid packet index", 0},
+        {"get_detail2d", {six, 0, "V"}, "invalid packet index", 0},
+        {"get_detail2d", {six, 0, "D"}, "invalid packet index", 0},
+        {"put_smooth2d", {six, 1, 1}, "must be array", 3},
+        {"put_smooth2d", {complexBlock, 1i, complexBlock}, "must be real array", 1},
+        {"put_smooth2d", {six, 0.5 + 1i, complexBlock}, "must be real", 2},
+        {"put_smooth2d", {six, 0.5, complexBlock}, "must be real array", 3},
+        {"put_smooth2d", {six, 0.5, six}, "must be integer", 2},
+        {"put_smooth2d", {six, 3, six}, "invalid level", 2},
+        {"put_smooth2d", {six, 1, six}, "invalid subband dimensions", 3},
+        {"put_detail2d", {six, 1, 1, "H"}, "must be array", 3},
+        {"put_detail2d", {six, 1, fitting, 1}, "must be string", 4},
+        {"put_detail2d", {complexBlock, 1i, complexBlock, "HV"}, "must be real array", 1},
+        {"put_detail2d", {six, 0.5 + 1i, complexBlock, "HV"}, "must be real", 2},
+        {"put_detail2d", {six, 0.5, complexBlock, "HV"}, "invalid 2d wavelet string", 4},
+        {"put_detail2d", {six, 0.5, complexBlock, "h"}, "must be real array", 3},
+        {"put_detail2d", {six, 0.5, six, "h"}, "invalid 2d wavelet string", 4},
+        {"put_detail2d", {six, 0.5, six, "H"}, "must be integer", 2},
+        {"put_detail2d", {six, 0, six, "D"}, "invalid packet index", 0},
+        {"put_detail2d", {six, 1, six, "D"}, "invalid subband dimensions", 3},
+    })),
+    nameOfError);

@@ -6,18 +6,30 @@
 
 namespace {
 
-constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double inf = std::numeric_limits<double>::infinity();
 constexpr double twoTo32 = 4294967296.0;
 constexpr double twoTo53 = 9007199254740992.0;
 constexpr std::complex<double> complexNumber = {2.0, 1.0};
 
-Value signal(std::size_t n) { return column(noise(n)); }
-Value image(int rows, int cols) { return Value::matrix(rows, cols, noise(static_cast<std::size_t>(rows * cols))); }
-Value complexColumn() { return Value::column(Numbers{1, 2, 3, 4}, Numbers{0, 0, 0, 1}); }
-Value nestedColumn() { return Value::table({1, column({1, 2}), 3, 4}); }
-Value haar() { return column({0.7071067811865475, 0.7071067811865475}); }
-Value pairOfFilters() { return Value::matrix(3, 2, Numbers{0.5, 0.5, 0.0, 0.25, 0.5, 0.25}); }
+Value signal(std::size_t n) {
+    return column(noise(n));
+}
+Value image(int rows, int cols) {
+    return Value::matrix(rows, cols, noise(static_cast<std::size_t>(rows * cols)));
+}
+Value complexColumn() {
+    return Value::column(Numbers{1, 2, 3, 4}, Numbers{0, 0, 0, 1});
+}
+Value nestedColumn() {
+    return Value::table({1, column({1, 2}), 3, 4});
+}
+Value haar() {
+    return column({0.7071067811865475, 0.7071067811865475});
+}
+Value pairOfFilters() {
+    return Value::matrix(3, 2, Numbers{0.5, 0.5, 0.0, 0.25, 0.5, 0.25});
+}
 
 void addFilterCases(std::vector<ErrorCase>& table) {
     struct Length {
@@ -25,22 +37,14 @@ void addFilterCases(std::vector<ErrorCase>& table) {
         const char* message;
     };
     const std::vector<Length> lengths = {
-        {complexNumber, "must be real"},
-        {3.5, "must be even integer"},
-        {-3.5, "must be even integer"},
-        {nan, "must be even integer"},
-        {0, "must be positive integer"},
-        {-2, "must be positive integer"},
-        {-3, "must be positive integer"},
-        {-inf, "must be positive integer"},
-        {inf, "filter unimplemented"},
-        {twoTo32, "filter unimplemented"},
-        {twoTo32 + 1, "filter unimplemented"},
-        {twoTo53, "filter unimplemented"},
-        {1e300, "filter unimplemented"},
-        {4294967295.0, "must be even integer"},
-        {4294967294.0, "filter unimplemented"},
-        {7, "must be even integer"},
+        {complexNumber, "must be real"},        {3.5, "must be even integer"},
+        {-3.5, "must be even integer"},         {NaN, "must be even integer"},
+        {0, "must be positive integer"},        {-2, "must be positive integer"},
+        {-3, "must be positive integer"},       {-inf, "must be positive integer"},
+        {inf, "filter unimplemented"},          {twoTo32, "filter unimplemented"},
+        {twoTo32 + 1, "filter unimplemented"},  {twoTo53, "filter unimplemented"},
+        {1e300, "filter unimplemented"},        {4294967295.0, "must be even integer"},
+        {4294967294.0, "filter unimplemented"}, {7, "must be even integer"},
         {32, "filter unimplemented"},
     };
     for (const char* family : {"daublet", "symmlet", "coiflet"}) {
@@ -61,15 +65,24 @@ struct Level {
 };
 std::vector<Level> wrongLevels() {
     return {
-        {complexNumber, "must be real"}, {std::complex(-1.0, nan), "must be real"},
-        {-1, "invalid level"},           {-0.5, "invalid level"},
-        {nan, "invalid level"},          {inf, "invalid level"},
-        {-inf, "invalid level"},         {twoTo32, "invalid level"},
-        {twoTo32 + 0.5, "invalid level"}, {twoTo53, "invalid level"},
-        {2.5, "must be integer"},        {4294967294.5, "must be integer"},
-        {1e-300, "must be integer"},     {4, "invalid level"},
-        {31, "invalid level"},           {32, "invalid level"},
-        {63, "invalid level"},           {64, "invalid level"},
+        {complexNumber, "must be real"},
+        {std::complex(-1.0, NaN), "must be real"},
+        {-1, "invalid level"},
+        {-0.5, "invalid level"},
+        {NaN, "invalid level"},
+        {inf, "invalid level"},
+        {-inf, "invalid level"},
+        {twoTo32, "invalid level"},
+        {twoTo32 + 0.5, "invalid level"},
+        {twoTo53, "invalid level"},
+        {2.5, "must be integer"},
+        {4294967294.5, "must be integer"},
+        {1e-300, "must be integer"},
+        {4, "invalid level"},
+        {31, "invalid level"},
+        {32, "invalid level"},
+        {63, "invalid level"},
+        {64, "invalid level"},
         {4294967295.0, "invalid level"},
     };
 }
@@ -101,7 +114,7 @@ void addWaveletCases(std::vector<ErrorCase>& table, const char* name) {
     refuses(Value::matrix(2, 2, Numbers{0.5, 0.5, 0.0, 0.0}));
     refuses(Value::matrix(2, 2, Numbers{0.0, 0.0, 0.5, 0.5}));
     refuses(Value::adopt(3, 2, nullptr));
-    refuses(column({0.5, nan}));
+    refuses(column({0.5, NaN}));
     refuses(column({inf, 0.5}));
     refuses(Value::matrix(2, 2, Numbers{0.5, 0.5, 0.5, -inf}));
     refuses(column(Numbers(101, 0.01)));
@@ -112,7 +125,7 @@ void addWaveletCases(std::vector<ErrorCase>& table, const char* name) {
         add({wrong, -1, filter, offsets, offsets.isMatrix() && offsets.cols() == 2 ? row({0, 0}) : Value(0)},
             "filter unimplemented", 3);
     };
-    for (const double offset : {0.5, -0.5, nan, inf, -inf, 16777217.0, -16777217.0, twoTo32, 1e300}) {
+    for (const double offset : {0.5, -0.5, NaN, inf, -inf, 16777217.0, -16777217.0, twoTo32, 1e300}) {
         refusesOffsets(haar(), offset);
         refusesOffsets(pairOfFilters(), row({offset, 0}));
         refusesOffsets(pairOfFilters(), row({0, offset}));
@@ -125,7 +138,7 @@ void addWaveletCases(std::vector<ErrorCase>& table, const char* name) {
     refusesOffsets(pairOfFilters(), Value::matrix(2, 2, Numbers(4)));
     refusesOffsets(pairOfFilters(), Value::matrix(0, 2, Numbers{}));
 
-    for (const double flip : {0.5, 2.0, -1.0, nan, inf, -inf, 1.0 + 1e-15, twoTo32}) {
+    for (const double flip : {0.5, 2.0, -1.0, NaN, inf, -inf, 1.0 + 1e-15, twoTo32}) {
         add({wrong, -1, haar(), 0, flip}, "filter unimplemented", 3);
         add({wrong, -1, pairOfFilters(), row({0, 0}), row({flip, 0})}, "filter unimplemented", 3);
         add({wrong, -1, pairOfFilters(), row({0, 0}), row({0, flip})}, "filter unimplemented", 3);
@@ -133,7 +146,8 @@ void addWaveletCases(std::vector<ErrorCase>& table, const char* name) {
     add({wrong, -1, haar(), 0, row({0, 0})}, "filter unimplemented", 3);
     add({wrong, -1, haar(), 0, column({})}, "filter unimplemented", 3);
     add({wrong, -1, pairOfFilters(), row({0, 0}), 0}, "filter unimplemented", 3);
-    add({wrong, -1, pairOfFilters(), row({0, 0}), Value::matrix(2, 2, Numbers(4))}, "filter unimplemented", 3);
+    add({wrong, -1, pairOfFilters(), row({0, 0}), Value::matrix(2, 2, Numbers(4))}, "filter unimplemented",
+        3);
 }
 
 void addTransformCases(std::vector<ErrorCase>& table, const char* name) {
@@ -141,7 +155,8 @@ void addTransformCases(std::vector<ErrorCase>& table, const char* name) {
         table.push_back({name, std::move(arguments), message, index});
     };
     addWaveletCases(table, name);
-    for (const Value& unreal : {complexColumn(), nestedColumn(), Value::matrix(1, 2, Numbers{1, 2}, Numbers{0, nan})}) {
+    for (const Value& unreal :
+         {complexColumn(), nestedColumn(), Value::matrix(1, 2, Numbers{1, 2}, Numbers{0, NaN})}) {
         add({unreal, 0, haar()}, "must be real array", 1);
         add({unreal, complexNumber, haar(), 0, 0}, "must be real array", 1);
     }
@@ -172,17 +187,17 @@ std::vector<ErrorCase> transformErrors() {
 // Levels and indices as the accessors that read check them, on a vector of 8.
 std::vector<Level> wrongWholeLevels() {
     return {
-        {2.5, "must be integer"},      {-0.5, "must be integer"},     {nan, "must be integer"},
-        {-1, "invalid level"},         {inf, "invalid level"},        {-inf, "invalid level"},
-        {twoTo32, "invalid level"},    {twoTo53, "invalid level"},    {4, "invalid level"},
-        {4294967295.0, "invalid level"}, {32, "invalid level"},       {64, "invalid level"},
+        {2.5, "must be integer"},        {-0.5, "must be integer"},  {NaN, "must be integer"},
+        {-1, "invalid level"},           {inf, "invalid level"},     {-inf, "invalid level"},
+        {twoTo32, "invalid level"},      {twoTo53, "invalid level"}, {4, "invalid level"},
+        {4294967295.0, "invalid level"}, {32, "invalid level"},      {64, "invalid level"},
     };
 }
 
 std::vector<Level> wrongTruncatedLevels() {
     return {
-        {-0.5, "invalid level"},    {nan, "invalid level"},        {-1, "invalid level"},
-        {inf, "invalid level"},     {-inf, "invalid level"},       {twoTo32, "invalid level"},
+        {-0.5, "invalid level"},         {NaN, "invalid level"},     {-1, "invalid level"},
+        {inf, "invalid level"},          {-inf, "invalid level"},    {twoTo32, "invalid level"},
         {4294967295.5, "invalid level"}, {twoTo53, "invalid level"}, {4, "invalid level"},
         {64.5, "invalid level"},
     };
@@ -215,7 +230,7 @@ std::vector<ErrorCase> subbandErrors() {
     add("get_subband", {v, -1, 0.5}, "invalid level", 2);
     add("get_subband", {v, 9, 600}, "invalid level", 2);
     for (const auto& [level, message] : wrongWholeLevels()) add("get_subband", {v, level, 0}, message, 2);
-    for (const double index : {0.5, -0.5, nan}) add("get_subband", {v, 1, index}, "must be integer", 3);
+    for (const double index : {0.5, -0.5, NaN}) add("get_subband", {v, 1, index}, "must be integer", 3);
     for (const double index : {-1.0, 2.0, inf, -inf, twoTo32, 4294967295.0, twoTo53}) {
         add("get_subband", {v, 1, index}, "invalid packet index", 3);
         add("put_subband", {v, 1, index, half}, "invalid packet index", 3);
@@ -230,8 +245,9 @@ std::vector<ErrorCase> subbandErrors() {
     add("put_subband", {v, 9, -1, half}, "invalid packet index", 3);
     add("put_subband", {v, 9, 600, half}, "invalid level", 2);
     add("put_subband", {v, 1, 2, v}, "invalid packet index", 3);
-    for (const auto& [level, message] : wrongTruncatedLevels()) add("put_subband", {v, level, 0, half}, message, 2);
-    for (const double index : {-0.5, nan, 2.5}) {
+    for (const auto& [level, message] : wrongTruncatedLevels())
+        add("put_subband", {v, level, 0, half}, message, 2);
+    for (const double index : {-0.5, NaN, 2.5}) {
         add("put_subband", {v, 1, index, half}, "invalid packet index", 3);
     }
     for (const std::size_t wrong : {0u, 3u, 5u, 8u}) {
@@ -254,11 +270,11 @@ std::vector<ErrorCase> subbandErrors() {
 
     add("create_level", {complexNumber, complexNumber}, "must be real", 1);
     add("create_level", {-1, complexNumber}, "must be real", 2);
-    for (const double dimension : {0.0, 3.0, 1.5, nan, inf, -1.0, twoTo32}) {
-        add("create_level", {nan, dimension}, "invalid dimension", 2);
+    for (const double dimension : {0.0, 3.0, 1.5, NaN, inf, -1.0, twoTo32}) {
+        add("create_level", {NaN, dimension}, "invalid dimension", 2);
     }
     for (const int dimension : {1, 2}) {
-        for (const double level : {0.5, -0.5, nan}) {
+        for (const double level : {0.5, -0.5, NaN}) {
             add("create_level", {level, dimension}, "must be integer", 1);
         }
         for (const double level : {-1.0, inf, -inf, twoTo32, twoTo53}) {

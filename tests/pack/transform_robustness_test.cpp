@@ -4,8 +4,12 @@
 namespace {
 
 // Filters of the user's that the pack does not know yet.
-Value freshFilter(int variant) { return column({0.5, 0.5 + 1e-3 * variant, 0.25}); }
-Value freshPair(int variant) { return Value::matrix(3, 2, Numbers{0.5, 0.5, 0.5, 0.25, 0.5 + 1e-3 * variant, 0.25}); }
+Value freshFilter(int variant) {
+    return column({0.5, 0.5 + 1e-3 * variant, 0.25});
+}
+Value freshPair(int variant) {
+    return Value::matrix(3, 2, Numbers{0.5, 0.5, 0.5, 0.25, 0.5 + 1e-3 * variant, 0.25});
+}
 
 constexpr const char* refused = "filter unimplemented (3)";
 
@@ -20,10 +24,26 @@ TEST(Robustness, OfFilters) {
 TEST(Robustness, OfTransformsOfSignals) {
     for (const char* name : {"dwt", "idwt"}) {
         const Value signal = column(noise(16));
-        expectRobust({name, [=](int variant) { return std::vector<Value>{signal, 3, freshFilter(variant)}; }, 3, refused});
-        expectRobust({name, [=](int variant) { return std::vector<Value>{signal, 2, freshPair(variant), row({1, 0})}; }, 2, refused});
-        expectRobust({name, [=](int variant) { return std::vector<Value>{signal, 1, freshFilter(variant), -1, 1}; }, 1, refused});
-        expectRobust({name, [=](int variant) { return std::vector<Value>{signal, 0, freshFilter(variant), -1}; }, 0, refused});
+        expectRobust({name,
+                      [=](int variant) {
+                          return std::vector<Value>{signal, 3, freshFilter(variant)};
+                      },
+                      3, refused});
+        expectRobust({name,
+                      [=](int variant) {
+                          return std::vector<Value>{signal, 2, freshPair(variant), row({1, 0})};
+                      },
+                      2, refused});
+        expectRobust({name,
+                      [=](int variant) {
+                          return std::vector<Value>{signal, 1, freshFilter(variant), -1, 1};
+                      },
+                      1, refused});
+        expectRobust({name,
+                      [=](int variant) {
+                          return std::vector<Value>{signal, 0, freshFilter(variant), -1};
+                      },
+                      0, refused});
     }
 }
 

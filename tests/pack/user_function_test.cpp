@@ -10,7 +10,8 @@ namespace {
 class UserFunction : public PackTest {
  protected:
     std::unique_ptr<double_to_double_lambda> root(const Value& function) {
-        return std::make_unique<double_to_double_lambda>(inProgress.context(), static_cast<aLambda*>(function.raw()));
+        return std::make_unique<double_to_double_lambda>(inProgress.context(),
+                                                         static_cast<aLambda*>(function.raw()));
     }
 
     efihost::Call inProgress{host};
@@ -41,7 +42,8 @@ TEST_F(UserFunction, IsEvaluatedAndRooted) {
 
 TEST_F(UserFunction, FailsWithoutARealNumber) {
     Value answer;
-    const Value echo = Value::function([&answer](const std::vector<Value>&) { return answer; }, TagFunctionAlt);
+    const Value echo =
+        Value::function([&answer](const std::vector<Value>&) { return answer; }, TagFunctionAlt);
     auto function = root(echo);
     struct Case {
         Value answer;

@@ -4,7 +4,9 @@
 #include <cctype>
 #include <ostream>
 
-void PrintTo(const ErrorCase& error, std::ostream* out) { *out << error.function << ": " << error.message; }
+void PrintTo(const ErrorCase& error, std::ostream* out) {
+    *out << error.function << ": " << error.message;
+}
 
 std::vector<ErrorCase> cases(std::vector<ErrorCase> table) {
     int number = 0;
@@ -14,9 +16,10 @@ std::vector<ErrorCase> cases(std::vector<ErrorCase> table) {
 
 std::string nameOfError(const testing::TestParamInfo<ErrorCase>& info) {
     const ErrorCase& error = info.param;
-    std::string name = error.function + "_" + error.message + "_at_" + std::to_string(error.index) + "_case_" +
-                       std::to_string(error.number);
-    std::ranges::replace_if(name, [](unsigned char c) { return !std::isalnum(c); }, '_');
+    std::string name = error.function + "_" + error.message + "_at_" + std::to_string(error.index) +
+                       "_case_" + std::to_string(error.number);
+    std::ranges::replace_if(
+        name, [](unsigned char c) { return !std::isalnum(c); }, '_');
     return name;
 }
 

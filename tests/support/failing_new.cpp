@@ -12,15 +12,18 @@
 namespace {
 
 std::atomic<long> live{0};
+std::atomic<long> requested{0};
 thread_local long countdown = 0;  // 0: nothing to fail
 
 void* allocate(std::size_t bytes) noexcept {
+    requested += static_cast<long>(bytes);
     void* memory = std::malloc(bytes == 0 ? 1 : bytes);
     if (memory) ++live;
     return memory;
 }
 
 void* allocate(std::size_t bytes, std::align_val_t alignment) noexcept {
+    requested += static_cast<long>(bytes);
     const auto unit = static_cast<std::size_t>(alignment);
     void* memory = std::aligned_alloc(unit, (bytes + unit - 1) / unit * unit);
     if (memory) ++live;
@@ -67,6 +70,10 @@ bool FailingNew::happened() const {
 
 long liveAllocations() {
     return live;
+}
+
+long allocatedBytes() {
+    return requested;
 }
 
 void* operator new(std::size_t bytes) {

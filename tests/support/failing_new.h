@@ -17,3 +17,6 @@ class FailingNew {
 
 // Memory from any operator new that has not been given back.
 long liveAllocations();
+
+// What has been asked of any operator new so far, in bytes.
+long allocatedBytes();

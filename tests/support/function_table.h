@@ -19,7 +19,8 @@ struct DocumentedFunction {
 inline const std::vector<DocumentedFunction>& documentedFunctions() {
     static const std::vector<std::string_view> transform = {"MSM", "MSMM", "MSMMM"};
     static const std::vector<std::string_view> evaluation = {"SSSS", "SSSSM", "SSSSMM", "SSSSMMM"};
-    static const std::vector<std::string_view> evaluation2d = {"SSSSSSS", "SSSSSSSM", "SSSSSSSMM", "SSSSSSSMMM"};
+    static const std::vector<std::string_view> evaluation2d = {"SSSSSSS", "SSSSSSSM", "SSSSSSSMM",
+                                                               "SSSSSSSMMM"};
     static const std::vector<DocumentedFunction> functions = {
         {"daublet", {"S"}, {}},
         {"symmlet", {"S"}, {}},

@@ -33,7 +33,8 @@ Value strided(int rows, int cols, const Numbers& values) {
 namespace {
 
 bool sameBits(const Numbers& a, const Numbers& b) {
-    return a.size() == b.size() && (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(double)) == 0);
+    return a.size() == b.size() &&
+           (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(double)) == 0);
 }
 
 bool sameCells(const Value& a, const Value& b) {
@@ -61,5 +62,6 @@ bool same(const Value& a, const Value& b) {
 
 void expectNear(const Numbers& actual, const Numbers& expected, double tolerance) {
     ASSERT_EQ(actual.size(), expected.size());
-    for (std::size_t i = 0; i < actual.size(); ++i) EXPECT_NEAR(actual[i], expected[i], tolerance) << "at " << i;
+    for (std::size_t i = 0; i < actual.size(); ++i)
+        EXPECT_NEAR(actual[i], expected[i], tolerance) << "at " << i;
 }

@@ -49,8 +49,12 @@ class PackTest : public testing::Test {
     }
 };
 
-inline Value column(const Numbers& values) { return Value::column(values); }
-inline Value row(const Numbers& values) { return Value::matrix(1, static_cast<int>(values.size()), values); }
+inline Value column(const Numbers& values) {
+    return Value::column(values);
+}
+inline Value row(const Numbers& values) {
+    return Value::matrix(1, static_cast<int>(values.size()), values);
+}
 
 // Numbers in [-1, 1] that show no pattern, different for each seed.
 Numbers noise(std::size_t count, unsigned seed = 1);

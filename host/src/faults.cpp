@@ -1,0 +1,114 @@
+#include "faults.h"
+
+#if defined(_WIN32)
+
+#include <windows.h>
+
+#include <atomic>
+
+#include "efi/faults.h"
+
+// Written in assembly for what it tells the unwinder: that it was entered by a fault. Its return
+// address is the faulting instruction itself, where a call's would be the one after it. What the
+// x87 unit holds at a fault is lost; its control word stays.
+asm(R"(
+    .text
+_efihostEnterFault:
+    .cfi_startproc
+    .cfi_signal_frame
+    subl $4, %esp
+    .cfi_adjust_cfa_offset 4
+    fnstcw (%esp)
+    fninit
+    fldcw (%esp)
+    call _efihostThrowFault
+    .cfi_endproc
+)");
+
+extern "C" void efihostEnterFault();
+
+namespace {
+
+std::atomic<DWORD> callingThread{0};  // 0: no call is in progress
+DWORD faultCode = 0;                  // of the last fault of that thread
+
+// What an instruction can be at fault for. Not among them: the debugger's breakpoints and steps, and
+// the end of the stack, where there is no room to throw.
+bool isFault(DWORD code) {
+    switch (code) {
+        case EXCEPTION_FLT_DENORMAL_OPERAND:
+        case EXCEPTION_FLT_DIVIDE_BY_ZERO:
+        case EXCEPTION_FLT_INEXACT_RESULT:
+        case EXCEPTION_FLT_INVALID_OPERATION:
+        case EXCEPTION_FLT_OVERFLOW:
+        case EXCEPTION_FLT_STACK_CHECK:
+        case EXCEPTION_FLT_UNDERFLOW:
+        case EXCEPTION_INT_DIVIDE_BY_ZERO:
+        case EXCEPTION_INT_OVERFLOW:
+        case EXCEPTION_ARRAY_BOUNDS_EXCEEDED:
+        case EXCEPTION_ACCESS_VIOLATION:
+        case EXCEPTION_IN_PAGE_ERROR:
+        case EXCEPTION_DATATYPE_MISALIGNMENT:
+        case EXCEPTION_ILLEGAL_INSTRUCTION:
+        case EXCEPTION_PRIV_INSTRUCTION:
+            return true;
+        default:
+            return false;
+    }
+}
+
+// Has the thread go on in efihostEnterFault, as if the faulting instruction had called that.
+void divert(CONTEXT& context) {
+    context.Esp -= sizeof(DWORD);
+    *reinterpret_cast<DWORD*>(context.Esp) = context.Eip;
+    context.Eip = reinterpret_cast<DWORD>(&efihostEnterFault);
+}
+
+LONG CALLBACK translate(EXCEPTION_POINTERS* exception) {
+    const EXCEPTION_RECORD& record = *exception->ExceptionRecord;
+    if (GetCurrentThreadId() != callingThread || !isFault(record.ExceptionCode)) {
+        return EXCEPTION_CONTINUE_SEARCH;
+    }
+    faultCode = record.ExceptionCode;
+    divert(*exception->ContextRecord);
+    return EXCEPTION_CONTINUE_EXECUTION;
+}
+
+// Installed for as long as the library is loaded.
+struct Translator {
+    Translator() : handle(AddVectoredExceptionHandler(1, &translate)) {}
+    ~Translator() { RemoveVectoredExceptionHandler(handle); }
+    Translator(const Translator&) = delete;
+    Translator& operator=(const Translator&) = delete;
+
+    void* handle;
+};
+
+const Translator translator;
+
+}  // namespace
+
+extern "C" [[noreturn, gnu::used]] void efihostThrowFault() {
+    throw SE_FPE_Exception(0, faultCode);
+}
+
+namespace efihost {
+
+FaultTranslation::FaultTranslation() : outer_(callingThread.exchange(GetCurrentThreadId())) {}
+
+FaultTranslation::~FaultTranslation() {
+    callingThread = outer_;
+}
+
+}  // namespace efihost
+
+#else
+
+namespace efihost {
+
+FaultTranslation::FaultTranslation() = default;
+FaultTranslation::~FaultTranslation() = default;
+
+}  // namespace efihost
+
+#endif

@@ -1,0 +1,90 @@
+// Prints results of the pack to the last bit, one a line, to be compared between platforms: what
+// was called, then the numbers in hexadecimal.
+#include <cstdio>
+#include <string>
+
+#include "efihost/host.h"
+
+namespace {
+
+using efihost::Value;
+using Numbers = std::vector<double>;
+
+// The same on every platform: quotients of small integers by a power of two are exact.
+Numbers samples(int count) {
+    Numbers values;
+    std::uint32_t state = 12345;
+    for (int i = 0; i < count; ++i) {
+        state = state * 1664525u + 1013904223u;
+        values.push_back((static_cast<double>(state >> 12) - 524288.0) / 524288.0);
+    }
+    return values;
+}
+
+class Printer {
+ public:
+    explicit Printer(const efihost::Pack& pack) : pack_(pack) {}
+
+    Value call(const char* name, const std::vector<Value>& arguments) { return host_.call(pack_, name, arguments); }
+
+    void print(const std::string& title, const char* name, const std::vector<Value>& arguments) {
+        const Value result = call(name, arguments);
+        std::printf("%s:", title.c_str());
+        const Numbers numbers = result.isMatrix() ? result.reals() : Numbers{result.real()};
+        for (const double number : numbers) std::printf(" %a", number);
+        std::printf("\n");
+    }
+
+ private:
+    const efihost::Pack& pack_;
+    efihost::Host host_;
+};
+
+struct NamedFilter {
+    const char* family;
+    int length;
+};
+
+void printTransforms(Printer& printer) {
+    constexpr NamedFilter filters[] = {{"daublet", 4}, {"daublet", 20}, {"symmlet", 8}, {"coiflet", 30}, {"bl", 3}};
+    const Value signal = Value::column(samples(1024));
+    const Value image = Value::matrix(64, 64, samples(4096));
+    for (const auto& [family, length] : filters) {
+        const Value filter = printer.call(family, {length});
+        const std::string title = std::string(family) + std::to_string(length);
+        for (const char* transform : {"dwt", "wpt"}) {
+            printer.print(transform + (" " + title), transform, {signal, 5, filter});
+            printer.print(transform + (" 2d " + title), transform, {image, 3, filter});
+        }
+    }
+    for (const int length : {4, 8}) {
+        const Value filter = printer.call("daublet", {length});
+        printer.print("dwti daublet" + std::to_string(length), "dwti", {signal, 4, filter});
+        printer.print("dwti 2d daublet" + std::to_string(length), "dwti", {image, 2, filter});
+    }
+    const Value spline = printer.call("Bspline", {2, 4});
+    printer.print("dwt Bspline24", "dwt", {signal, 5, spline});
+    printer.print("wpt Bspline24", "wpt", {signal, 5, spline});
+    for (const int level : {0, 1, 4, 6}) {
+        printer.print("cpt level " + std::to_string(level), "cpt", {signal, level});
+    }
+}
+
+void printFathers(Printer& printer) {
+    for (const char* name : {"d4", "d20", "s8", "c30", "bl3", "haar"}) {
+        for (const double x : {0.5, 1.0, 1.3125, 2.7, 3.0}) {
+            printer.print(std::string("father ") + name + " at " + std::to_string(x), "father", {x, name});
+            printer.print(std::string("father dilated ") + name + " at " + std::to_string(x), "father",
+                          {x, 2, 1, name});
+        }
+    }
+}
+
+}  // namespace
+
+int main() {
+    const efihost::Pack pack(UNDULA_PACK_PATH);
+    Printer printer(pack);
+    printTransforms(printer);
+    printFathers(printer);
+}

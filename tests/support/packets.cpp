@@ -1,0 +1,117 @@
+#include "support/packets.h"
+
+#include <algorithm>
+#include <random>
+
+namespace {
+
+// The packet itself, or its children and what they become.
+std::vector<Tiling> tilingsBelow(int dimensions, const TestPacket& packet, int depth) {
+    std::vector<Tiling> all = {{packet}};
+    if (packet.level == depth) return all;
+    std::vector<Tiling> split = {{}};
+    for (int child = 0; child < 2 * dimensions; ++child) {
+        const int row = 2 * packet.row + (dimensions == 1 ? child : child / 2);
+        const int col = dimensions == 1 ? 0 : 2 * packet.col + child % 2;
+        std::vector<Tiling> longer;
+        for (const Tiling& below : tilingsBelow(dimensions, {packet.level + 1, row, col}, depth)) {
+            for (Tiling tiling : split) {
+                tiling.insert(tiling.end(), below.begin(), below.end());
+                longer.push_back(std::move(tiling));
+            }
+        }
+        split = std::move(longer);
+    }
+    all.insert(all.end(), split.begin(), split.end());
+    return all;
+}
+
+}  // namespace
+
+std::vector<Tiling> allTilings(int dimensions, int depth) {
+    return tilingsBelow(dimensions, {0, 0, 0}, depth);
+}
+
+Tiling randomTiling(int dimensions, int depth, unsigned seed) {
+    std::mt19937 random(seed);
+    Tiling done;
+    Tiling open = {{0, 0, 0}};
+    bool reached = false;  // the first path goes all the way down
+    while (!open.empty()) {
+        const TestPacket packet = open.back();
+        open.pop_back();
+        const bool stops = packet.level == depth || (reached && random() % 3 == 0);
+        reached = reached || packet.level == depth;
+        if (stops) {
+            done.push_back(packet);
+            continue;
+        }
+        for (int row = 0; row < 2; ++row) {
+            for (int col = 0; col < dimensions; ++col) {
+                open.push_back({packet.level + 1, 2 * packet.row + row, 2 * packet.col + col});
+            }
+        }
+    }
+    std::shuffle(done.begin(), done.end(), random);
+    return done;
+}
+
+Tiling wholeLevel(int dimensions, int level) {
+    Tiling packets;
+    for (int row = 0; row < 1 << level; ++row) {
+        for (int col = 0; col < (dimensions == 1 ? 1 : 1 << level); ++col)
+            packets.push_back({level, row, col});
+    }
+    return packets;
+}
+
+Value basisOf(int dimensions, const Tiling& tiling) {
+    std::vector<Numbers> rows;
+    for (const auto& [level, row, col] : tiling) {
+        rows.push_back({double(level), double(row)});
+        if (dimensions == 2) rows.back().push_back(col);
+    }
+    return basisRows(rows);
+}
+
+Value basisRows(const std::vector<Numbers>& rows) {
+    const std::size_t cols = rows.front().size();
+    Numbers values;
+    for (std::size_t c = 0; c < cols; ++c) {
+        for (const Numbers& each : rows) values.push_back(each[c]);
+    }
+    return Value::matrix(static_cast<int>(rows.size()), static_cast<int>(cols), values);
+}
+
+Span spanOf(int n, int level, int position) {
+    if (level == 0) return {0, n};
+    const int parent = position / 2;
+    const Span whole = spanOf(n, level - 1, parent);
+    const int low = (whole.length + 1) / 2;
+    const int first = parent % 2 == 0 ? low : whole.length - low;
+    return position % 2 == 0 ? Span{whole.start, first} : Span{whole.start + first, whole.length - first};
+}
+
+Place placeOf(int rows, int cols, const TestPacket& packet) {
+    return {spanOf(rows, packet.level, packet.row),
+            cols == 1 ? Span{0, 1} : spanOf(cols, packet.level, packet.col)};
+}
+
+Grid Grid::part(const Place& place) const {
+    Grid result = {place.rows.length, place.cols.length, {}};
+    for (int c = 0; c < result.cols; ++c) {
+        for (int r = 0; r < result.rows; ++r)
+            result.values.push_back(at(place.rows.start + r, place.cols.start + c));
+    }
+    return result;
+}
+
+void Grid::put(const Place& place, const Grid& part) {
+    for (int c = 0; c < part.cols; ++c) {
+        for (int r = 0; r < part.rows; ++r) at(place.rows.start + r, place.cols.start + c) = part.at(r, c);
+    }
+}
+
+Grid noisyGrid(int rows, int cols, unsigned seed) {
+    return {rows, cols, noise(static_cast<std::size_t>(rows * cols), seed)};
+}

@@ -1,0 +1,60 @@
+// Packets, tilings and their places, worked out in the plainest way.
+#pragma once
+
+#include <vector>
+
+#include "support/pack.h"
+
+struct TestPacket {
+    int level;
+    int row;
+    int col = 0;
+};
+
+using Tiling = std::vector<TestPacket>;
+
+// All sets of packets that tile a signal (1 dimension) or an image (2), down to a level.
+std::vector<Tiling> allTilings(int dimensions, int depth);
+
+// Some tiling that reaches the level.
+Tiling randomTiling(int dimensions, int depth, unsigned seed);
+
+// All packets of a level, row by row.
+Tiling wholeLevel(int dimensions, int level);
+
+// A row for each packet, in the order given.
+Value basisOf(int dimensions, const Tiling& tiling);
+Value basisRows(const std::vector<Numbers>& rows);
+
+struct Span {
+    int start;
+    int length;
+};
+
+// Which of n coefficients a packet of a signal holds.
+Span spanOf(int n, int level, int position);
+
+// Of data with one column, all of it counts as one column position.
+struct Place {
+    Span rows;
+    Span cols;
+};
+Place placeOf(int rows, int cols, const TestPacket& packet);
+
+// A matrix in a test's own hands.
+struct Grid {
+    int rows;
+    int cols;
+    Numbers values;  // by columns
+
+    static Grid of(const Value& matrix) { return {matrix.rows(), matrix.cols(), matrix.reals()}; }
+    Value value() const { return Value::matrix(rows, cols, values); }
+    double& at(int row, int col) { return values[static_cast<std::size_t>(col * rows + row)]; }
+    double at(int row, int col) const { return values[static_cast<std::size_t>(col * rows + row)]; }
+
+    Grid part(const Place& place) const;
+    void put(const Place& place, const Grid& part);
+    int dimensions() const { return cols == 1 ? 1 : 2; }
+};
+
+Grid noisyGrid(int rows, int cols, unsigned seed = 1);

@@ -1,0 +1,332 @@
+// Faults of the processor, and the control word of the x87 unit, around and within a call.
+#include <windows.h>
+
+#include <cmath>
+#include <limits>
+#include <thread>
+
+#include "efi/faults.h"
+#include "frame/dispatch.h"
+#include "frame/host_services.h"
+#include "support/pack.h"
+
+namespace {
+
+using ControlWord = unsigned short;
+
+constexpr ControlWord ofThePack = 0x372;
+constexpr double largest = std::numeric_limits<double>::max();
+
+ControlWord controlWord() {
+    ControlWord word = 0;
+    asm volatile("fnstcw %0" : "=m"(word));
+    return word;
+}
+
+void setControlWord(ControlWord word) { asm volatile("fldcw %0" : : "m"(word)); }
+
+// A caller who rounds up to 53 bits, or who lets a division by zero trap and cuts digits off.
+constexpr ControlWord unusualWords[] = {0xA7F, 0xC7B};
+
+class UnusualWord {
+ public:
+    explicit UnusualWord(ControlWord word) : usual_(controlWord()) { setControlWord(word); }
+    ~UnusualWord() { setControlWord(usual_); }
+    UnusualWord(const UnusualWord&) = delete;
+    UnusualWord& operator=(const UnusualWord&) = delete;
+
+ private:
+    ControlWord usual_;
+};
+
+using Worker = aComplex*(EfiCallContext*, aComplex*);
+
+ControlWord seen = 0;
+
+aComplex* look(EfiCallContext* context, aComplex* x) {
+    seen = controlWord();
+    return undula::newScalar(context, x->re);
+}
+
+class Faults : public PackTest {
+ protected:
+    // "message (index)" of what the pack's frame makes of a worker.
+    std::string outcome(Worker* worker, double x = 0.0) {
+        const Value argument(x);
+        efihost::Call call(host);
+        return complaintOf(call.finish(dispatch(worker, call, argument)));
+    }
+    static Anyval* dispatch(Worker* worker, efihost::Call& call, const Value& argument) {
+        using undula::form::S;
+        return undula::dispatch<S(S)>(worker, call.context(), argument.raw());
+    }
+    // The same of a user function that is called back from deep within a worker of the pack.
+    std::string outcomeOfUser(efihost::RealCallback function) {
+        return complaint("lct", column(noise(16)), 2, Value::function(std::move(function)));
+    }
+};
+
+}  // namespace
+
+TEST_F(Faults, TheWorkerRunsUnderThePacksControlWord) {
+    for (const ControlWord word : unusualWords) {
+        const Value one(1.0);
+        efihost::Call call(host);
+        const UnusualWord unusual(word);
+        dispatch(look, call, one);
+        const ControlWord after = controlWord();
+        EXPECT_EQ(seen, ofThePack);
+        EXPECT_EQ(after, word);
+    }
+}
+
+TEST_F(Faults, SoDoesAUserFunction) {
+    for (const ControlWord word : unusualWords) {
+        const UnusualWord unusual(word);
+        seen = 0;
+        const std::string answer = outcomeOfUser([](double x) {
+            seen = controlWord();
+            return x;
+        });
+        EXPECT_EQ(controlWord(), word);
+        EXPECT_EQ(seen, ofThePack);
+        EXPECT_EQ(answer, "no error");
+    }
+}
+
+TEST_F(Faults, TheCallersWordComesBackHoweverACallEnds) {
+    const std::vector<Value> calls[] = {
+        {column({1, 2, 3, 4}), 1, column({0.5, 0.5})},
+        {column({1, 2, 3}), 9, column({0.5, 0.5})},
+        {column(Numbers(4, largest)), 1, column({1.0, 1.0})},
+        {Value::ofTag(TagUnsupported), 1, 1},
+        {1},
+    };
+    for (const ControlWord word : unusualWords) {
+        const UnusualWord unusual(word);
+        for (const auto& arguments : calls) {
+            host.callRaw(pack(), "dwt", arguments);
+            EXPECT_EQ(controlWord(), word);
+        }
+        host.throwAt(1, messageText("stop"));
+        host.callRaw(pack(), "dwt", calls[0]);
+        EXPECT_EQ(controlWord(), word);
+        host.throwAt(1, foreigner());
+        EXPECT_THROW(host.callRaw(pack(), "dwt", calls[0]), Foreigner);
+        EXPECT_EQ(controlWord(), word);
+        host.clear();
+    }
+}
+
+// What the caller has pending is forgotten, and nothing is pending afterwards.
+TEST_F(Faults, OfTheCallerAreNoneOfThePacks) {
+    const Value one(1.0);
+    efihost::Call call(host);
+    const UnusualWord unusual(ofThePack);
+    volatile double zero = 0.0;
+    double quotient = 1.0;
+    asm volatile("fdivl %1" : "+t"(quotient) : "m"(zero));
+    Anyval* result = dispatch(look, call, one);
+    unsigned short status = 0;
+    asm volatile("fnstsw %0" : "=m"(status));
+    EXPECT_EQ(status & 0xFF, 0);
+    EXPECT_EQ(complaintOf(call.finish(result)), "no error");
+}
+
+namespace {
+
+// Where in a function an instruction is at fault tells how much of its frame the unwinder must
+// know. The objects on the stack must all be destroyed.
+
+int destroyed = 0;
+
+struct Counted {
+    ~Counted() { ++destroyed; }
+};
+
+[[gnu::noinline]] double quotient(double x, double y) { return x / y; }
+
+aComplex* divideAtOnce(EfiCallContext* context, aComplex* x) {
+    const Counted counted;
+    return undula::newScalar(context, 1.0 / x->re);
+}
+
+aComplex* divideDeepDown(EfiCallContext* context, aComplex* x) {
+    const Counted outer;
+    double sum = 0.0;
+    for (int i = 3; i >= 0; --i) {
+        const Counted inner;
+        sum += quotient(i + 1.0, i + x->re);
+    }
+    return undula::newScalar(context, sum);
+}
+
+// The first instruction of the protected region, right after the stack has been moved.
+aComplex* divideFirst(EfiCallContext* context, aComplex* x) {
+    asm volatile("fld1\n fdivl %0\n fstp %%st(0)" : : "m"(x->re));
+    try {
+        asm volatile("fwait");
+    } catch (const SE_FPE_Exception& fault) {
+        return undula::newScalar(context, fault.exceptionCode == 0xC000008E ? 1.0 : 2.0);
+    }
+    return undula::newScalar(context, 3.0);
+}
+
+aComplex* leavePending(EfiCallContext* context, aComplex* x) {
+    aComplex* result = undula::newScalar(context, 1.0);
+    asm volatile("fld1\n fdivl %0\n fstp %%st(0)" : : "m"(x->re));
+    return result;
+}
+
+// The fault is pending when a service of the host's, and a user function, are called.
+aComplex* divideThenCall(EfiCallContext* context, aComplex* x) {
+    asm volatile("fld1\n fdivl %0\n fstp %%st(0)" : : "m"(x->re));
+    undula::interrupted(context);
+    return undula::newScalar(context, 1.0);
+}
+
+// All eight registers are full at the fault.
+aComplex* divideWithAFullStack(EfiCallContext* context, aComplex* x) {
+    asm volatile("fld1\n fld1\n fld1\n fld1\n fld1\n fld1\n fld1\n fld1\n fdivl %0\n fwait" : : "m"(x->re));
+    return undula::newScalar(context, 1.0);
+}
+
+aComplex* logarithm(EfiCallContext* context, aComplex* x) {
+    const Counted counted;
+    return undula::newScalar(context, std::log(x->re));
+}
+aComplex* exponential(EfiCallContext* context, aComplex* x) {
+    const Counted counted;
+    return undula::newScalar(context, std::exp(x->re));
+}
+aComplex* squareRoot(EfiCallContext* context, aComplex* x) {
+    const Counted counted;
+    return undula::newScalar(context, std::sqrt(x->re));
+}
+aComplex* power(EfiCallContext* context, aComplex* x) {
+    const Counted counted;
+    return undula::newScalar(context, std::pow(x->re, 10.0));
+}
+aComplex* sine(EfiCallContext* context, aComplex* x) {
+    const Counted counted;
+    return undula::newScalar(context, std::sin(x->re));
+}
+
+aComplex* divideIntegers(EfiCallContext* context, aComplex* x) {
+    const Counted counted;
+    volatile int zero = static_cast<int>(x->re);
+    return undula::newScalar(context, 7 / zero);
+}
+
+aComplex* readNowhere(EfiCallContext* context, aComplex* x) {
+    const Counted counted;
+    const volatile double* volatile nowhere = reinterpret_cast<const double*>(static_cast<int>(x->re) + 16);
+    return undula::newScalar(context, *nowhere);
+}
+
+aComplex* underflow(EfiCallContext* context, aComplex* x) {
+    volatile double tiny = 5e-324;
+    volatile double less = tiny * x->re;
+    return undula::newScalar(context, less + tiny / 3.0 + 1.0 / 3.0);
+}
+
+}  // namespace
+
+TEST_F(Faults, AreThrownWhereTheyHappen) {
+    destroyed = 0;
+    EXPECT_EQ(outcome(divideAtOnce), "singularity (0)");
+    EXPECT_EQ(destroyed, 1);
+    EXPECT_EQ(outcome(divideDeepDown), "singularity (0)");
+    EXPECT_EQ(destroyed, 6);
+    EXPECT_EQ(outcome(divideWithAFullStack), "singularity (0)");
+    const Value zero(0.0);
+    EXPECT_EQ(host.heldInterfaces(), 0);
+    efihost::Call call(host);
+    EXPECT_EQ(call.finish(dispatch(divideFirst, call, zero)).real(), 1.0);
+}
+
+TEST_F(Faults, StillPendingAtTheEndAreRaised) {
+    EXPECT_EQ(outcome(leavePending), "singularity (0)");
+    EXPECT_EQ(outcome(leavePending, 1.0), "no error");
+}
+
+// A host, or a user function, that uses the unit does not meet the pack's fault.
+TEST_F(Faults, WaitWhileTheHostIsAtWork) {
+    int asked = 0;
+    host.setInterrupt([&] {
+        volatile double one = 1.0;
+        one = one / 3.0;
+        ++asked;
+        return false;
+    });
+    EXPECT_EQ(outcome(divideThenCall), "singularity (0)");
+    EXPECT_EQ(asked, 1);
+    EXPECT_EQ(outcome(divideThenCall, 1.0), "no error");
+}
+
+TEST_F(Faults, OfTheMathematicsLibraryAreThrownAsWell) {
+    destroyed = 0;
+    EXPECT_EQ(outcome(logarithm, 0.0), "singularity (0)");
+    EXPECT_EQ(outcome(exponential, 1e5), "overflow (0)");
+    EXPECT_EQ(outcome(squareRoot, -1.0), "floating point error (0)");
+    EXPECT_EQ(outcome(power, 1e300), "overflow (0)");
+    EXPECT_EQ(outcome(sine, std::numeric_limits<double>::infinity()), "floating point error (0)");
+    EXPECT_EQ(destroyed, 5);
+}
+
+TEST_F(Faults, OfOtherKindsHaveTheirCodes) {
+    destroyed = 0;
+    EXPECT_EQ(outcome(divideIntegers), "EXCEPTION_INT_DIVIDE_BY_ZERO (0)");
+    EXPECT_EQ(outcome(readNowhere), "EXCEPTION_ACCESS_VIOLATION (0)");
+    EXPECT_EQ(destroyed, 2);
+}
+
+TEST_F(Faults, DoNotIncludeUnderflow) { EXPECT_EQ(outcome(underflow, 0.25), "no error"); }
+
+TEST_F(Faults, OfUserFunctionsAreThrown) {
+    volatile double zero = 0.0;
+    EXPECT_EQ(outcomeOfUser([&](double) { return 1.0 / zero; }), "singularity (0)");
+    EXPECT_EQ(outcomeOfUser([&](double) { return zero / zero; }), "floating point error (0)");
+    EXPECT_EQ(outcomeOfUser([&](double) { return largest * (2.0 + zero); }), "overflow (0)");
+    // Thrown, so that the function itself may catch it.
+    EXPECT_EQ(outcomeOfUser([&](double x) {
+        try {
+            volatile double quotient = 1.0 / zero;
+            return quotient + x;
+        } catch (const SE_FPE_Exception&) {
+            return x;
+        }
+    }),
+              "no error");
+}
+
+namespace {
+
+int handled = 0;
+
+LONG CALLBACK countAndSkip(EXCEPTION_POINTERS* exception) {
+    if (exception->ExceptionRecord->ExceptionCode != EXCEPTION_ILLEGAL_INSTRUCTION) return EXCEPTION_CONTINUE_SEARCH;
+    ++handled;
+    exception->ContextRecord->Eip += 2;  // ud2
+    return EXCEPTION_CONTINUE_EXECUTION;
+}
+
+aComplex* makeAnotherThreadFault(EfiCallContext* context, aComplex* x) {
+    std::thread([] { asm volatile("ud2"); }).join();
+    return undula::newScalar(context, x->re);
+}
+
+}  // namespace
+
+// Outside a call, and on other threads, faults go to whom they belong.
+TEST_F(Faults, OfOthersAreLeftAlone) {
+    void* handler = AddVectoredExceptionHandler(0, &countAndSkip);
+    handled = 0;
+    asm volatile("ud2");
+    EXPECT_EQ(handled, 1);
+    EXPECT_EQ(outcome(makeAnotherThreadFault), "no error");
+    EXPECT_EQ(handled, 2);
+    asm volatile("ud2");
+    EXPECT_EQ(handled, 3);
+    RemoveVectoredExceptionHandler(handler);
+}
