@@ -17,6 +17,8 @@ if(WIN32)
   target_compile_options(undula_options INTERFACE
     # The control word governs the x87 unit alone, so all arithmetic is done there.
     -mno-sse -mfpmath=387
+    # The library's root of a negative number is no fault; the unit's is.
+    -fno-math-errno
     # Any instruction may throw: a fault of the processor does, through a handler of the host's.
     -fnon-call-exceptions)
   # What one library throws another catches, so that they need one run-time library among them.

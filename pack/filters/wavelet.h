@@ -27,12 +27,13 @@ class Wavelet {
     virtual std::int32_t synthesisHighLength() const = 0;
     virtual const double* analysisCascade() const = 0;
     virtual const double* synthesisCascade() const = 0;
-    virtual EdgeRows leftEdgeLow() const = 0;
-    virtual EdgeRows leftEdgeHigh() const = 0;
-    virtual EdgeRows rightEdgeLow() const = 0;
-    virtual EdgeRows rightEdgeHigh() const = 0;
-    virtual EdgeRows edgeAuxA() const = 0;
-    virtual EdgeRows edgeAuxB() const = 0;
+    // Boundary filters of the interval: none, unless a family has its own.
+    virtual EdgeRows leftEdgeLow() const { return nullptr; }
+    virtual EdgeRows leftEdgeHigh() const { return nullptr; }
+    virtual EdgeRows rightEdgeLow() const { return nullptr; }
+    virtual EdgeRows rightEdgeHigh() const { return nullptr; }
+    virtual EdgeRows edgeAuxA() const { return nullptr; }
+    virtual EdgeRows edgeAuxB() const { return nullptr; }
     virtual std::int32_t analysisHighFlipped() const = 0;
     virtual std::int32_t synthesisHighFlipped() const = 0;
     virtual std::int32_t isSymmetric() const = 0;
@@ -64,12 +65,6 @@ class OrthonormalWavelet : public Wavelet {
     std::int32_t synthesisHighLength() const override { return L; }
     const double* analysisCascade() const override { return cascade; }
     const double* synthesisCascade() const override { return cascade; }
-    EdgeRows leftEdgeLow() const override { return nullptr; }
-    EdgeRows leftEdgeHigh() const override { return nullptr; }
-    EdgeRows rightEdgeLow() const override { return nullptr; }
-    EdgeRows rightEdgeHigh() const override { return nullptr; }
-    EdgeRows edgeAuxA() const override { return nullptr; }
-    EdgeRows edgeAuxB() const override { return nullptr; }
     std::int32_t analysisHighFlipped() const override { return 0; }
     std::int32_t synthesisHighFlipped() const override { return analysisHighFlipped(); }
     std::int32_t isSymmetric() const override { return 0; }
@@ -188,12 +183,6 @@ class BiorthogonalWavelet : public Wavelet {
     std::int32_t synthesisHighLength() const override { return La; }
     const double* analysisCascade() const override { return cascadeA; }
     const double* synthesisCascade() const override { return cascadeS; }
-    EdgeRows leftEdgeLow() const override { return nullptr; }
-    EdgeRows leftEdgeHigh() const override { return nullptr; }
-    EdgeRows rightEdgeLow() const override { return nullptr; }
-    EdgeRows rightEdgeHigh() const override { return nullptr; }
-    EdgeRows edgeAuxA() const override { return nullptr; }
-    EdgeRows edgeAuxB() const override { return nullptr; }
     std::int32_t kind() const override { return 2; }
 
  protected:

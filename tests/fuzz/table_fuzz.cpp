@@ -56,7 +56,8 @@ class Session {
         const auto& functions = documentedFunctions();
         const auto& function = functions[pick(functions.size())];
         std::vector<Value> arguments;
-        for (const char letter : function.forms[pick(function.forms.size())]) arguments.push_back(argument(letter));
+        for (const char letter : function.forms[pick(function.forms.size())])
+            arguments.push_back(argument(letter));
         patience_ = data_.ConsumeBool() ? 10000 : static_cast<int>(pick(20));
         try {
             const Value result = host_.callRaw(pack(), function.name, arguments);
@@ -101,9 +102,20 @@ class Session {
 
     double number() {
         static constexpr double limit = std::numeric_limits<double>::infinity();
-        static constexpr std::array remarkable = {
-            std::numeric_limits<double>::quiet_NaN(), limit, -limit, -1.0, -0.5, 0.5, 1e-300, 1e300,
-            2147483647.0, 2147483648.0, 4294967295.0, 4294967296.0, 9007199254740992.0, 1e19};
+        static constexpr std::array remarkable = {std::numeric_limits<double>::quiet_NaN(),
+                                                  limit,
+                                                  -limit,
+                                                  -1.0,
+                                                  -0.5,
+                                                  0.5,
+                                                  1e-300,
+                                                  1e300,
+                                                  2147483647.0,
+                                                  2147483648.0,
+                                                  4294967295.0,
+                                                  4294967296.0,
+                                                  9007199254740992.0,
+                                                  1e19};
         if (pick(8) == 0) return remarkable[pick(remarkable.size())];
         return static_cast<double>(pick(12));
     }
@@ -112,7 +124,8 @@ class Session {
     Value earlier(int cols) {
         const std::size_t kind = pick(8);
         if (kind < 3 && !results_.empty()) return results_[pick(results_.size())];
-        if (kind == 3) return host_.callRaw(pack(), "daublet", {Value(2.0 * static_cast<double>(1 + pick(4)))});
+        if (kind == 3)
+            return host_.callRaw(pack(), "daublet", {Value(2.0 * static_cast<double>(1 + pick(4)))});
         if (kind == 4) return host_.callRaw(pack(), "Bspline", {Value(2), Value(4)});
         if (kind == 5) return Value::table({block(8, 1), block(8, 1), block(8, 1)});
         return block(sizes[pick(sizes.size())], cols);

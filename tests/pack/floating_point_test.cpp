@@ -16,7 +16,8 @@ constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double inf = std::numeric_limits<double>::infinity();
 constexpr double largest = std::numeric_limits<double>::max();
 
-// Workers behind the pack's dispatcher. Each computes with its argument.
+// Workers behind the pack's dispatcher. Each computes with its argument. A product that is kept is
+// volatile, since a unit of more range than double overflows when it stores.
 using Worker = aComplex*(EfiCallContext*, aComplex*);
 
 aComplex* invert(EfiCallContext* context, aComplex* x) {
@@ -32,15 +33,16 @@ aComplex* add(EfiCallContext* context, aComplex* x) {
     return undula::newScalar(context, 1.0 + x->re);
 }
 aComplex* squareInvertAndCancel(EfiCallContext* context, aComplex* x) {
-    const double infinite = 1.0 / (x->re - largest) + x->re * x->re;
+    const volatile double infinite = 1.0 / (x->re - largest) + x->re * x->re;
     return undula::newScalar(context, infinite - infinite);
 }
 aComplex* squareAndCancel(EfiCallContext* context, aComplex* x) {
-    const double infinite = x->re * x->re;
+    const volatile double infinite = x->re * x->re;
     return undula::newScalar(context, infinite - infinite);
 }
 aComplex* squareAndComplain(EfiCallContext* context, aComplex* x) {
-    if (!std::isinf(x->re * x->re)) return undula::fail(context, {"no overflow", 1});
+    const volatile double infinite = x->re * x->re;
+    if (!std::isinf(infinite)) return undula::fail(context, {"no overflow", 1});
     return undula::fail(context, {"mine", 1});
 }
 
@@ -207,6 +209,7 @@ TEST_F(FloatingPoint, LeavesTheCallersState) {
         dispatch(worker, inProgress, argument);
         EXPECT_TRUE(caller.undisturbed());
 
+#if !defined(_WIN32)
         // Not even FE_INEXACT comes through.
         std::feclearexcept(FE_ALL_EXCEPT);
         std::feraiseexcept(FE_DIVBYZERO);
@@ -215,6 +218,7 @@ TEST_F(FloatingPoint, LeavesTheCallersState) {
         std::feclearexcept(FE_ALL_EXCEPT);
         dispatch(worker, inProgress, argument);
         EXPECT_EQ(std::fetestexcept(FE_ALL_EXCEPT), 0);
+#endif
     }
 }
 

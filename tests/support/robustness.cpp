@@ -9,6 +9,34 @@
 #include <xmmintrin.h>
 #endif
 
+#if defined(_WIN32)
+
+namespace {
+
+// Rounds up, to 53 bits.
+constexpr unsigned unusualWord = 0xA7F;
+
+unsigned controlWord() {
+    unsigned short word = 0;
+    asm volatile("fnstcw %0" : "=m"(word));
+    return word;
+}
+
+void setControlWord(unsigned wanted) {
+    const auto word = static_cast<unsigned short>(wanted);
+    asm volatile("fldcw %0" : : "m"(word));
+}
+
+}  // namespace
+
+UnusualCaller::UnusualCaller() : state_(controlWord()) { setControlWord(unusualWord); }
+
+UnusualCaller::~UnusualCaller() { setControlWord(state_); }
+
+bool UnusualCaller::undisturbed() const { return controlWord() == unusualWord; }
+
+#else
+
 namespace {
 
 // The host's own work may raise FE_INEXACT, so that is raised from the start.
@@ -37,7 +65,7 @@ UnusualCaller::UnusualCaller() {
     volatile double third = 3.0;
     third = 1.0 / third;  // inexact for the vector unit, too
     flushDenormals();
-    vectorState_ = vectorState();
+    state_ = vectorState();
 }
 
 UnusualCaller::~UnusualCaller() {
@@ -46,8 +74,10 @@ UnusualCaller::~UnusualCaller() {
 
 bool UnusualCaller::undisturbed() const {
     return std::fegetround() == FE_UPWARD && std::fetestexcept(FE_ALL_EXCEPT) == raised &&
-           vectorState() == vectorState_;
+           vectorState() == state_;
 }
+
+#endif
 
 namespace {
 

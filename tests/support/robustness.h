@@ -24,7 +24,8 @@ struct RobustCall {
 void expectRobust(const RobustCall& call);
 
 // The floating-point state of a caller who likes it unusual: rounds upward, flushes denormals to
-// zero, has some flags raised. Put back to normal at the end.
+// zero, has some flags raised. Put back to normal at the end. On Windows, where a call gives back
+// the x87 unit's control word and no more, that word.
 class UnusualCaller {
  public:
     UnusualCaller();
@@ -36,5 +37,5 @@ class UnusualCaller {
     bool undisturbed() const;
 
  private:
-    unsigned vectorState_;
+    unsigned state_;
 };
