@@ -27,6 +27,10 @@ _efihostEnterFault:
 
 extern "C" void efihostEnterFault();
 
+// Of the compiler's run-time, which declares it nowhere: what the unwinder knows of the function that
+// an instruction lies in; null when it knows nothing.
+extern "C" const void* _Unwind_Find_FDE(void* instruction, void* (*bases)[3]);
+
 namespace {
 
 std::atomic<DWORD> callingThread{0};  // 0: no call is in progress
@@ -57,6 +61,23 @@ bool isFault(DWORD code) {
     }
 }
 
+bool isKnownToUnwinder(DWORD instruction) {
+    void* bases[3] = {};
+    return _Unwind_Find_FDE(reinterpret_cast<void*>(instruction), &bases) != nullptr;
+}
+
+DWORD topOfStack(const CONTEXT& context) {
+    return *reinterpret_cast<const DWORD*>(context.Esp);
+}
+
+// The unwinder knows nothing of the mathematics library's functions in assembly. They change neither
+// registers nor the stack: what they are at fault for, the call of them is.
+void leaveAssembly(CONTEXT& context) {
+    if (isKnownToUnwinder(context.Eip) || !isKnownToUnwinder(topOfStack(context) - 1)) return;
+    context.Eip = topOfStack(context) - 1;
+    context.Esp += sizeof(DWORD);
+}
+
 // Has the thread go on in efihostEnterFault, as if the faulting instruction had called that.
 void divert(CONTEXT& context) {
     context.Esp -= sizeof(DWORD);
@@ -70,6 +91,7 @@ LONG CALLBACK translate(EXCEPTION_POINTERS* exception) {
         return EXCEPTION_CONTINUE_SEARCH;
     }
     faultCode = record.ExceptionCode;
+    leaveAssembly(*exception->ContextRecord);
     divert(*exception->ContextRecord);
     return EXCEPTION_CONTINUE_EXECUTION;
 }
