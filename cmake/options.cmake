@@ -17,10 +17,15 @@ if(WIN32)
   target_compile_options(undula_options INTERFACE
     # The control word governs the x87 unit alone, so all arithmetic is done there.
     -mno-sse -mfpmath=387
-    # The library's root of a negative number is no fault; the unit's is.
-    -fno-math-errno
     # Any instruction may throw: a fault of the processor does, through a handler of the host's.
-    -fnon-call-exceptions)
+    -fnon-call-exceptions
+    # The unit reports a fault at its next instruction; the stack is the same there.
+    -maccumulate-outgoing-args -fno-shrink-wrap)
+  # Taken for functions that throw nothing, these would be the end of the program at a fault.
+  foreach(function acos asin atan atan2 ceil cos cosh exp exp2 floor fmod hypot ilogb ldexp log log10
+          log2 pow round sin sinh sqrt tan tanh trunc)
+    target_compile_options(undula_options INTERFACE -fno-builtin-${function})
+  endforeach()
   # What one library throws another catches, so that they need one run-time library among them.
   target_link_options(undula_options INTERFACE -shared-libgcc)
 endif()

@@ -27,8 +27,7 @@ _efihostEnterFault:
 
 extern "C" void efihostEnterFault();
 
-// Of the compiler's run-time, which declares it nowhere: what the unwinder knows of the function that
-// an instruction lies in; null when it knows nothing.
+// Of the compiler's run-time, which declares it nowhere.
 extern "C" const void* _Unwind_Find_FDE(void* instruction, void* (*bases)[3]);
 
 namespace {
@@ -36,9 +35,7 @@ namespace {
 std::atomic<DWORD> callingThread{0};  // 0: no call is in progress
 DWORD faultCode = 0;                  // of the last fault of that thread
 
-// What an instruction can be at fault for. Not among them: the debugger's breakpoints and steps, and
-// the end of the stack, where there is no room to throw.
-bool isFault(DWORD code) {
+bool isFloatingPoint(DWORD code) {
     switch (code) {
         case EXCEPTION_FLT_DENORMAL_OPERAND:
         case EXCEPTION_FLT_DIVIDE_BY_ZERO:
@@ -47,6 +44,16 @@ bool isFault(DWORD code) {
         case EXCEPTION_FLT_OVERFLOW:
         case EXCEPTION_FLT_STACK_CHECK:
         case EXCEPTION_FLT_UNDERFLOW:
+            return true;
+        default:
+            return false;
+    }
+}
+
+// What an instruction can be at fault for. Not among them: the debugger's breakpoints and steps, and
+// the end of the stack, where there is no room to throw.
+bool isFault(DWORD code) {
+    switch (code) {
         case EXCEPTION_INT_DIVIDE_BY_ZERO:
         case EXCEPTION_INT_OVERFLOW:
         case EXCEPTION_ARRAY_BOUNDS_EXCEEDED:
@@ -57,24 +64,30 @@ bool isFault(DWORD code) {
         case EXCEPTION_PRIV_INSTRUCTION:
             return true;
         default:
-            return false;
+            return isFloatingPoint(code);
     }
 }
 
-bool isKnownToUnwinder(DWORD instruction) {
+// What the unwinder knows of the function that an instruction lies in; null when it knows nothing.
+const void* unwindingOf(DWORD instruction) {
     void* bases[3] = {};
-    return _Unwind_Find_FDE(reinterpret_cast<void*>(instruction), &bases) != nullptr;
+    return _Unwind_Find_FDE(reinterpret_cast<void*>(instruction), &bases);
 }
 
-DWORD topOfStack(const CONTEXT& context) {
-    return *reinterpret_cast<const DWORD*>(context.Esp);
+// The x87 unit reports a fault when it is used the next time. Within a function it counts for the
+// instruction that is at fault: the compiler does not expect the next one to throw.
+void goBackToOrigin(CONTEXT& context) {
+    const DWORD origin = context.FloatSave.ErrorOffset;
+    const void* function = unwindingOf(context.Eip);
+    if (function && function == unwindingOf(origin)) context.Eip = origin;
 }
 
 // The unwinder knows nothing of the mathematics library's functions in assembly. They change neither
 // registers nor the stack: what they are at fault for, the call of them is.
 void leaveAssembly(CONTEXT& context) {
-    if (isKnownToUnwinder(context.Eip) || !isKnownToUnwinder(topOfStack(context) - 1)) return;
-    context.Eip = topOfStack(context) - 1;
+    const DWORD call = *reinterpret_cast<const DWORD*>(context.Esp) - 1;
+    if (unwindingOf(context.Eip) || !unwindingOf(call)) return;
+    context.Eip = call;
     context.Esp += sizeof(DWORD);
 }
 
@@ -91,8 +104,10 @@ LONG CALLBACK translate(EXCEPTION_POINTERS* exception) {
         return EXCEPTION_CONTINUE_SEARCH;
     }
     faultCode = record.ExceptionCode;
-    leaveAssembly(*exception->ContextRecord);
-    divert(*exception->ContextRecord);
+    CONTEXT& context = *exception->ContextRecord;
+    if (isFloatingPoint(faultCode)) goBackToOrigin(context);
+    leaveAssembly(context);
+    divert(context);
     return EXCEPTION_CONTINUE_EXECUTION;
 }
 

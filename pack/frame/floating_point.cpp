@@ -12,6 +12,16 @@ namespace undula {
 
 #if defined(_WIN32)
 
+}  // namespace undula
+
+// In place of the library's, for which the root of a negative number is no fault.
+extern "C" double sqrt(double x) {
+    asm volatile("fsqrt\n fwait" : "+t"(x));
+    return x;
+}
+
+namespace undula {
+
 namespace {
 
 // Invalid operation, division by zero and overflow trap; 64 bits of precision; round to nearest.

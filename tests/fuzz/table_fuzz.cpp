@@ -12,7 +12,9 @@
 #include <limits>
 #include <new>
 #include <random>
+#include <span>
 #include <stdexcept>
+#include <utility>
 #include <vector>
 
 #include "efihost/host.h"
@@ -44,7 +46,7 @@ const efihost::Pack& pack() {
 class Session {
  public:
     explicit Session(FuzzedDataProvider& data) : data_(data) {
-        host_.setInterrupt([this, polls = 0]() mutable { return ++polls > patience_; });
+        host_.setInterrupt([this] { return --patience_ < 0; });
     }
 
     void run() {
@@ -53,12 +55,12 @@ class Session {
 
  private:
     void call() {
-        const auto& functions = documentedFunctions();
-        const auto& function = functions[pick(functions.size())];
+        const auto& function = among(documentedFunctions());
         std::vector<Value> arguments;
-        for (const char letter : function.forms[pick(function.forms.size())])
-            arguments.push_back(argument(letter));
-        patience_ = data_.ConsumeBool() ? 10000 : static_cast<int>(pick(20));
+        for (const char letter : among(function.forms)) {
+            arguments.push_back(argument(rarely() ? "STMVF"[pick(5)] : letter, arguments.empty()));
+        }
+        patience_ = rarely() ? static_cast<int>(pick(20)) : 10000;
         try {
             const Value result = host_.callRaw(pack(), function.name, arguments);
             check(result, static_cast<int>(arguments.size()));
@@ -76,28 +78,33 @@ class Session {
         require(0 <= result.argument() && result.argument() <= arguments, "an error names an argument");
     }
 
-    // Mostly what the function asks for.
-    Value argument(char letter) {
-        if (pick(16) == 0) letter = "STMVF"[pick(5)];
-        if (letter == 'A' || letter == 'O') letter = "SM"[pick(2)];
+    Value argument(char letter, bool first) {
         switch (letter) {
             case 'S':
                 return number();
             case 'T':
-                return std::array{"s", "d", "h", "v", "father", "daublet4", "bl"}[pick(7)];
+                return among(
+                    std::array{"H", "V", "D", "haar", "daub4", "symm8", "coif6", "bl3", "bs24", "", "x9"});
             case 'F':
                 return Value::function([this](const std::vector<Value>&) { return answer(); });
+            case 'A':  // a number of levels, or a basis
+            case 'O':  // the offsets or flips of a wavelet
+                return pick(2) == 0 ? number() : array(false);
             default:
-                return earlier(letter == 'V' ? 1 : sizes[pick(sizes.size())]);
+                return array(first);
         }
     }
 
     Value answer() {
-        const std::size_t kind = pick(16);
-        if (kind == 0) throw Failed("a user function fails");
-        if (kind == 1) return Value::error("refused", 1);
-        if (kind == 2) return block(sizes[pick(sizes.size())], 1);
-        return number();
+        if (!rarely()) return number();
+        switch (pick(3)) {
+            case 0:
+                throw Failed("a user function fails");
+            case 1:
+                return Value::error("refused", 1);
+            default:
+                return block();
+        }
     }
 
     double number() {
@@ -116,38 +123,55 @@ class Session {
                                                   4294967296.0,
                                                   9007199254740992.0,
                                                   1e19};
-        if (pick(8) == 0) return remarkable[pick(remarkable.size())];
-        return static_cast<double>(pick(12));
+        return rarely() ? among(remarkable) : among(std::array{1.0, 0.0, 2.0, 3.0, 4.0, 6.0, 8.0});
     }
 
-    // An array: a result, a wavelet, a table of arrays, or numbers.
-    Value earlier(int cols) {
-        const std::size_t kind = pick(8);
-        if (kind < 3 && !results_.empty()) return results_[pick(results_.size())];
-        if (kind == 3)
-            return host_.callRaw(pack(), "daublet", {Value(2.0 * static_cast<double>(1 + pick(4)))});
-        if (kind == 4) return host_.callRaw(pack(), "Bspline", {Value(2), Value(4)});
-        if (kind == 5) return Value::table({block(8, 1), block(8, 1), block(8, 1)});
-        return block(sizes[pick(sizes.size())], cols);
+    // What comes first is mostly data; what follows, a wavelet.
+    Value array(bool first) {
+        switch (first ? pick(5) : pick(8)) {
+            case 0:
+                return results_.empty() ? block() : among(results_);
+            case 1:
+                return Value::table({block(), block(), block()});
+            case 2:
+                return fromPack("wavebs", {among(std::array{1, 2, 3}), among(std::array{1, 2})});
+            case 3:
+            case 4:
+                return block();
+            case 5:
+                return fromPack("Bspline", {2, 4});
+            default:
+                return fromPack("daublet", {among(std::array{4, 2, 6, 8})});
+        }
+    }
+
+    Value fromPack(const char* function, const std::vector<Value>& arguments) {
+        patience_ = 10000;
+        return host_.callRaw(pack(), function, arguments);
     }
 
     // Few different numbers, as a pack keeps every wavelet that it meets.
-    Value block(int rows, int cols) {
+    Value block() {
+        const int rows = rarely() ? among(std::array{0, 1, 2, 3, 12, 64}) : among(std::array{8, 4, 16});
+        const int cols = rarely() ? among(std::array{0, 2, 3}) : among(std::array{1, rows});
         std::minstd_rand random(static_cast<unsigned>(1 + pick(3)));
         std::vector<double> numbers(static_cast<std::size_t>(rows) * static_cast<std::size_t>(cols));
         for (double& cell : numbers) cell = static_cast<double>(random() % 200) / 100 - 1;
-        if (!numbers.empty() && pick(4) == 0) numbers[pick(numbers.size())] = number();
-        const bool complex = pick(16) == 0;
-        return Value::matrix(rows, cols, numbers, complex ? std::span(numbers) : std::span<double>());
+        if (!numbers.empty() && rarely()) numbers[pick(numbers.size())] = number();
+        return Value::matrix(rows, cols, numbers, rarely() ? std::span(numbers) : std::span<double>());
     }
 
+    // When the input is used up, the first of several and never the rare: the plain cases.
     std::size_t pick(std::size_t count) { return data_.ConsumeIntegralInRange<std::size_t>(0, count - 1); }
-
-    static constexpr std::array sizes = {1, 2, 3, 4, 8, 12, 16, 32, 64, 0};
+    template <class Items>
+    auto among(const Items& items) -> decltype(items[0]) {
+        return items[pick(items.size())];
+    }
+    bool rarely() { return pick(32) == 31; }
 
     FuzzedDataProvider& data_;
     efihost::Host host_;
-    int patience_ = 0;
+    int patience_ = 0;  // polls before the user interrupts
     std::vector<Value> results_;
 };
 

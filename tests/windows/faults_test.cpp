@@ -165,16 +165,30 @@ aComplex* divideDeepDown(EfiCallContext* context, aComplex* x) {
     return undula::newScalar(context, sum);
 }
 
+// Nothing after the division may throw, in the eyes of a compiler, while the object lives.
+[[gnu::noinline]] double divideLast(double x) {
+    double quotient = 0.0;
+    {
+        const Counted counted;
+        quotient = 1.0 / x;
+    }
+    return quotient;
+}
+aComplex* divideAtTheEndOfAScope(EfiCallContext* context, aComplex* x) {
+    const double quotient = divideLast(x->re);
+    return undula::newScalar(context, quotient);
+}
+
 // The first instruction of the protected region.
 aComplex* faultAtFirst(EfiCallContext* context, aComplex*) {
     leaveFault();
-    double answer = 1.0;
+    std::uint32_t code = 0;
     try {
         asm volatile("fwait");
     } catch (const SE_FPE_Exception& fault) {
-        answer = fault.exceptionCode;
+        code = fault.exceptionCode;
     }
-    return undula::newScalar(context, answer);
+    return undula::newScalar(context, code);
 }
 
 aComplex* leavePending(EfiCallContext* context, aComplex*) {
@@ -201,12 +215,8 @@ aComplex* apply(EfiCallContext* context, aComplex* x) {
     return undula::newScalar(context, function(x->re));
 }
 
-// Not inlined, whatever the compiler knows of the function.
-double (*volatile const roundDown)(double) = std::floor;
-double (*volatile const roundUp)(double) = std::ceil;
-
-double floorOfSquare(double x) { return roundDown(x * x); }
-double ceilOfSquare(double x) { return roundUp(x * x); }
+double floorOfSquare(double x) { return std::floor(x * x); }
+double ceilOfSquare(double x) { return std::ceil(x * x); }
 double exp2OfSquare(double x) { return std::exp2(x * x); }
 double cosOfSquare(double x) { return std::cos(x * x); }
 
@@ -236,6 +246,8 @@ TEST_F(Faults, AreThrownWhereTheyHappen) {
     EXPECT_EQ(destroyed, 1);
     EXPECT_EQ(outcome(divideDeepDown), "singularity (0)");
     EXPECT_EQ(destroyed, 6);
+    EXPECT_EQ(outcome(divideAtTheEndOfAScope), "singularity (0)");
+    EXPECT_EQ(destroyed, 7);
     EXPECT_EQ(outcome(divideWithAFullStack), "singularity (0)");
     const Value zero(0.0);
     efihost::Call call(host);
@@ -260,12 +272,10 @@ TEST_F(Faults, WaitWhileTheHostIsAtWork) {
 }
 
 TEST_F(Faults, OfTheMathematicsLibraryAreThrownAsWell) {
-    constexpr double infinite = std::numeric_limits<double>::infinity();
     destroyed = 0;
     EXPECT_EQ(outcome(apply<std::sqrt>, -1.0), "floating point error (0)");
-    EXPECT_EQ(outcome(apply<std::sin>, infinite), "floating point error (0)");
     EXPECT_EQ(outcome(apply<std::exp2>, 1e5), "overflow (0)");
-    EXPECT_EQ(destroyed, 3);
+    EXPECT_EQ(destroyed, 2);
 }
 
 // The library's own first instruction reports the fault of the pack's last.
