@@ -126,7 +126,7 @@ Failure checkBasisArguments(EfiCallContext* context, const aMatrix* coefficients
         return basis.depth() > deepestLevel(static_cast<std::uint64_t>(side));
     };
     const bool invalid =
-        tooDeep(coefficients->rows) || (basis.dimensions == 2 && tooDeep(coefficients->cols));
+        tooDeep(coefficients->rows) || (coefficients->cols != 1 && tooDeep(coefficients->cols));
     return invalid ? Failure(Code::InvalidLevelInBasis, 2) : Failure();
 }
 

@@ -25,7 +25,9 @@ class Printer {
  public:
     explicit Printer(const efihost::Pack& pack) : pack_(pack) {}
 
-    Value call(const char* name, const std::vector<Value>& arguments) { return host_.call(pack_, name, arguments); }
+    Value call(const char* name, const std::vector<Value>& arguments) {
+        return host_.call(pack_, name, arguments);
+    }
 
     void print(const std::string& title, const char* name, const std::vector<Value>& arguments) {
         const Value result = call(name, arguments);
@@ -46,7 +48,8 @@ struct NamedFilter {
 };
 
 void printTransforms(Printer& printer) {
-    constexpr NamedFilter filters[] = {{"daublet", 4}, {"daublet", 20}, {"symmlet", 8}, {"coiflet", 30}, {"bl", 3}};
+    constexpr NamedFilter filters[] = {
+        {"daublet", 4}, {"daublet", 20}, {"symmlet", 8}, {"coiflet", 30}, {"bl", 3}};
     const Value signal = Value::column(samples(1024));
     const Value image = Value::matrix(64, 64, samples(4096));
     for (const auto& [family, length] : filters) {

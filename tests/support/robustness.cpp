@@ -29,11 +29,17 @@ void setControlWord(unsigned wanted) {
 
 }  // namespace
 
-UnusualCaller::UnusualCaller() : state_(controlWord()) { setControlWord(unusualWord); }
+UnusualCaller::UnusualCaller() : state_(controlWord()) {
+    setControlWord(unusualWord);
+}
 
-UnusualCaller::~UnusualCaller() { setControlWord(state_); }
+UnusualCaller::~UnusualCaller() {
+    setControlWord(state_);
+}
 
-bool UnusualCaller::undisturbed() const { return controlWord() == unusualWord; }
+bool UnusualCaller::undisturbed() const {
+    return controlWord() == unusualWord;
+}
 
 #else
 

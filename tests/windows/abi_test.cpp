@@ -12,9 +12,15 @@ namespace {
 using Word = std::uint32_t;
 
 // What a host without these headers sees.
-const Word* words(const char* symbol) { return static_cast<const Word*>(pack().symbol(symbol)); }
-const char* textAt(Word address) { return reinterpret_cast<const char*>(address); }
-Word addressOf(const char* symbol) { return reinterpret_cast<Word>(pack().symbol(symbol)); }
+const Word* words(const char* symbol) {
+    return static_cast<const Word*>(pack().symbol(symbol));
+}
+const char* textAt(Word address) {
+    return reinterpret_cast<const char*>(address);
+}
+Word addressOf(const char* symbol) {
+    return reinterpret_cast<Word>(pack().symbol(symbol));
+}
 
 // The value of a variable that the host exports.
 Word hostVariable(const char* name) {

@@ -23,7 +23,9 @@ ControlWord controlWord() {
     return word;
 }
 
-void setControlWord(ControlWord word) { asm volatile("fldcw %0" : : "m"(word)); }
+void setControlWord(ControlWord word) {
+    asm volatile("fldcw %0" : : "m"(word));
+}
 
 // A caller who rounds up to 53 bits, or who lets a division by zero trap and cuts digits off.
 constexpr ControlWord unusualWords[] = {0xA7F, 0xC7B};
@@ -148,7 +150,9 @@ struct Counted {
     ~Counted() { ++destroyed; }
 };
 
-[[gnu::noinline]] double quotient(double x, double y) { return x / y; }
+[[gnu::noinline]] double quotient(double x, double y) {
+    return x / y;
+}
 
 aComplex* divideAtOnce(EfiCallContext* context, aComplex* x) {
     const Counted counted;
@@ -215,10 +219,18 @@ aComplex* apply(EfiCallContext* context, aComplex* x) {
     return undula::newScalar(context, function(x->re));
 }
 
-double floorOfSquare(double x) { return std::floor(x * x); }
-double ceilOfSquare(double x) { return std::ceil(x * x); }
-double exp2OfSquare(double x) { return std::exp2(x * x); }
-double cosOfSquare(double x) { return std::cos(x * x); }
+double floorOfSquare(double x) {
+    return std::floor(x * x);
+}
+double ceilOfSquare(double x) {
+    return std::ceil(x * x);
+}
+double exp2OfSquare(double x) {
+    return std::exp2(x * x);
+}
+double cosOfSquare(double x) {
+    return std::cos(x * x);
+}
 
 aComplex* divideIntegers(EfiCallContext* context, aComplex* x) {
     const Counted counted;
@@ -281,7 +293,8 @@ TEST_F(Faults, OfTheMathematicsLibraryAreThrownAsWell) {
 // The library's own first instruction reports the fault of the pack's last.
 TEST_F(Faults, OfAnArgumentAreThrownFromTheMathematicsLibrary) {
     destroyed = 0;
-    for (Worker* worker : {apply<floorOfSquare>, apply<ceilOfSquare>, apply<exp2OfSquare>, apply<cosOfSquare>}) {
+    for (Worker* worker :
+         {apply<floorOfSquare>, apply<ceilOfSquare>, apply<exp2OfSquare>, apply<cosOfSquare>}) {
         EXPECT_EQ(outcome(worker, largest), "overflow (0)");
     }
     EXPECT_EQ(destroyed, 4);
@@ -294,7 +307,9 @@ TEST_F(Faults, OfOtherKindsHaveTheirCodes) {
     EXPECT_EQ(destroyed, 2);
 }
 
-TEST_F(Faults, DoNotIncludeUnderflow) { EXPECT_EQ(outcome(underflow, 0.25), "no error"); }
+TEST_F(Faults, DoNotIncludeUnderflow) {
+    EXPECT_EQ(outcome(underflow, 0.25), "no error");
+}
 
 TEST_F(Faults, OfUserFunctionsAreThrown) {
     volatile double zero = 0.0;
@@ -303,13 +318,13 @@ TEST_F(Faults, OfUserFunctionsAreThrown) {
     EXPECT_EQ(outcomeOfUser([&](double) { return largest * (2.0 + zero); }), "overflow (0)");
     // Thrown, so that the function itself may catch it.
     EXPECT_EQ(outcomeOfUser([&](double x) {
-        try {
-            volatile double quotient = 1.0 / zero;
-            return quotient + x;
-        } catch (const SE_FPE_Exception&) {
-            return x;
-        }
-    }),
+                  try {
+                      volatile double quotient = 1.0 / zero;
+                      return quotient + x;
+                  } catch (const SE_FPE_Exception&) {
+                      return x;
+                  }
+              }),
               "no error");
 }
 
@@ -318,7 +333,8 @@ namespace {
 int handled = 0;
 
 LONG CALLBACK countAndSkip(EXCEPTION_POINTERS* exception) {
-    if (exception->ExceptionRecord->ExceptionCode != EXCEPTION_ILLEGAL_INSTRUCTION) return EXCEPTION_CONTINUE_SEARCH;
+    if (exception->ExceptionRecord->ExceptionCode != EXCEPTION_ILLEGAL_INSTRUCTION)
+        return EXCEPTION_CONTINUE_SEARCH;
     ++handled;
     exception->ContextRecord->Eip += 2;  // ud2
     return EXCEPTION_CONTINUE_EXECUTION;
