@@ -6,6 +6,7 @@
 # make asan          the C++ tests under the address and undefined-behaviour sanitizers
 # make fuzz          random calls of every function, for SECONDS=60
 # make windows       the 32-bit Windows libraries, in build/windows/
+# make windows-test  check them, and run the C++ tests as Windows programs under Wine
 # make clean         remove build/ and out/
 #
 # Each installs what it misses (Debian 12; root or sudo). Underneath is CMake: CMakePresets.json.
@@ -13,7 +14,7 @@
 
 SECONDS = 60
 
-.PHONY: help build demo test bench lint asan fuzz windows clean
+.PHONY: help build demo test bench lint asan fuzz windows windows-test clean
 
 help:
 	@sed -n 's/^# make/make/p' Makefile
@@ -61,6 +62,10 @@ windows:
 	tools/install build windows
 	cmake --preset windows
 	cmake --build --preset windows
+
+windows-test: build windows
+	tools/install wine
+	tools/test_windows
 
 clean:
 	rm -rf build out

@@ -20,12 +20,9 @@ if(WIN32)
     # Any instruction may throw: a fault of the processor does, through a handler of the host's.
     -fnon-call-exceptions
     # The unit reports a fault at its next instruction; the stack is the same there.
-    -maccumulate-outgoing-args -fno-shrink-wrap)
-  # Taken for functions that throw nothing, these would be the end of the program at a fault.
-  foreach(function acos asin atan atan2 ceil cos cosh exp exp2 floor fmod hypot ilogb ldexp log log10
-          log2 pow round sin sinh sqrt tan tanh trunc)
-    target_compile_options(undula_options INTERFACE -fno-builtin-${function})
-  endforeach()
+    -maccumulate-outgoing-args -fno-shrink-wrap
+    # The compiler's own root sets errno after a fault that it does not expect to be thrown.
+    -fno-builtin-sqrt)
   # What one library throws another catches, so that they need one run-time library among them.
   target_link_options(undula_options INTERFACE -shared-libgcc)
 endif()

@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include <atomic>
+#include <utility>
 
 #include "efi/faults.h"
 
@@ -34,6 +35,7 @@ namespace {
 
 std::atomic<DWORD> callingThread{0};  // 0: no call is in progress
 DWORD faultCode = 0;                  // of the last fault of that thread
+DWORD withheldCode = 0;               // of the last that was not thrown
 
 bool isFloatingPoint(DWORD code) {
     switch (code) {
@@ -74,21 +76,24 @@ const void* unwindingOf(DWORD instruction) {
     return _Unwind_Find_FDE(reinterpret_cast<void*>(instruction), &bases);
 }
 
-// The x87 unit reports a fault when it is used the next time. Within a function it counts for the
-// instruction that is at fault: the compiler does not expect the next one to throw.
-void goBackToOrigin(CONTEXT& context) {
+// The x87 unit reports a fault when it is used the next time, which a compiler does not know: it
+// expects throws from those instructions alone that can be at fault, and from no function of the
+// mathematics library. Within the function where the fault arose, it counts for the instruction that
+// is at fault; elsewhere it cannot be thrown.
+bool goBackToOrigin(CONTEXT& context) {
     const DWORD origin = context.FloatSave.ErrorOffset;
-    const void* function = unwindingOf(context.Eip);
-    if (function && function == unwindingOf(origin)) context.Eip = origin;
+    const void* reporting = unwindingOf(context.Eip);
+    if (!reporting || reporting != unwindingOf(origin)) return false;
+    context.Eip = origin;
+    return true;
 }
 
-// The unwinder knows nothing of the mathematics library's functions in assembly. They change neither
-// registers nor the stack: what they are at fault for, the call of them is.
-void leaveAssembly(CONTEXT& context) {
-    const DWORD call = *reinterpret_cast<const DWORD*>(context.Esp) - 1;
-    if (unwindingOf(context.Eip) || !unwindingOf(call)) return;
-    context.Eip = call;
-    context.Esp += sizeof(DWORD);
+// Lets the thread go on as if nothing trapped. The fault stays in the status word.
+void withhold(CONTEXT& context) {
+    constexpr WORD all = 0x3f;
+    withheldCode = faultCode;
+    context.FloatSave.ControlWord |= all;
+    context.ExtendedRegisters[0] |= all;
 }
 
 // Has the thread go on in efihostEnterFault, as if the faulting instruction had called that.
@@ -105,9 +110,11 @@ LONG CALLBACK translate(EXCEPTION_POINTERS* exception) {
     }
     faultCode = record.ExceptionCode;
     CONTEXT& context = *exception->ContextRecord;
-    if (isFloatingPoint(faultCode)) goBackToOrigin(context);
-    leaveAssembly(context);
-    divert(context);
+    if (isFloatingPoint(faultCode) && !goBackToOrigin(context)) {
+        withhold(context);
+    } else {
+        divert(context);
+    }
     return EXCEPTION_CONTINUE_EXECUTION;
 }
 
@@ -131,10 +138,22 @@ extern "C" [[noreturn, gnu::used]] void efihostThrowFault() {
 
 namespace efihost {
 
-FaultTranslation::FaultTranslation() : outer_(callingThread.exchange(GetCurrentThreadId())) {}
+FaultTranslation::FaultTranslation()
+    : outerThread_(callingThread.exchange(GetCurrentThreadId())),
+      outerWithheld_(std::exchange(withheldCode, 0)) {}
 
 FaultTranslation::~FaultTranslation() {
-    callingThread = outer_;
+    withheldCode = outerWithheld_;
+    callingThread = outerThread_;
+}
+
+void forgetWithheldFault() {
+    withheldCode = 0;
+}
+
+void throwWithheldFault() {
+    asm volatile("fwait");
+    if (withheldCode != 0) throw SE_FPE_Exception(0, std::exchange(withheldCode, 0));
 }
 
 }  // namespace efihost
@@ -145,6 +164,9 @@ namespace efihost {
 
 FaultTranslation::FaultTranslation() = default;
 FaultTranslation::~FaultTranslation() = default;
+
+void forgetWithheldFault() {}
+void throwWithheldFault() {}
 
 }  // namespace efihost
 

@@ -156,12 +156,14 @@ std::int32_t Host::State::apply(const aLambda* function, const Cons* arguments, 
     if (!callee) return 0;
     holdRoots();
     return shielded(calling.thrown, [&] {
+        forgetWithheldFault();
         if (callee->real) {
             evaluateReal(callee->real, arguments, calling.evaluated);
         } else {
             takeArguments(calling.arguments, arguments);
             calling.evaluated = callee->callback(calling.arguments);
         }
+        throwWithheldFault();
         *result = calling.evaluated.raw();
         return 0;
     });

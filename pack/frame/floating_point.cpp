@@ -1,5 +1,6 @@
 #include "frame/floating_point.h"
 
+#include <cfenv>
 #include <cstdint>
 
 #include "frame/errors.h"
@@ -10,13 +11,28 @@
 
 namespace undula {
 
+namespace {
+
+// The text of the weightiest of the faults that a status register shows; none for none.
+const char* textOf(unsigned flags) {
+    constexpr std::uint32_t divideByZero = 0xC000008E;
+    constexpr std::uint32_t invalidOperation = 0xC0000090;
+    constexpr std::uint32_t overflow = 0xC0000091;
+    if (flags & FE_DIVBYZERO) return exceptionText(divideByZero);
+    if (flags & FE_OVERFLOW) return exceptionText(overflow);
+    if (flags & FE_INVALID) return exceptionText(invalidOperation);
+    return nullptr;
+}
+
+}  // namespace
+
 #if defined(_WIN32)
 
 }  // namespace undula
 
 // In place of the library's, for which the root of a negative number is no fault.
 extern "C" double sqrt(double x) {
-    asm volatile("fsqrt\n fwait" : "+t"(x));
+    asm volatile("fsqrt" : "+t"(x));
     return x;
 }
 
@@ -27,9 +43,9 @@ namespace {
 // Invalid operation, division by zero and overflow trap; 64 bits of precision; round to nearest.
 constexpr unsigned short packControlWord = 0x372;
 
-// In the status word: the faults, and whether one that traps is pending.
-constexpr unsigned allFaults = 0x7f;
-constexpr unsigned isPending = 0x80;
+// In the status word: division by zero, overflow, and invalid operations, those of a full or an
+// empty stack among them.
+constexpr unsigned allFaults = 0x4d;
 
 unsigned statusWord() {
     unsigned short word = 0;
@@ -37,15 +53,19 @@ unsigned statusWord() {
     return word;
 }
 
-// Empties the unit and forgets its faults; the control word stays.
-void clearUnit() {
+// Empties the unit and forgets its faults; the control word stays. Answers the faults.
+unsigned takeFaults() {
+    const unsigned faults = statusWord() & allFaults;
+    if (faults == 0) return 0;
     unsigned short word = 0;
     asm volatile("fnstcw %0" : "=m"(word));
     asm volatile("fninit");
     asm volatile("fldcw %0" : : "m"(word));
+    return faults;
 }
 
 void addFaults(unsigned faults) {
+    if (faults == 0) return;
     struct {
         std::uint32_t controlWord;
         std::uint32_t statusWord;
@@ -69,31 +89,24 @@ FloatingPointFrame::~FloatingPointFrame() {
     asm volatile("fldcw %0" : : "m"(controlWord));
 }
 
+// A fault that the host could not throw is in the status word. What is pending is reported here.
 const char* pendingFault() {
     asm volatile("fwait");
-    return nullptr;
+    return textOf(statusWord());
 }
 
 // The unit reports a fault when it is used the next time. That must not be by the host: the fault
 // waits until the pack goes on.
-HostServiceScope::HostServiceScope() : faults(0) {
-    const unsigned status = statusWord();
-    if ((status & isPending) == 0) return;
-    faults = status & allFaults;
-    clearUnit();
-}
+HostServiceScope::HostServiceScope() : faults(takeFaults()) {}
 
 HostServiceScope::~HostServiceScope() {
-    if (faults != 0) addFaults(faults);
+    takeFaults();
+    addFaults(faults);
 }
 
 #else
 
 namespace {
-
-constexpr std::uint32_t divideByZero = 0xC000008E;
-constexpr std::uint32_t invalidOperation = 0xC0000090;
-constexpr std::uint32_t overflow = 0xC0000091;
 
 #if defined(__SSE2_MATH__)
 
@@ -134,11 +147,7 @@ FloatingPointFrame::~FloatingPointFrame() {
 }
 
 const char* pendingFault() {
-    const unsigned flags = raisedFlags();
-    if (flags & FE_DIVBYZERO) return exceptionText(divideByZero);
-    if (flags & FE_OVERFLOW) return exceptionText(overflow);
-    if (flags & FE_INVALID) return exceptionText(invalidOperation);
-    return nullptr;
+    return textOf(raisedFlags());
 }
 
 HostServiceScope::HostServiceScope() : faults(raisedFlags()) {

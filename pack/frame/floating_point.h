@@ -2,16 +2,14 @@
 //
 // A fault of the pack's own arithmetic (division by zero, invalid operation, overflow) becomes
 // the call's result; faults of the host and of user functions are no business of the pack's.
-// Where the x87 unit does the arithmetic, the unit traps the fault and the host throws; elsewhere
-// the faults are read from the status flags at the end.
+// Where the x87 unit does the arithmetic, the unit traps the fault and the host throws, if it can;
+// elsewhere the faults are read from the status flags at the end.
 //
 // All of this stands in a translation unit of its own and is called out of line: a compiler may
 // move arithmetic across flag accesses that it can see.
 #pragma once
 
-#if !defined(_WIN32)
 #include <cfenv>
-#endif
 
 namespace undula {
 
@@ -32,8 +30,7 @@ class FloatingPointFrame {
 #endif
 };
 
-// The message of the fault that the pack's arithmetic has raised in this call, or null. Where
-// faults trap, one that is still pending is thrown from here.
+// The message of the fault that the pack's arithmetic has raised in this call, or null.
 const char* pendingFault();
 
 // Keeps the pack's faults apart from those of the host while a host service runs.

@@ -32,12 +32,28 @@ class Printer {
     void print(const std::string& title, const char* name, const std::vector<Value>& arguments) {
         const Value result = call(name, arguments);
         std::printf("%s:", title.c_str());
-        const Numbers numbers = result.isMatrix() ? result.reals() : Numbers{result.real()};
-        for (const double number : numbers) std::printf(" %a", number);
+        printNumbers(result);
         std::printf("\n");
     }
 
  private:
+    static void printNumbers(const Value& value) {
+        if (!value.isMatrix()) {
+            std::printf(" %a", value.real());
+            return;
+        }
+        for (int col = 0; col < value.cols(); ++col) {
+            for (int row = 0; row < value.rows(); ++row) {
+                const Value nested = value.nested(row, col);
+                if (nested) {
+                    printNumbers(nested);
+                } else {
+                    std::printf(" %a", value.at(row, col).real());
+                }
+            }
+        }
+    }
+
     const efihost::Pack& pack_;
     efihost::Host host_;
 };
@@ -60,10 +76,11 @@ void printTransforms(Printer& printer) {
             printer.print(transform + (" 2d " + title), transform, {image, 3, filter});
         }
     }
-    for (const int length : {4, 8}) {
-        const Value filter = printer.call("daublet", {length});
-        printer.print("dwti daublet" + std::to_string(length), "dwti", {signal, 4, filter});
-        printer.print("dwti 2d daublet" + std::to_string(length), "dwti", {image, 2, filter});
+    for (const auto& [family, length] : {NamedFilter{"daublet", 4}, {"daublet", 6}, {"symmlet", 16}}) {
+        const Value filter = printer.call(family, {length});
+        const std::string title = std::string(family) + std::to_string(length);
+        printer.print("dwti " + title, "dwti", {signal, 4, filter});
+        printer.print("dwti 2d " + title, "dwti", {image, 1, filter});
     }
     const Value spline = printer.call("Bspline", {2, 4});
     printer.print("dwt Bspline24", "dwt", {signal, 5, spline});
