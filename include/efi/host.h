@@ -9,8 +9,9 @@ EFI_HOST Anyval* mkError(EfiCallContext* context, const char* message, int argIn
 
 // Discrete Fourier transform of a complex column of n rows, unscaled: entry m of the result is the
 // sum of x[i] exp(-2 pi i m / n) (CFFT) or exp(+2 pi i m / n) (ICFFT), with i^2 = -1 in the
-// exponent. The result is a column of n rows, valid until the next transform; an error value (tag 0)
-// or null means failure.
+// exponent. The result is another column of n rows, valid until the next transform; the given one stays
+// as it is, as a pack may hand it over again and rely on what it holds. An error value (tag 0) or null
+// means failure.
 EFI_HOST aMatrix* CFFT(EfiCallContext* context, Anyval* column);
 EFI_HOST aMatrix* ICFFT(EfiCallContext* context, Anyval* column);
 

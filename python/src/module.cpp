@@ -5,12 +5,15 @@
 
 #include <chrono>
 #include <complex>
+#include <mutex>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "conversion.h"
 #include "efihost/host.h"
+#include "interpreter_lock.h"
 
 namespace undula {
 namespace {
@@ -36,7 +39,7 @@ bool checkSignals() {
         return false;
     }
     next = now + period;
-    const py::gil_scoped_acquire interpreter;
+    const LockHeld lock;
     if (PyErr_CheckSignals() != 0) {
         throw py::error_already_set();
     }
@@ -54,10 +57,23 @@ Host& host() {
 }
 
 // A thread waits for its turn without the interpreter lock, which whoever has the turn may need
-// for a user function.
+// for a user function. When the interpreter ends, whoever has the turn may sleep for ever: nothing
+// waits then.
+std::unique_lock<std::recursive_mutex> takeTurn() {
+    static std::recursive_mutex& turns = *Host::lock().mutex();
+    if (!interpreterEnds()) {
+        return std::unique_lock(turns);
+    }
+    std::unique_lock turn(turns, std::try_to_lock);
+    if (!turn) {
+        throw std::runtime_error("undula: another thread is in a call while the interpreter ends");
+    }
+    return turn;
+}
+
 Value callInTurn(const Function& function, const std::vector<Value>& arguments) {
-    const py::gil_scoped_release interpreter;
-    const auto turn = Host::lock();
+    const LockReleased unlocked;
+    const auto turn = takeTurn();
     return host().callRaw(function, arguments);
 }
 
@@ -93,7 +109,7 @@ py::object call(const Function& function, const py::tuple& arguments, const py::
     }
 }
 
-using Numbers = py::array_t<std::complex<double>, py::array::c_style | py::array::forcecast>;
+using Numbers = py::array_t<std::complex<double>, py::array::c_style>;
 
 // An argument that is another number in each of many calls.
 struct Varying {
@@ -101,9 +117,9 @@ struct Varying {
     const std::complex<double>* numbers;
 };
 
-// The first answer that is no real number, and how many calls came before it.
+// The first error value, and how many calls came before it.
 struct Refusal {
-    Value answer;
+    Value error;
     std::size_t element;
 };
 
@@ -111,15 +127,15 @@ struct Refusal {
 // poll are as easily stopped as others.
 std::optional<Refusal> callManyInTurn(const Function& function, std::vector<Value>& arguments,
                                       const std::vector<Varying>& varying, std::size_t count, double* out) {
-    const py::gil_scoped_release interpreter;
-    const auto turn = Host::lock();
+    const LockReleased unlocked;
+    const auto turn = takeTurn();
     for (std::size_t i = 0; i < count; ++i) {
         checkSignals();
         for (const Varying& argument : varying) {
             arguments[argument.place] = argument.numbers[i];
         }
         Value answer = host().callRaw(function, arguments);
-        if (!answer.isScalar() || answer.scalar().imag() != 0.0) {
+        if (answer.isError()) {
             return Refusal{std::move(answer), i};
         }
         out[i] = answer.real();
@@ -143,10 +159,7 @@ py::object callMany(const Function& function, const py::tuple& arguments, const 
     if (!refusal) {
         return results;
     }
-    if (!refusal->answer.isError()) {
-        throw py::type_error(std::string(function.name) + ": its result is not a real number");
-    }
-    return py::cast(ErrorValue{refusal->answer.message(), refusal->answer.argument(), refusal->element});
+    return py::cast(ErrorValue{refusal->error.message(), refusal->error.argument(), refusal->element});
 }
 
 }  // namespace
@@ -167,8 +180,8 @@ PYBIND11_MODULE(_host, module) {
              "Calls the function; `names` are the arguments' names for messages, where there are any.")
         .def("call_many", &callMany, py::arg("arguments"), py::arg("names"), py::arg("places"),
              py::arg("arrays"),
-             "Calls the function for each element of equally long arrays, which are the arguments at "
-             "the places; answers the results, real numbers, as an array.");
+             "Calls a function whose result is a real number for each element of equally long arrays, "
+             "which are the arguments at the places; answers the results as an array.");
 
     module.def(
         "load", [](const std::string& path) { return efihost::Pack(path).functions(); }, py::arg("path"),

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "conversion.h"
+#include "interpreter_lock.h"
 
 namespace undula {
 namespace {
@@ -57,7 +58,7 @@ bool isSequence(py::handle object) {
 }
 
 py::tuple itemsOf(py::handle sequence) {
-    return py::tuple(py::reinterpret_borrow<py::object>(sequence));
+    return newReference([=] { return PySequence_Tuple(sequence.ptr()); });
 }
 
 bool isNumberKind(char kind) {
@@ -95,7 +96,8 @@ class Reader {
             return sequence(itemsOf(object));
         }
         if (py::hasattr(object, "__array__")) {
-            return array(py::module_::import("numpy").attr("asarray")(object));
+            const py::object asarray = py::module_::import("numpy").attr("asarray");
+            return array(newReference([&] { return PyObject_CallOneArg(asarray.ptr(), object.ptr()); }));
         }
         if (PyCallable_Check(object.ptr()) != 0) {
             return userFunction(object, place_);
@@ -207,7 +209,9 @@ class Reader {
         const std::vector<py::ssize_t> steps{wordSize, wordSize * source.shape(0)};
         const py::capsule owner(block.get());  // keeps the array from making a copy of the block
         py::array_t<double> target(shape, {steps.begin(), steps.begin() + source.ndim()}, block.get(), owner);
-        target[py::ellipsis()] = source;
+        if (askingForLock([&] { return PyObject_SetItem(target.ptr(), Py_Ellipsis, source.ptr()); }) != 0) {
+            throw py::error_already_set();
+        }
         return block;
     }
 

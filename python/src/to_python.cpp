@@ -43,6 +43,16 @@ std::vector<py::ssize_t> stepsOf(const Value& matrix, py::ssize_t elementSize, p
     return {elementSize, elementSize * stride};
 }
 
+// Copies here and not by NumPy, which would let go of the interpreter lock meanwhile.
+py::array copyOf(const Value& matrix) {
+    py::array_t<double> result(shapeOf(matrix), stepsOf(matrix, wordSize, matrix.rows()));
+    double* out = result.mutable_data();
+    for (int col = 0; col < matrix.cols(); ++col) {
+        out = std::ranges::copy(matrix.re(col), out).out;
+    }
+    return result;
+}
+
 py::array zeros(const Value& matrix) {
     py::array_t<double> result(shapeOf(matrix), stepsOf(matrix, wordSize, matrix.rows()));
     std::fill_n(result.mutable_data(), result.size(), 0.0);
@@ -54,12 +64,12 @@ py::array realNumbers(const Value& matrix, const Lent* lent) {
     if (raw.re == nullptr) {
         return zeros(matrix);
     }
-    py::object owner;  // without one, the array copies
-    if (lent != nullptr && !lent->contains(matrix.raw())) {
-        auto held = std::make_unique<Value>(matrix);
-        owner = py::capsule(held.get(), [](void* value) { delete static_cast<Value*>(value); });
-        static_cast<void>(held.release());
+    if (lent == nullptr || lent->contains(matrix.raw())) {
+        return copyOf(matrix);
     }
+    auto held = std::make_unique<Value>(matrix);
+    const py::capsule owner(held.get(), [](void* value) { delete static_cast<Value*>(value); });
+    static_cast<void>(held.release());
     return py::array_t<double>(shapeOf(matrix), stepsOf(matrix, wordSize, raw.stride), raw.re, owner);
 }
 

@@ -1,24 +1,26 @@
 // A Python callable as a user function. What it raises travels through the host as a C++
 // exception; the host sees to it that the pack is not unwound.
 #include "conversion.h"
+#include "interpreter_lock.h"
 
 namespace undula {
 
 std::shared_ptr<PyObject> keep(py::handle object) {
     return {object.inc_ref().ptr(), [](PyObject* kept) {
-                const py::gil_scoped_acquire interpreter;
-                Py_DECREF(kept);
+                const LockHeld lock;
+                askingForLock([kept] { Py_DECREF(kept); });
             }};
 }
 
 Value userFunction(py::handle callable, const std::string& place) {
     const auto answerOf = [callable = keep(callable), place](const std::vector<Value>& arguments) {
-        const py::gil_scoped_acquire interpreter;
+        const LockHeld lock;
         py::tuple converted(arguments.size());
         for (std::size_t i = 0; i < arguments.size(); ++i) {
             converted[i] = toPython(arguments[i]);
         }
-        const py::object answer = py::handle(callable.get())(*converted);
+        const py::object answer =
+            newReference([&] { return PyObject_CallObject(callable.get(), converted.ptr()); });
         return toHost(answer, place + ", its result");
     };
     return Value::function(efihost::Callback(answerOf));

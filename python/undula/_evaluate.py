@@ -34,7 +34,7 @@ def evaluate(function, /, *arguments):
     undula.Error
         The function refuses its arguments; a note tells for which element.
     TypeError
-        It is no function of the pack, its result is no real number, or an array does not hold
+        It is no function of the pack whose result is a real number, or an array does not hold
         numbers.
     ValueError
         The arrays differ in shape.
@@ -48,7 +48,9 @@ def evaluate(function, /, *arguments):
     """
     description = getattr(function, "_description", None)
     if description is None:
-        raise TypeError("evaluate: argument 1 is not a function of the pack with scalar arguments")
+        raise TypeError("evaluate: argument 1 is not a function of the pack")
+    if description.result.kind != "scalar":
+        raise TypeError(f"{function.__name__}: its result is not a real number")
     names = description.argument_names(len(arguments))
     places = [
         place
@@ -72,7 +74,7 @@ def _numbers(function, place, name, argument):
     array = np.asarray(argument)
     if array.dtype.kind not in "biufc":
         raise TypeError(f"{function.__name__}: argument {place + 1} ({name}) does not hold numbers")
-    return array
+    return np.ascontiguousarray(array, np.complex128)
 
 
 def _common_shape(function, arrays):

@@ -1,6 +1,8 @@
 """Calls of several threads, calls that are stopped, and what calls leave behind."""
 
 import signal
+import subprocess
+import sys
 import threading
 import time
 
@@ -87,3 +89,90 @@ def test_calls_leave_nothing_behind(live_values):
         with pytest.raises(TypeError):
             undula.dwt(x, 1, [x, {}])
     assert live_values() == before
+
+
+ENDING_DURING_CALLS = """
+import sys, threading, time
+import numpy as np
+import undula
+
+kinds, delay = sys.argv[1].split("+"), float(sys.argv[2])
+table = undula.wpt(np.arange(4096.0), 6, undula.daublet(4))
+single = np.ones((512, 512), np.float32)
+
+def square(x):
+    return x * x
+
+def bell(x):
+    return np.sin(np.pi / 2 * np.sqrt(x))
+
+class Lazy:
+    def __array__(self):
+        return np.ones(64)
+
+calls = {
+    "transform": lambda: undula.dwt(np.ones(2**19), 10, undula.coiflet(30)),
+    "points": lambda: undula.father(0.3, "daub4"),
+    "cost": lambda: undula.best_basis(table, square),
+    "bell": lambda: undula.lct(np.ones(4096), 4, bell),
+    "evaluate": lambda: undula.evaluate(undula.father, np.linspace(-1, 2, 300_000), "daub4"),
+    "argument": lambda: (undula.dwt(single, 1, undula.daublet(2)), undula.dwt(Lazy(), 1, undula.daublet(2))),
+    "packet": lambda: undula.evaltbl([np.ones(60_000)], lambda packet: packet.sum()),
+}
+
+def repeat(call, began):
+    began.set()
+    while True:
+        call()
+
+for kind in kinds:
+    began = threading.Event()
+    threading.Thread(target=repeat, args=(calls[kind], began), daemon=True).start()
+    began.wait()
+time.sleep(delay)
+sys.exit(3)
+"""
+
+
+@pytest.mark.parametrize(
+    "kinds",
+    ["transform", "points", "cost", "bell", "evaluate", "argument", "packet", "transform+cost+evaluate+bell"],
+)
+def test_daemon_threads_in_calls_leave_the_end_of_the_process_alone(kinds):
+    """The interpreter ends threads that ask for its lock, which must neither abort nor crash."""
+    command = [sys.executable, "-c", ENDING_DURING_CALLS, kinds]
+    delays = ["0", "0.01", "0.02", "0.04", "0.08"]
+    runs = [subprocess.Popen([*command, delay], stderr=subprocess.PIPE) for delay in delays]
+    ends = [(run.communicate(timeout=60)[1], run.returncode) for run in runs]
+    assert ends == [(b"", 3)] * len(runs)
+
+
+CALLING_AT_THE_END = """
+import os, sys, threading, time
+import numpy as np
+import undula
+
+class Last:
+    def __del__(self, call=undula.father, write=os.write):
+        try:
+            call(0.5, "haar")
+        except RuntimeError as error:
+            write(1, str(error).encode())
+
+def wait(x):
+    began.set()
+    time.sleep(100)
+
+sys.last = Last()
+began = threading.Event()
+threading.Thread(target=undula.best_basis, args=([np.ones(2)], wait), daemon=True).start()
+began.wait()
+"""
+
+
+def test_a_call_while_the_interpreter_ends_does_not_wait_for_a_daemon_thread():
+    """The thread has the turn and will never give it back."""
+    command = [sys.executable, "-c", CALLING_AT_THE_END]
+    run = subprocess.run(command, capture_output=True, timeout=60, check=True)
+    assert run.stdout == b"undula: another thread is in a call while the interpreter ends"
+    assert run.stderr == b""

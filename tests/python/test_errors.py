@@ -74,3 +74,20 @@ def test_other_values_where_a_function_is_expected():
         with pytest.raises(undula.Error, match="must be function") as caught:
             undula.evaltbl([1.0], value)
         assert caught.value.argument == 2
+
+
+@pytest.mark.parametrize(
+    "name, reason",
+    [("d\u20ac4", "characters beyond Latin-1"), ("haar\0", "a character of code 0")],
+)
+def test_a_text_that_the_pack_cannot_have_is_no_error_of_the_pack(name, reason):
+    """It is found before the pack looks at any argument, here at one that it would refuse."""
+    with pytest.raises(ValueError, match=rf"^father: argument 2 \(wavelet\) has {reason}$") as caught:
+        undula.father(1j, name)
+    assert not isinstance(caught.value, undula.Error)
+
+
+def test_evaluate_refuses_functions_without_a_real_result_before_it_calls_them():
+    for arguments in ((undula.daublet, 4), (undula.daublet, [2, 3]), (undula.dwt, [1, 2], 1, HAAR)):
+        with pytest.raises(TypeError, match=r"^(daublet|dwt): its result is not a real number$"):
+            undula.evaluate(*arguments)

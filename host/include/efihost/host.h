@@ -81,6 +81,7 @@ class EFI_HOST Host {
     virtual std::int32_t applyList(aLambda* function, Cons* arguments, Anyval** result);
     virtual std::int32_t applyOne(aLambda* function, Anyval* argument, Anyval** result);
     virtual std::int32_t pollInterrupt();
+    // The result is another column: packs keep the one they hand over, and use what it holds again.
     virtual aMatrix* transform(Anyval* column, bool inverse);
     virtual std::int64_t findNested(const aMatrix* matrix, std::int64_t from);
     virtual Anyval* readNested(const aMatrix* matrix, int row, int col);
