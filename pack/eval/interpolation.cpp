@@ -10,7 +10,6 @@
 #include "eval/scalars.h"
 #include "filters/active_filter.h"
 #include "filters/selection.h"
-#include "frame/halving.h"
 #include "frame/workers.h"
 
 using namespace undula;
@@ -78,6 +77,12 @@ bool isPacketOf(double index, std::uint32_t level) {
     return level >= 32 || index < static_cast<double>(std::uint64_t{1} << level);
 }
 
+// Whether data of so many samples have packets of the level. Every power of two divides emptiness.
+bool hasLevel(const Treatment& treatment, std::uint64_t samples, std::uint32_t level) {
+    const bool empty = samples == 0 && &treatment == &periodic;
+    return empty || treatment.boundary.admits(ActiveFilter, samples, level);
+}
+
 // ---- one dimension ----
 
 constexpr int waveletPosition = 5;
@@ -98,7 +103,7 @@ struct Signal {
 Failure checkPeriodicRange(const Signal& s) {
     if (auto failure = require32Bits(s.level->re, Code::InvalidLevel, 3)) return failure;
     if (auto failure = requireLevel(s.index->re, 4)) return failure;
-    if (!divisible(s.length(), asIndex(s.level->re))) return {Code::InvalidLevel, 2};
+    if (!hasLevel(s.treatment, s.length(), asIndex(s.level->re))) return {Code::InvalidLevel, 2};
     return isPacketOf(s.index->re, asIndex(s.level->re)) ? Failure() : Failure(Code::InvalidLevel, 4);
 }
 
@@ -106,7 +111,7 @@ Failure checkSymmetricRange(const Signal& s) {
     if (auto failure = requireSuitableWavelet(s.treatment, waveletPosition)) return failure;
     if (auto failure = require32Bits(s.level->re, Code::InvalidLevel, 3)) return failure;
     if (auto failure = require32Bits(s.index->re, Code::InvalidPacketIndex, 4)) return failure;
-    if (asIndex(s.level->re) > deepestLevel(s.length())) return {Code::InvalidLevel, 3};
+    if (!hasLevel(s.treatment, s.length(), asIndex(s.level->re))) return {Code::InvalidLevel, 3};
     return isPacketOf(std::floor(s.index->re), asIndex(s.level->re)) ? Failure()
                                                                      : Failure(Code::InvalidLevel, 4);
 }
@@ -180,10 +185,8 @@ Failure checkImage(const Image& image) {
     if (auto failure = requireLevel(image.indexX->re, 5)) return failure;
     if (auto failure = requireLevel(image.indexY->re, 6)) return failure;
     const std::uint32_t level = asIndex(image.level->re);
-    const auto admits = [&](std::uint64_t side) {
-        return image.treatment.boundary.admits(ActiveFilter, side, level);
-    };
-    if (!admits(image.rows()) || (image.cols() != 1 && !admits(image.cols()))) return {Code::InvalidLevel, 4};
+    if (!hasLevel(image.treatment, image.rows(), level)) return {Code::InvalidLevel, 4};
+    if (image.cols() != 1 && !hasLevel(image.treatment, image.cols(), level)) return {Code::InvalidLevel, 4};
     if (image.cols() == 1) return {Code::MustBeMatrix, 3};
     if (!isPacketOf(image.indexX->re, level)) return {Code::InvalidPacketIndex, 5};
     return isPacketOf(image.indexY->re, level) ? Failure() : Failure(Code::InvalidPacketIndex, 6);
