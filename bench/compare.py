@@ -19,39 +19,21 @@ ROUNDS = 25
 TAPS = 8
 
 
-def signal_pair(samples, levels):
-    x = np.random.default_rng(0).standard_normal(samples)
+def transform_pairs(shape, levels, decompose, rebuild):
+    data = np.random.default_rng(0).standard_normal(shape)
     w, name = undula.daublet(TAPS), f"db{TAPS // 2}"
-    coefficients = undula.dwt(x, levels, w)
-    parts = pywt.wavedec(x, name, "periodization", levels)
-    title = f"{samples} samples, {TAPS} taps, {levels} levels"
+    coefficients = undula.dwt(data, levels, w)
+    parts = decompose(data, name, "periodization", levels)
+    title = f"{' x '.join(map(str, data.shape))}, {TAPS} taps, {levels} levels"
     yield (
         f"dwt,  {title}",
-        lambda: undula.dwt(x, levels, w),
-        lambda: pywt.wavedec(x, name, "periodization", levels),
+        lambda: undula.dwt(data, levels, w),
+        lambda: decompose(data, name, "periodization", levels),
     )
     yield (
         f"idwt, {title}",
         lambda: undula.idwt(coefficients, levels, w),
-        lambda: pywt.waverec(parts, name, "periodization"),
-    )
-
-
-def image_pair(side, levels):
-    image = np.random.default_rng(0).standard_normal((side, side))
-    w, name = undula.daublet(TAPS), f"db{TAPS // 2}"
-    coefficients = undula.dwt(image, levels, w)
-    parts = pywt.wavedec2(image, name, "periodization", levels)
-    title = f"{side} x {side} image, {TAPS} taps, {levels} levels"
-    yield (
-        f"dwt,  {title}",
-        lambda: undula.dwt(image, levels, w),
-        lambda: pywt.wavedec2(image, name, "periodization", levels),
-    )
-    yield (
-        f"idwt, {title}",
-        lambda: undula.idwt(coefficients, levels, w),
-        lambda: pywt.waverec2(parts, name, "periodization"),
+        lambda: rebuild(parts, name, "periodization"),
     )
 
 
@@ -93,7 +75,11 @@ def medians(*functions):
 
 def main():
     print(f"{'':48}{'undula':>9}{'peer':>9}{'ratio':>8}")
-    for title, ours, theirs in [*signal_pair(2**20, 5), *image_pair(1024, 3), *cosine_pair(2**18, 8)]:
+    for title, ours, theirs in [
+        *transform_pairs(2**20, 5, pywt.wavedec, pywt.waverec),
+        *transform_pairs((1024, 1024), 3, pywt.wavedec2, pywt.waverec2),
+        *cosine_pair(2**18, 8),
+    ]:
         print_row(title, *medians(ours, theirs))
     for shape, levels in ((2**20, 8), ((1024, 1024), 4)):
         title, ours, theirs = packet_pair(shape, levels)
