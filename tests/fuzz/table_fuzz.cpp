@@ -108,21 +108,11 @@ class Session {
     }
 
     double number() {
-        static constexpr double limit = std::numeric_limits<double>::infinity();
-        static constexpr std::array remarkable = {std::numeric_limits<double>::quiet_NaN(),
-                                                  limit,
-                                                  -limit,
-                                                  -1.0,
-                                                  -0.5,
-                                                  0.5,
-                                                  1e-300,
-                                                  1e300,
-                                                  2147483647.0,
-                                                  2147483648.0,
-                                                  4294967295.0,
-                                                  4294967296.0,
-                                                  9007199254740992.0,
-                                                  1e19};
+        constexpr double inf = std::numeric_limits<double>::infinity();
+        constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
+        static constexpr std::array remarkable = {NaN,        inf,    -inf,   -1.0,       -0.5,
+                                                  0.5,        1e-300, 1e300,  0x1p31 - 1, 0x1p31,
+                                                  0x1p32 - 1, 0x1p32, 0x1p53, 1e19};
         return rarely() ? among(remarkable) : among(std::array{1.0, 0.0, 2.0, 3.0, 4.0, 6.0, 8.0});
     }
 

@@ -13,10 +13,6 @@ def through(value):
     return undula.dwt(value, 0, HAAR)
 
 
-def image():
-    return np.arange(1.0, 13.0).reshape(4, 3)
-
-
 ORDERS = {
     "C": np.ascontiguousarray,
     "Fortran": np.asfortranarray,
@@ -36,7 +32,7 @@ ORDERS = {
 
 @pytest.mark.parametrize("order", ORDERS)
 def test_an_image_of_any_memory_order_arrives_as_it_reads(order):
-    given = ORDERS[order](image())
+    given = ORDERS[order](np.arange(1.0, 13.0).reshape(4, 3))
     before = given.copy()
     result = through(given)
     assert result.dtype == np.float64
@@ -59,13 +55,11 @@ def test_any_real_dtype_arrives_as_doubles(dtype):
         (range(3), [0, 1, 2]),
         (array.array("h", [5, 6]), [5, 6]),
         ([], []),
-        ([[1, 2], (3, 4)], [[1, 2], [3, 4]]),
         ([[1], [2]], [1, 2]),
-        ([range(2), [5, 6]], [[0, 1], [5, 6]]),
+        ([range(2), (5, 6)], [[0, 1], [5, 6]]),
         ([[], []], np.empty((2, 0))),
         (np.empty((0, 3)), np.empty((0, 3))),
         (np.array([[1, 2], [3, 4]], dtype=object), [[1, 2], [3, 4]]),
-        (np.array([1, 2.5], dtype=object), [1, 2.5]),
         ([1 + 0j, 2], [1, 2]),
     ],
 )
@@ -75,16 +69,19 @@ def test_sequences_are_columns_and_matrices(given, expected):
     assert np.array_equal(result, expected)
 
 
-@pytest.mark.parametrize(
-    "given",
-    [
-        [1j, 2],
-        np.array([1, 1j], dtype=np.complex64),
-        np.array([[1, 1j]], order="F"),
-        [[1, 2], [3, 1e-300j]],
-    ],
-)
-def test_imaginary_parts_arrive(given):
+UNREAL = [[1j, 2], np.array([1, 1j], dtype=np.complex64), np.array([[1, 1j]], order="F"), [[1, 2], [3, 1e-300j]]]
+NESTED = [
+    [np.ones(2), np.ones(3)],
+    (np.ones((2, 2)),),
+    [1, np.ones(2)],
+    [[np.ones(2)], [np.ones(1), 3]],
+    np.array([[1, np.ones(2)], [[3], 4]], dtype=object),
+]
+
+
+@pytest.mark.parametrize("given", UNREAL + NESTED)
+def test_imaginary_parts_and_nested_arrays_arrive(given):
+    """And are refused as what they are: no array of real numbers."""
     with pytest.raises(undula.Error, match="must be real array") as caught:
         through(given)
     assert caught.value.argument == 1
@@ -96,36 +93,16 @@ def test_numbers_that_are_not_finite_pass_through():
 
 
 @pytest.mark.parametrize(
-    "given",
-    [
-        [np.ones(2), np.ones(3)],
-        (np.ones((2, 2)),),
-        [1, np.ones(2)],
-        [[np.ones(2)], [np.ones(1), 3]],
-        np.array([[1, np.ones(2)], [[3], 4]], dtype=object),
-    ],
-)
-def test_nested_arrays_are_one_value(given):
-    """They arrive, and are refused as what they are: no array of numbers."""
-    with pytest.raises(undula.Error, match="must be real array") as caught:
-        through(given)
-    assert caught.value.argument == 1
-
-
-@pytest.mark.parametrize(
     "given, reason",
     [
         ({}, "type dict"),
         (None, "type NoneType"),
         (b"ab", "type bytes"),
-        ({1, 2}, "type set"),
         ([1, "a"], "holds a str"),
         ([1, [2]], "holds a list"),
-        ([[1], 2], "holds a int"),
         ([[1, 2], [3]], "rows of different lengths"),
         ([[[1]]], "holds a list"),
         ([np.ones(2), "a"], "holds a str"),
-        ([np.ones(2), len], "holds a builtin"),
         (np.ones((1, 1, 1)), "3 dimensions"),
         (np.array(["a"]), "array of <U1"),
         (np.datetime64(1, "D"), "array of datetime64"),
@@ -147,7 +124,6 @@ def test_anything_else_is_a_type_error_that_names_the_argument(given, reason):
         (10**400, "int that is too large"),
         ("\0", "character of code 0"),
         ("\u20ac", "beyond Latin-1"),
-        (np.broadcast_to(1.0, (2**29, 1)), "4 GiB"),
         (np.broadcast_to(1.0, (2**20, 2**20)), "4 GiB"),
         (np.empty((0, 2**31)), "2\\^31"),
     ],
@@ -169,16 +145,11 @@ def test_a_list_that_holds_itself_ends_in_an_error():
         through(hidden)
 
 
-@pytest.mark.parametrize(
-    "number", [4, 4.0, 4 + 0j, np.int16(4), np.float32(4), np.complex64(4), np.array(4)]
-)
+@pytest.mark.parametrize("number", [4, 4.0, 4 + 0j, np.int16(4), np.float32(4), np.complex64(4), np.array(4)])
 def test_numbers_are_scalars(number):
     assert np.array_equal(undula.daublet(number), undula.daublet(4))
-
-
-def test_the_imaginary_part_of_a_scalar_arrives():
     with pytest.raises(undula.Error, match="must be real"):
-        undula.daublet(np.complex64(4 + 1j))
+        undula.daublet(number + 1j)
 
 
 def test_a_result_shows_the_memory_of_the_host_and_keeps_it(live_values):
@@ -200,7 +171,5 @@ def test_a_result_shows_the_memory_of_the_host_and_keeps_it(live_values):
 
 def test_a_result_never_shares_memory_with_an_argument():
     given = np.arange(8.0)
-    result = through(given)
-    assert not np.shares_memory(given, result)
-    replaced = undula.put_subband(given, 0, 0, given)
-    assert not np.shares_memory(given, replaced)
+    for result in (through(given), undula.put_subband(given, 0, 0, given)):
+        assert not np.shares_memory(given, result)

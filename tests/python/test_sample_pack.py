@@ -53,13 +53,9 @@ TABLE = [np.arange(4.0), np.array([[1.0, 2.0], [3.0, 4.0]]), 5.0, np.array([1.0,
     [
         (2, 2.0),
         (2 + 3j, 2 + 3j),
-        (2 + 0j, 2.0),
         ("caf\xe9", "caf\xe9"),
-        ("", ""),
-        ([1, 2], np.array([1.0, 2.0])),
         ([1, 2j], np.array([1, 2j])),
         (np.zeros(2, complex), np.zeros(2)),
-        ([[1, 2]], np.array([[1.0, 2.0]])),
         (np.array([[1, 2], [3, 4j]], np.complex64), np.array([[1, 2], [3, 4j]])),
         (TABLE, TABLE),
         (tuple(TABLE), TABLE),
@@ -109,28 +105,25 @@ class Refusal(Exception):
     pass
 
 
+def throw(exception):
+    raise exception
+
+
 def test_an_exception_of_a_user_function_is_raised_by_the_call(live_values):
     """Though this pack goes on after the failure and answers 0."""
     before = live_values()
     raised = Refusal("no")
-
-    def function(_):
-        raise raised
-
     with pytest.raises(Refusal) as caught:
-        evaluate(function, 1)
+        evaluate(lambda _: throw(raised), 1)
     assert caught.value is raised
-    assert "function" in [entry.name for entry in caught.traceback]
+    assert "throw" in [entry.name for entry in caught.traceback]
     assert live_values() == before
 
 
 @pytest.mark.parametrize("exception", [KeyboardInterrupt, SystemExit, MemoryError, StopIteration])
 def test_exceptions_of_any_class_come_back_as_themselves(exception):
-    def function(_):
-        raise exception
-
     with pytest.raises(exception):
-        evaluate(function, 1)
+        evaluate(lambda _: throw(exception), 1)
 
 
 def test_what_a_user_function_answers_is_named_when_it_is_refused():
@@ -147,11 +140,7 @@ def test_a_user_function_may_call_the_library():
     with pytest.raises(undula.Error, match="^dwt: invalid level"):
         evaluate(lambda y: undula.dwt(y, 3, w), x[:4])
     with pytest.raises(Refusal):
-        evaluate(lambda y: evaluate(refuse, y), 1)
-
-
-def refuse(_):
-    raise Refusal
+        evaluate(lambda y: evaluate(lambda _: throw(Refusal), y), 1)
 
 
 def test_user_functions_of_several_threads_take_turns(live_values):
@@ -174,10 +163,7 @@ def test_user_functions_of_several_threads_take_turns(live_values):
 
 
 def test_the_handler_of_a_signal_ends_a_call_that_polls():
-    def handler(*_):
-        raise Refusal
-
-    previous = signal.signal(signal.SIGALRM, handler)
+    previous = signal.signal(signal.SIGALRM, lambda *_: throw(Refusal))
     try:
         signal.setitimer(signal.ITIMER_REAL, 0.05)
         started = time.perf_counter()

@@ -25,11 +25,11 @@ class Printer {
  public:
     explicit Printer(const efihost::Pack& pack) : pack_(pack) {}
 
-    Value call(const char* name, const std::vector<Value>& arguments) {
+    Value call(std::string_view name, const std::vector<Value>& arguments) {
         return host_.call(pack_, name, arguments);
     }
 
-    void print(const std::string& title, const char* name, const std::vector<Value>& arguments) {
+    void print(const std::string& title, std::string_view name, const std::vector<Value>& arguments) {
         const Value result = call(name, arguments);
         std::printf("%s:", title.c_str());
         printNumbers(result);
@@ -45,11 +45,7 @@ class Printer {
         for (int col = 0; col < value.cols(); ++col) {
             for (int row = 0; row < value.rows(); ++row) {
                 const Value nested = value.nested(row, col);
-                if (nested) {
-                    printNumbers(nested);
-                } else {
-                    std::printf(" %a", value.at(row, col).real());
-                }
+                printNumbers(nested ? nested : Value(value.at(row, col).real()));
             }
         }
     }
@@ -58,44 +54,27 @@ class Printer {
     efihost::Host host_;
 };
 
-struct NamedFilter {
-    const char* family;
-    int length;
-};
+using NamedFilter = std::pair<const char*, int>;
 
-void printTransforms(Printer& printer) {
-    constexpr NamedFilter filters[] = {
-        {"daublet", 4}, {"daublet", 20}, {"symmlet", 8}, {"coiflet", 30}, {"bl", 3}};
-    const Value signal = Value::column(samples(1024));
-    const Value image = Value::matrix(64, 64, samples(4096));
-    for (const auto& [family, length] : filters) {
-        const Value filter = printer.call(family, {length});
-        const std::string title = std::string(family) + std::to_string(length);
-        for (const char* transform : {"dwt", "wpt"}) {
-            printer.print(transform + (" " + title), transform, {signal, 5, filter});
-            printer.print(transform + (" 2d " + title), transform, {image, 3, filter});
-        }
-    }
-    for (const auto& [family, length] : {NamedFilter{"daublet", 4}, {"daublet", 6}, {"symmlet", 16}}) {
-        const Value filter = printer.call(family, {length});
-        const std::string title = std::string(family) + std::to_string(length);
-        printer.print("dwti " + title, "dwti", {signal, 4, filter});
-        printer.print("dwti 2d " + title, "dwti", {image, 1, filter});
-    }
-    const Value spline = printer.call("Bspline", {2, 4});
-    printer.print("dwt Bspline24", "dwt", {signal, 5, spline});
-    printer.print("wpt Bspline24", "wpt", {signal, 5, spline});
-    for (const int level : {0, 1, 4, 6}) {
-        printer.print("cpt level " + std::to_string(level), "cpt", {signal, level});
+// A signal and an image by each of the transforms.
+void printTransforms(Printer& printer, const NamedFilter& named, const std::vector<std::string>& transforms,
+                     int levels, int imageLevels) {
+    const auto& [family, length] = named;
+    const Value filter = printer.call(family, {length});
+    const std::string title = std::string(family) + std::to_string(length);
+    for (const std::string& transform : transforms) {
+        const Value image = Value::matrix(64, 64, samples(4096));
+        printer.print(transform + " " + title, transform, {Value::column(samples(1024)), levels, filter});
+        printer.print(transform + " 2d " + title, transform, {image, imageLevels, filter});
     }
 }
 
 void printFathers(Printer& printer) {
     for (const char* name : {"d4", "d20", "s8", "c30", "bl3", "haar"}) {
         for (const double x : {0.5, 1.0, 1.3125, 2.7, 3.0}) {
-            printer.print(std::string("father ") + name + " at " + std::to_string(x), "father", {x, name});
-            printer.print(std::string("father dilated ") + name + " at " + std::to_string(x), "father",
-                          {x, 2, 1, name});
+            const std::string title = std::string(name) + " at " + std::to_string(x);
+            printer.print("father " + title, "father", {x, name});
+            printer.print("father dilated " + title, "father", {x, 2, 1, name});
         }
     }
 }
@@ -105,6 +84,16 @@ void printFathers(Printer& printer) {
 int main() {
     const efihost::Pack pack(UNDULA_PACK_PATH);
     Printer printer(pack);
-    printTransforms(printer);
+    for (const NamedFilter& filter :
+         {NamedFilter{"daublet", 4}, {"daublet", 20}, {"symmlet", 8}, {"coiflet", 30}, {"bl", 3}})
+        printTransforms(printer, filter, {"dwt", "wpt"}, 5, 3);
+    for (const NamedFilter& filter : {NamedFilter{"daublet", 4}, {"daublet", 6}, {"symmlet", 16}})
+        printTransforms(printer, filter, {"dwti"}, 4, 1);
+    const Value signal = Value::column(samples(1024));
+    const Value spline = printer.call("Bspline", {2, 4});
+    for (const char* transform : {"dwt", "wpt"})
+        printer.print(std::string(transform) + " Bspline24", transform, {signal, 5, spline});
+    for (const int level : {0, 1, 4, 6})
+        printer.print("cpt level " + std::to_string(level), "cpt", {signal, level});
     printFathers(printer);
 }

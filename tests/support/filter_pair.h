@@ -2,6 +2,7 @@
 #pragma once
 
 #include "support/pack.h"
+#include "support/plain_steps.h"
 
 struct FilterPair {
     Numbers analysis;   // low-pass filter of the analysis
@@ -16,7 +17,9 @@ inline FilterPair orthonormal(const Numbers& low, int offset, bool flip = false)
     return {low, low, offset, offset, flip, flip};
 }
 
-// The periodic transform of a matrix by columns, one column for a signal; levels on the top-left
-// blocks, columns before rows in both directions.
-Numbers transformed(const FilterPair& pair, Numbers values, int rows, int cols, int levels);
-Numbers reconstructed(const FilterPair& pair, Numbers values, int rows, int cols, int levels);
+enum class Direction { analysis, synthesis };
+
+// The transform of a matrix by columns, one column for a signal, whose lines a step treats; levels
+// on the top-left blocks, columns before rows in both directions.
+Numbers transformed(plain::Step* step, Direction direction, const FilterPair& pair, Numbers values, int rows,
+                    int cols, int levels);

@@ -1,6 +1,7 @@
 #include "support/packets.h"
 
 #include <algorithm>
+#include <cmath>
 #include <random>
 
 namespace {
@@ -65,6 +66,15 @@ Tiling wholeLevel(int dimensions, int level) {
     return packets;
 }
 
+Tiling wholeLevels(int dimensions, int deepest) {
+    Tiling packets;
+    for (int level = 0; level <= deepest; ++level) {
+        const Tiling more = wholeLevel(dimensions, level);
+        packets.insert(packets.end(), more.begin(), more.end());
+    }
+    return packets;
+}
+
 Value basisOf(int dimensions, const Tiling& tiling) {
     std::vector<Numbers> rows;
     for (const auto& [level, row, col] : tiling) {
@@ -74,6 +84,10 @@ Value basisOf(int dimensions, const Tiling& tiling) {
     return basisRows(rows);
 }
 
+Value basisOfLevel(int dimensions, int level) {
+    return basisOf(dimensions, wholeLevel(dimensions, level));
+}
+
 Value basisRows(const std::vector<Numbers>& rows) {
     const std::size_t cols = rows.front().size();
     Numbers values;
@@ -81,6 +95,11 @@ Value basisRows(const std::vector<Numbers>& rows) {
         for (const Numbers& each : rows) values.push_back(each[c]);
     }
     return Value::matrix(static_cast<int>(rows.size()), static_cast<int>(cols), values);
+}
+
+Value basisRows(int dimensions, std::vector<Numbers> rows) {
+    for (Numbers& each : rows) each.resize(static_cast<std::size_t>(dimensions) + 1);
+    return basisRows(rows);
 }
 
 Span spanOf(int n, int level, int position) {
@@ -114,4 +133,26 @@ void Grid::put(const Place& place, const Grid& part) {
 
 Grid noisyGrid(int rows, int cols, unsigned seed) {
     return {rows, cols, noise(static_cast<std::size_t>(rows * cols), seed)};
+}
+
+Value signal(int n) {
+    return noisyGrid(n, 1).value();
+}
+
+Value image(int rows, int cols) {
+    return noisyGrid(rows, cols).value();
+}
+
+Value square(int dimensions, int side) {
+    return dimensions == 1 ? signal(side) : image(side, side);
+}
+
+Grid picked(const Value& table, const Tiling& tiling) {
+    Grid result = Grid::of(table.nested(0, 0));
+    std::ranges::fill(result.values, std::nan(""));
+    for (const TestPacket& packet : tiling) {
+        const Place place = placeOf(result.rows, result.cols, packet);
+        result.put(place, Grid::of(table.nested(packet.level, 0)).part(place));
+    }
+    return result;
 }

@@ -19,12 +19,16 @@ std::vector<Tiling> allTilings(int dimensions, int depth);
 // Some tiling that reaches the level.
 Tiling randomTiling(int dimensions, int depth, unsigned seed);
 
-// All packets of a level, row by row.
+// All packets of a level, row by row; and of all levels down to one.
 Tiling wholeLevel(int dimensions, int level);
+Tiling wholeLevels(int dimensions, int deepest);
 
 // A row for each packet, in the order given.
 Value basisOf(int dimensions, const Tiling& tiling);
+Value basisOfLevel(int dimensions, int level);
 Value basisRows(const std::vector<Numbers>& rows);
+// Rows of levels and positions; of an image the column position is 0.
+Value basisRows(int dimensions, std::vector<Numbers> rows);
 
 struct Span {
     int start;
@@ -58,3 +62,10 @@ struct Grid {
 };
 
 Grid noisyGrid(int rows, int cols, unsigned seed = 1);
+Value signal(int n);
+Value image(int rows, int cols);
+// A signal, or an image with equal sides.
+Value square(int dimensions, int side);
+
+// The coefficients of a tiling, each packet's from its level of a table.
+Grid picked(const Value& table, const Tiling& tiling);

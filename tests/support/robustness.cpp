@@ -87,13 +87,9 @@ bool UnusualCaller::undisturbed() const {
 
 namespace {
 
-struct Thrown {
-    TestHost::Thrower thrower;
-    const char* complaint;
-};
-
-const std::vector<Thrown>& throwables() {
-    static const std::vector<Thrown> all = {
+// What a service may throw, and what is said then.
+const std::vector<std::pair<TestHost::Thrower, const char*>>& throwables() {
+    static const std::vector<std::pair<TestHost::Thrower, const char*>> all = {
         {messageText("stop"), "stop (0)"},
         {errorValue("no", 2), "no (2)"},
         {fault(0xC0000094), "EXCEPTION_INT_DIVIDE_BY_ZERO (0)"},
@@ -128,6 +124,7 @@ class Trial {
         throwables();  // made before memory is counted
     }
 
+    // The trials go on until the call does not come as far as the k-th allocation.
     void lackOfOwnMemory() {
         bool happened = true;
         for (int k = 1; happened; ++k) {
@@ -147,7 +144,10 @@ class Trial {
         for (int k = 1; happened; ++k) {
             SCOPED_TRACE("allocation " + std::to_string(k) + " of the host");
             const Holdings before = holdings();
-            happened = refuseHostAllocation(k);
+            host_.failAllocation(k);
+            const bool refused = PackTest::complaintOf(call(usual_)) == "out of memory (0)";
+            happened = host_.happened();
+            EXPECT_EQ(refused, happened);
             expectRecovered(before);
         }
     }
@@ -195,20 +195,12 @@ class Trial {
     }
     void expectComplaint(const char* complaint) { EXPECT_EQ(PackTest::complaintOf(call(usual_)), complaint); }
 
-    // Whether the call came as far as the k-th allocation.
+    // Whether the call came as far as that.
     bool refuseAllocation(int k, const std::vector<Value>& arguments) {
         const FailingNew failing(k);
         const std::string complaint = PackTest::complaintOf(call(arguments));
         if (!failing.happened()) return false;
         EXPECT_TRUE(complaint == "out of memory (0)" || complaint == subject_.alternative) << complaint;
-        return true;
-    }
-
-    bool refuseHostAllocation(int k) {
-        host_.failAllocation(k);
-        const std::string complaint = PackTest::complaintOf(call(usual_));
-        if (!host_.happened()) return false;
-        EXPECT_EQ(complaint, "out of memory (0)");
         return true;
     }
 
@@ -223,11 +215,21 @@ class Trial {
         host_.clear();
         call(usual_);
         const int calls = host_.calls(service);
+        // A host that fails to let go of a root spoils no result.
+        const bool spoils = service != Service::removeRoot;
         for (int k = 1; k <= calls; ++k) {
             SCOPED_TRACE("service " + std::to_string(static_cast<int>(service)) + ", call " +
                          std::to_string(k));
-            for (const Thrown& thrown : throwables()) expectPassedOn(service, k, thrown);
-            expectLetThrough(service, k);
+            const Holdings before = holdings();
+            for (const auto& [thrower, complaint] : throwables()) {
+                host_.throwAt(service, k, thrower);
+                expectComplaint(spoils ? complaint : "no error");
+                expectRecovered(before);
+            }
+            if (!spoils) continue;
+            host_.throwAt(service, k, foreigner());
+            EXPECT_THROW(callWatched(), Foreigner);
+            expectRecovered(before);
         }
     }
 
@@ -241,22 +243,6 @@ class Trial {
             throw;
         }
     }
-
-    // A host that fails to let go of a root spoils no result.
-    void expectPassedOn(Service service, int k, const Thrown& thrown) {
-        const Holdings before = holdings();
-        host_.throwAt(service, k, thrown.thrower);
-        expectComplaint(service == Service::removeRoot ? "no error" : thrown.complaint);
-        expectRecovered(before);
-    }
-
-    void expectLetThrough(Service service, int k) {
-        if (service == Service::removeRoot) return;
-        const Holdings before = holdings();
-        host_.throwAt(service, k, foreigner());
-        EXPECT_THROW(callWatched(), Foreigner);
-        expectRecovered(before);
-    }
 };
 
 }  // namespace
@@ -268,4 +254,8 @@ void expectRobust(const RobustCall& call) {
     trial.lackOfHostMemory();
     trial.interruptions();
     trial.exceptions();
+}
+
+void expectRobust(const std::string& function, const std::vector<Value>& arguments, int polls) {
+    expectRobust({function, [=](int) { return arguments; }, polls});
 }

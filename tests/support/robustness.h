@@ -22,6 +22,8 @@ struct RobustCall {
 };
 
 void expectRobust(const RobustCall& call);
+// With the same arguments each time.
+void expectRobust(const std::string& function, const std::vector<Value>& arguments, int polls = 0);
 
 // The floating-point state of a caller who likes it unusual: rounds upward, flushes denormals to
 // zero, has some flags raised. Put back to normal at the end. On Windows, where a call gives back

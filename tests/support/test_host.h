@@ -16,7 +16,9 @@
 #include <functional>
 #include <iosfwd>
 #include <optional>
+#include <set>
 #include <string>
+#include <utility>
 
 #include "efihost/host.h"
 
@@ -52,15 +54,22 @@ class TestHost : public efihost::Host {
     void failAllocation(int k);
     // The k-th call of one service fails: it answers null, or a failing status; an evaluation
     // and a transform answer with a null result.
-    void failAt(Service service, int k);
+    void failAt(Service service, int k) { give({{service}, k, Trouble::failure, {}}); }
     // The k-th call of a service, or of any, throws.
-    void throwAt(Service service, int k, Thrower thrower);
-    void throwAt(int k, Thrower thrower);
+    void throwAt(Service service, int k, const Thrower& thrower) {
+        give({{service}, k, Trouble::none, thrower});
+    }
+    void throwAt(int k, const Thrower& thrower) { give({{}, k, Trouble::none, thrower}); }
     // The k-th poll, or the k-th evaluation of either kind, says that the user has interrupted.
-    void interruptAt(int k);
-    void interruptEvaluationAt(int k);
+    void interruptAt(int k) { give({{Service::pollInterrupt}, k, Trouble::interruption, {}}); }
+    void interruptEvaluationAt(int k) {
+        give({{Service::applyOne, Service::applyList}, k, Trouble::interruption, {}});
+    }
 
     void clear();
+
+    // Done at each call of a service from now on.
+    void doAlways(std::function<void()> action) { always_ = std::move(action); }
 
     // Whether the service that the order is for was reached.
     bool happened() const { return happened_; }
@@ -81,25 +90,52 @@ class TestHost : public efihost::Host {
     };
     Leaks leaks() const;
 
-    aMatrix* makeMatrix(int rows, int cols, double* re, double* im, unsigned bytes) override;
-    aComplex* makeScalar() override;
-    Cons* makeCell(Anyval* value, Cons* next) override;
-    Anyval* makeError(const char* message, int argIndex) override;
-    EfiRootSet* openRootSet() override;
-    Anyval** addRoot() override;
-    void removeRoot(Anyval** cell) override;
-    std::int32_t applyList(aLambda* function, Cons* arguments, Anyval** result) override;
-    std::int32_t applyOne(aLambda* function, Anyval* argument, Anyval** result) override;
-    std::int32_t pollInterrupt() override;
-    aMatrix* transform(Anyval* column, bool inverse) override;
-    std::int64_t findNested(const aMatrix* matrix, std::int64_t from) override;
-    Anyval* readNested(const aMatrix* matrix, int row, int col) override;
-    std::int32_t writeNested(aMatrix* matrix, int row, int col, Anyval* value) override;
+    aMatrix* makeMatrix(int rows, int cols, double* re, double* im, unsigned bytes) override {
+        return fails(Service::makeMatrix) ? nullptr : Host::makeMatrix(rows, cols, re, im, bytes);
+    }
+    aComplex* makeScalar() override { return fails(Service::makeScalar) ? nullptr : Host::makeScalar(); }
+    Cons* makeCell(Anyval* value, Cons* next) override {
+        return fails(Service::makeCell) ? nullptr : Host::makeCell(value, next);
+    }
+    Anyval* makeError(const char* message, int argIndex) override {
+        return fails(Service::makeError) ? nullptr : Host::makeError(message, argIndex);
+    }
+    EfiRootSet* openRootSet() override { return fails(Service::openRootSet) ? nullptr : Host::openRootSet(); }
+    Anyval** addRoot() override { return fails(Service::addRoot) ? nullptr : Host::addRoot(); }
+    void removeRoot(Anyval** cell) override {
+        Host::removeRoot(cell);
+        arrive(Service::removeRoot);
+    }
+    std::int32_t applyList(aLambda* function, Cons* arguments, Anyval** result) override {
+        return evaluate(Service::applyList, result,
+                        [&] { return Host::applyList(function, arguments, result); });
+    }
+    std::int32_t applyOne(aLambda* function, Anyval* argument, Anyval** result) override {
+        return evaluate(Service::applyOne, result,
+                        [&] { return Host::applyOne(function, argument, result); });
+    }
+    std::int32_t pollInterrupt() override {
+        const bool interrupted = arrive(Service::pollInterrupt) == Trouble::interruption;
+        return interrupted ? efiInterrupted : Host::pollInterrupt();
+    }
+    aMatrix* transform(Anyval* column, bool inverse) override {
+        return fails(Service::transform) ? nullptr : Host::transform(column, inverse);
+    }
+    std::int64_t findNested(const aMatrix* matrix, std::int64_t from) override {
+        arrive(Service::findNested);
+        return Host::findNested(matrix, from);
+    }
+    Anyval* readNested(const aMatrix* matrix, int row, int col) override {
+        return fails(Service::readNested) ? nullptr : Host::readNested(matrix, row, col);
+    }
+    std::int32_t writeNested(aMatrix* matrix, int row, int col, Anyval* value) override {
+        return fails(Service::writeNested) ? -1 : Host::writeNested(matrix, row, col, value);
+    }
 
  private:
     enum class Trouble { none, failure, interruption };
     struct Order {
-        std::function<bool(Service)> concerns;
+        std::set<Service> services;  // none for all
         int countdown;
         Trouble trouble;
         Thrower thrower;
@@ -108,11 +144,20 @@ class TestHost : public efihost::Host {
     void give(Order order);
     // Counts a call; carries out the order when its moment has come.
     Trouble arrive(Service service);
-    std::int32_t evaluate(Service service, Anyval** result, const std::function<std::int32_t()>& evaluation);
+    bool fails(Service service) { return arrive(service) == Trouble::failure; }
+
+    template <class Evaluation>
+    std::int32_t evaluate(Service service, Anyval** result, Evaluation evaluation) {
+        *result = nullptr;
+        const Trouble trouble = arrive(service);
+        if (trouble == Trouble::none) return evaluation();
+        return trouble == Trouble::interruption ? efiInterrupted : 0;
+    }
 
     std::array<int, serviceCount> calls_{};
     std::optional<Order> order_;
     bool happened_ = false;
+    std::function<void()> always_ = [] {};
     std::size_t valuesAtFirst_;
 };
 
