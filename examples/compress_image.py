@@ -37,16 +37,6 @@ INK, FAINT = "#1b1b1b", "#b8bec7"
 COLOURS = {"absolute value": "#d1495b", "entropy": "#edae49", "min(x², t²)": "#00798c"}
 
 
-def read_pgm(path):
-    """A binary PGM file without comments."""
-    data = path.read_bytes()
-    kind, width, height, maximum = data.split(maxsplit=4)[:4]
-    if kind != b"P5" or int(maximum) != WHITE:
-        raise ValueError(f"{path}: not an 8-bit binary PGM file")
-    shape = int(height), int(width)
-    return np.frombuffer(data[-shape[0] * shape[1] :], np.uint8).reshape(shape).astype(float)
-
-
 def entropy_for(energy):
     """The entropy is meant for data of unit energy."""
 
@@ -190,7 +180,7 @@ def percent():
 
 def main():
     path = Path(sys.argv[1]) if len(sys.argv) > 1 else HERE.parent / "out" / "compress_image.png"
-    compression = Compression(read_pgm(HERE / "data" / "camera.pgm"))
+    compression = Compression(plt.imread(HERE / "data" / "camera.pgm").astype(float))
     ratios = ratios_of(compression)
     print_table(ratios)
     draw(path, compression, ratios)

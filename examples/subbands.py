@@ -29,16 +29,6 @@ WHITE = 255
 LINE = "#edae49"
 
 
-def read_pgm(path):
-    """A binary PGM file without comments."""
-    data = path.read_bytes()
-    kind, width, height, maximum = data.split(maxsplit=4)[:4]
-    if kind != b"P5" or int(maximum) != WHITE:
-        raise ValueError(f"{path}: not an 8-bit binary PGM file")
-    shape = int(height), int(width)
-    return np.frombuffer(data[-shape[0] * shape[1] :], np.uint8).reshape(shape).astype(float)
-
-
 def without(coefficients, letters, levels=range(1, LEVELS + 1)):
     """The coefficients with the details of these letters and levels put to zero."""
     for level in levels:
@@ -144,7 +134,7 @@ def draw_mosaic(axis, coefficients):
 
 def main():
     path = Path(sys.argv[1]) if len(sys.argv) > 1 else HERE.parent / "out" / "subbands.png"
-    picture = read_pgm(HERE / "data" / "camera.pgm")
+    picture = plt.imread(HERE / "data" / "camera.pgm").astype(float)
     coefficients = undula.dwts(picture, LEVELS, FILTER)
     restored = picture_of(with_details_of(without(coefficients, LETTERS), coefficients))
     print_table(picture, coefficients, restored)
