@@ -103,11 +103,6 @@ TEST_F(HostCall, MeetsThePacksLackOfMemory) {
     EXPECT_EQ(liveAllocations(), before);
 }
 
-TEST_F(HostCall, SharesAnArgumentThatIsTheResult) {
-    const Value nested = Value::table({Value::table({Value("deep")})});
-    EXPECT_EQ(call("identity", nested).raw(), nested.raw());
-}
-
 // Values come and go without the lock; a call waits for it.
 TEST_F(HostCall, WaitsForTheLockAndReentersIt) {
     std::promise<void> entered;
@@ -144,18 +139,6 @@ TEST_F(HostEvaluation, CallsBothKindsOfFunctions) {
     EXPECT_THROW(call("evaluate", real, std::complex(0.0, 1.0)), Error);
     EXPECT_THROW(call("evaluate", real, Value::column({})), Error);
     EXPECT_THROW(call("evaluate", 3, 1), Error);  // not a function: no result
-}
-
-TEST_F(HostEvaluation, ThrowsWhatAUserFunctionThrewAfterThePackHasReturned) {
-    struct Mine {
-        int number;
-    };
-    const Value bad = Value::function([](double x) -> double { throw Mine{static_cast<int>(x)}; });
-    EXPECT_EQ(caught<Mine>([&] { call("evaluate", bad, 5); }).number, 5);  // the pack returns 0
-    // Through a call within a call.
-    const Value outer = Value::function([&](double x) { return call("evaluate", bad, x).real(); });
-    EXPECT_THROW(call("evaluate", outer, 6), Mine);
-    EXPECT_EQ(call("gather1", 1).at(0, 0), 1.0);
 }
 
 TEST_F(HostEvaluation, StopsAfterTheFirstException) {

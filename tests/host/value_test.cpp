@@ -5,49 +5,12 @@
 #include <limits>
 #include <memory>
 #include <stdexcept>
-#include <string>
 #include <vector>
 
 #include "efihost/value.h"
 
 using efihost::liveValues;
 using efihost::Value;
-using std::complex;
-
-TEST(Value, HoldsNumbersByColumns) {
-    const std::vector<double> re = {1, 2, 3, 4, 5, 6};
-    const std::vector<double> im = {0, 0, 0, 0, 0, -7};
-    const Value real = Value::matrix(2, 3, re);
-    const Value both = Value::matrix(2, 3, re, im);
-
-    EXPECT_EQ(real.at(1, 0), 2.0);
-    EXPECT_EQ(real.at(0, 2), 5.0);
-    EXPECT_EQ(both.at(1, 2), complex(6.0, -7.0));
-    EXPECT_EQ(real.matrix().im, nullptr);
-    EXPECT_EQ(real.matrix().bytes, 48u);
-    EXPECT_EQ(real.matrix().stride, 2);
-    EXPECT_EQ(real.re(1)[0], 3.0);
-    EXPECT_TRUE(real.im(1).empty());
-    EXPECT_EQ(both.imaginaries(), im);
-    EXPECT_EQ(real.imaginaries(), std::vector<double>(6));
-    EXPECT_EQ(Value::column(re).rows(), 6);
-    EXPECT_EQ(Value::matrix(0, 3, {}).reals().size(), 0u);
-}
-
-TEST(Value, TakesScalarsTextAndAnyTag) {
-    EXPECT_EQ(Value(0).scalar(), 0.0);
-    EXPECT_EQ(Value(-2.5).real(), -2.5);
-    EXPECT_EQ(Value(complex(1.0, 2.0)).scalar(), complex(1.0, 2.0));
-    EXPECT_EQ(Value("haar").text(), "haar");
-    EXPECT_EQ(Value(std::string("a\0b", 3)).text(), "a");  // NUL-terminated, as packs read it
-    EXPECT_EQ(Value::ofTag(TagUnsupported).tag(), 16);
-    EXPECT_EQ(Value::function([](double x) { return x; }, TagFunctionAlt).tag(), 8);
-
-    const Value error = Value::error("must be real", 2);
-    EXPECT_TRUE(error.isError());
-    EXPECT_EQ(error.message(), "must be real");
-    EXPECT_EQ(error.argument(), 2);
-}
 
 TEST(Value, RefusesWhatDoesNotFit) {
     const std::vector<double> five(5);

@@ -54,17 +54,14 @@ double costOfTiling(const Levels& levels, const Tiling& tiling, const RealCallba
 }
 
 // Row and column position with their bits in turn, the row's first.
-int treeOrder(const TestPacket& packet) {
-    int order = 0;
-    for (int bit = 0; bit < 15; ++bit) {
-        order |= (packet.row >> bit & 1) << (2 * bit + 1) | (packet.col >> bit & 1) << (2 * bit);
-    }
-    return order;
+int treeOrder(int row, int col) {
+    return row + col == 0 ? 0 : 4 * treeOrder(row / 2, col / 2) + 2 * (row % 2) + col % 2;
 }
 
 Tiling inOrder(Tiling tiling) {
-    std::ranges::sort(tiling, {},
-                      [](const TestPacket& packet) { return std::pair(packet.level, treeOrder(packet)); });
+    std::ranges::sort(tiling, {}, [](const TestPacket& packet) {
+        return std::pair(packet.level, treeOrder(packet.row, packet.col));
+    });
     return tiling;
 }
 
@@ -110,17 +107,11 @@ TEST_F(BestBasis, IsBestOfAllBases) {
     }
 }
 
-TEST_F(BestBasis, TakesTheChildrenOnATie) {
-    const Value one = costOf([](double) { return 1.0; });
-    const auto expectRows = [&](const Value& table, const Value& rows) {
-        EXPECT_TRUE(same(call("best_basis", table, one), rows));
-    };
-    expectRows(wholeNumbers(32, 1, 5, 1).value(), basisOfLevel(1, 5));
-    expectRows(wholeNumbers(9, 8, 3, 1).value(), basisOf(2, inOrder(wholeLevel(2, 3))));
-    expectRows(Value::table({signal(5)}), basisOfLevel(1, 0));
-    expectRows(Value::table({row({1, 2, 3})}), basisOfLevel(2, 0));
-    expectRows(Value::table({column({})}), basisOfLevel(1, 0));
-    expectRows(Value::table({image(0, 3)}), basisOfLevel(2, 0));
+TEST_F(BestBasis, OfOneLevelIsThatLevel) {
+    for (const auto& [rows, cols] : {std::pair(5, 1), {1, 3}, {0, 1}, {0, 3}}) {
+        const Levels levels = wholeNumbers(rows, cols, 0, 1);
+        expectBest(levels, {wholeLevel(levels.dimensions(), 0)});
+    }
 }
 
 // Each packet once, from the deepest level up; of an image the deepest level by rows of packets, the
@@ -205,7 +196,7 @@ TEST(BestBasisRobustness, PollsAsOftenAsSaidAndSurvivesEveryTrouble) {
     for (const auto& [rows, cols, deepest, polls] :
          {std::tuple(5, 1, 2, 7), {4, 5, 2, 4 + 2}, {2, 2, 0, 1}}) {
         const Value table = wholeNumbers(rows, cols, deepest, 9).value();
-        expectRobust({"best_basis", [=](int) { return Arguments{table, cost}; }, polls});
+        expectRobust("best_basis", {table, cost}, polls);
     }
 }
 

@@ -102,33 +102,28 @@ TEST_F(FloatingPoint, PrefersWhatTheHostThrew) {
 }
 
 TEST_F(FloatingPoint, NamesThePlatformsExceptions) {
-    const std::pair<std::uint32_t, const char*> names[] = {{0xC000008E, "singularity"},
-                                                           {0xC0000090, "floating point error"},
-                                                           {0xC0000091, "overflow"},
-                                                           {0xC000008D, "EXCEPTION_FLT_DENORMAL_OPERAND"},
-                                                           {0xC000008F, "EXCEPTION_FLT_INEXACT_RESULT"},
-                                                           {0xC0000092, "EXCEPTION_FLT_STACK_CHECK"},
-                                                           {0xC0000093, "EXCEPTION_FLT_UNDERFLOW"},
-                                                           {0xC0000094, "EXCEPTION_INT_DIVIDE_BY_ZERO"},
-                                                           {0xC0000095, "EXCEPTION_INT_OVERFLOW"},
-                                                           {0xC0000096, "EXCEPTION_PRIV_INSTRUCTION"},
-                                                           {0xC00000FD, "EXCEPTION_STACK_OVERFLOW"},
-                                                           {0x80000001, "EXCEPTION_GUARD_PAGE"},
-                                                           {0x80000002, "EXCEPTION_DATATYPE_MISALIGNMENT"},
-                                                           {0x80000003, "EXCEPTION_BREAKPOINT"},
-                                                           {0x80000004, "EXCEPTION_SINGLE_STEP"},
-                                                           {0xC0000005, "EXCEPTION_ACCESS_VIOLATION"},
-                                                           {0xC0000006, "EXCEPTION_IN_PAGE_ERROR"},
-                                                           {0xC000001D, "EXCEPTION_ILLEGAL_INSTRUCTION"},
-                                                           {0xC0000025, "EXCEPTION_NONCONTINUABLE_EXCEPTION"},
-                                                           {0xC0000026, "EXCEPTION_INVALID_DISPOSITION"},
-                                                           {0xC000008C, "EXCEPTION_ARRAY_BOUNDS_EXCEEDED"},
-                                                           {0xC000008B, "EXCEPTION_UNKNOWN_EXCEPTION"},
-                                                           {0, "EXCEPTION_UNKNOWN_EXCEPTION"}};
-    for (const auto& [code, name] : names) {
+    struct Named {
+        std::uint32_t code;
+        std::string name;
+    };
+    const auto expectName = [&](std::uint32_t code, const std::string& name) {
         host.throwAt(Service::pollInterrupt, 1, fault(code));
-        EXPECT_EQ(complaint("create_level", 1, 1), std::string(name) + " (0)");
-    }
+        EXPECT_EQ(complaint("create_level", 1, 1), name + " (0)");
+    };
+    expectName(0xC000008E, "singularity");
+    expectName(0xC0000090, "floating point error");
+    expectName(0xC0000091, "overflow");
+    const Named others[] = {{0xC000008D, "FLT_DENORMAL_OPERAND"}, {0xC000008F, "FLT_INEXACT_RESULT"},
+                            {0xC0000092, "FLT_STACK_CHECK"},      {0xC0000093, "FLT_UNDERFLOW"},
+                            {0xC0000094, "INT_DIVIDE_BY_ZERO"},   {0xC0000095, "INT_OVERFLOW"},
+                            {0xC0000096, "PRIV_INSTRUCTION"},     {0xC00000FD, "STACK_OVERFLOW"},
+                            {0x80000001, "GUARD_PAGE"},           {0x80000002, "DATATYPE_MISALIGNMENT"},
+                            {0x80000003, "BREAKPOINT"},           {0x80000004, "SINGLE_STEP"},
+                            {0xC0000005, "ACCESS_VIOLATION"},     {0xC0000006, "IN_PAGE_ERROR"},
+                            {0xC000001D, "ILLEGAL_INSTRUCTION"},  {0xC0000025, "NONCONTINUABLE_EXCEPTION"},
+                            {0xC0000026, "INVALID_DISPOSITION"},  {0xC000008C, "ARRAY_BOUNDS_EXCEEDED"},
+                            {0xC000008B, "UNKNOWN_EXCEPTION"},    {0, "UNKNOWN_EXCEPTION"}};
+    for (const auto& [code, name] : others) expectName(code, "EXCEPTION_" + name);
 }
 
 // Services may raise flags, or clear them, as somebody else's code may.

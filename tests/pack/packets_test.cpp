@@ -12,7 +12,6 @@ namespace {
 constexpr double root = std::numbers::sqrt2;
 constexpr double twoTo40 = 0x1p40;
 
-const Numbers haar = {root / 2, root / 2};
 const Numbers daublet4 = {0.48296291314453416, 0.83651630373780794, 0.22414386804201339,
                           -0.12940952255126037};
 
@@ -35,7 +34,7 @@ struct Treatment {
 const std::vector<Treatment> treatments = {
     {"wpt", "iwpt", "dwt", column(daublet4), noisyGrid(640, 1), noisyGrid(16, 24)},
     {"wpt", "iwpt", "dwt", splines(), noisyGrid(256, 1), noisyGrid(8, 8)},
-    {"wpts", "iwpts", "dwts", column(haar), noisyGrid(131, 1), noisyGrid(9, 15)},
+    {"wpts", "iwpts", "dwts", haar(), noisyGrid(131, 1), noisyGrid(9, 15)},
     {"wpts", "iwpts", "dwts", splines(), noisyGrid(499, 1), noisyGrid(29, 18)},
     {"wpti", "iwpti", "dwti", column(daublet4), noisyGrid(512, 1), noisyGrid(32, 64)},
 };
@@ -147,7 +146,7 @@ TEST_F(Packets, OfLevelZeroAreTheData) {
         for (const Value& empty : {column({}), Value::matrix(0, 3, Numbers{})}) expectData(treatment, empty);
     }
     // A row is an image of one row.
-    EXPECT_TRUE(same(call("wpt", row({1, 2, 3, 4}), 0, column(haar)).nested(0, 0), row({1, 2, 3, 4})));
+    EXPECT_TRUE(same(call("wpt", row({1, 2, 3, 4}), 0, haar()).nested(0, 0), row({1, 2, 3, 4})));
 }
 
 // --- errors ---
@@ -219,32 +218,17 @@ std::vector<Value> untiled(int dimensions) {
         overlap.push_back({level - 1, 0, 0});
         bases.push_back(basisOf(dimensions, overlap));
     }
-    // Last, a packet in the place of its own children.
+    // Families that are none: of packets with different parents, or with one that stands twice.
     if (dimensions == 1) {
-        bases.push_back(basisRows({{0, 0}, {2, 3}, {2, 3}}));
-        bases.push_back(basisRows({{2, 1}, {2, 2}, {1, 0}, {1, 1}}));
+        bases.push_back(basisRows({{2, 0}, {2, 3}, {1, 1}}));
         bases.push_back(basisRows({{1, 0}, {2, 0}, {2, 1}}));
     } else {
-        bases.push_back(basisRows({{1, 0, 0}, {1, 0, 1}, {1, 1, 0}, {2, 2, 2}}));
-        Tiling nested = wholeLevel(2, 1);
-        nested.back() = {2, 0, 0};
-        for (const auto& [row, col] : {std::pair(0, 1), {1, 0}, {1, 1}}) nested.push_back({2, row, col});
-        bases.push_back(basisOf(2, nested));
+        bases.push_back(
+            basisRows({{2, 0, 0}, {2, 0, 1}, {2, 1, 0}, {2, 3, 3}, {1, 0, 1}, {1, 1, 0}, {1, 1, 1}}));
+        bases.push_back(
+            basisRows({{1, 0, 0}, {1, 0, 1}, {1, 1, 0}, {2, 0, 0}, {2, 0, 1}, {2, 1, 0}, {2, 1, 1}}));
     }
     return bases;
-}
-
-void addWavelets(std::vector<ErrorCase>& table, const char* name, bool takesOffsets) {
-    const auto add = [&](const char* message, int index, const Arguments& wavelet) {
-        table.push_back({name, joined({unrealColumn(), unrealRows()}, wavelet), message, index});
-    };
-    add(notArray, 3, {unrealColumn()});
-    add(noFilter, 3, {column({})});
-    if (!takesOffsets) return;
-    add(notArray, 4, {column(haar), unreal, unreal});
-    add(notArray, 5, {column(haar), 0.5, unreal});
-    add(noFilter, 3, {column(haar), 0.5});
-    add(noFilter, 3, {column(haar), 0, 2});
 }
 
 void addLevels(std::vector<ErrorCase>& table) {
@@ -259,12 +243,12 @@ void addLevels(std::vector<ErrorCase>& table) {
         wrong.give("illegal context", 2, {{signal(8), Value::ofTag(16)}});
         wrong.give("EfiMustBeScalarOrArray", 2, {{signal(8), "2"}});
     }
-    const WrongCalls wpt(table, "wpt", {column(haar)});
+    const WrongCalls wpt(table, "wpt", {haar()});
     wpt.give(noLevel, 2, {{signal(12), 3}, {image(4, 6), 2}, {image(6, 4), 2}});
     const WrongCalls wpts(table, "wpts", {column(daublet4)});
     wpts.give(notSymmetric, 3, {{signal(8), 3}});
     wpts.give(noLevel, 2, {{signal(7), 3}, {image(8, 3), 2}, {image(3, 8), 2}});
-    const WrongCalls refused(table, "wpti", {column(haar)});
+    const WrongCalls refused(table, "wpti", {haar()});
     refused.give(noInterval, 3, {{signal(64), 1}});
     refused.give(noLevel, 2, {{signal(65), 1}});
     const WrongCalls wpti(table, "wpti", {column(daublet4)});
@@ -313,9 +297,12 @@ void addDepths(std::vector<ErrorCase>& table, const std::string& prefix) {
 std::vector<ErrorCase> packetErrors() {
     std::vector<ErrorCase> table;
     for (const char* name : {"wpt", "iwpt", "wpts", "iwpts"}) {
-        addWavelets(table, name, std::string_view(name).ends_with("wpt"));
+        const WrongCalls wrong(table, name);
+        wrong.give(notArray, 3, {{unrealColumn(), unrealRows(), unrealColumn()}});
+        wrong.give(noFilter, 3, {{unrealColumn(), unrealRows(), column({})}});
         addBases({table, name, {threeTaps()}});
     }
+    for (const char* name : {"wpt", "iwpt"}) addWrongWavelets({table, name}, {unrealColumn(), unrealRows()});
     addLevels(table);
     for (const char* prefix : {"", "i"}) addDepths(table, prefix);
     return cases(table);
@@ -332,8 +319,7 @@ TEST_F(Packets, AbsurdBasesCostNoMoreThanTheirRows) {
         for (const auto& [basis, message] : farBelow(dimensions)) bases.push_back(basis);
         if (dimensions == 1) bases.push_back(comb(5000));
         for (const Value& basis : bases) {
-            for (const auto& [name, last] :
-                 {std::pair("wpt", column(haar)), {"iwpts", column(haar)}, {"evalbs", cost}}) {
+            for (const auto& [name, last] : {std::pair("wpt", haar()), {"iwpts", haar()}, {"evalbs", cost}}) {
                 const long before = allocatedBytes();
                 EXPECT_NE(complaint(name, data, basis, last), "no error") << name;
                 EXPECT_LT(allocatedBytes() - before, 20000 + 200L * basis.rows()) << name;
@@ -345,29 +331,21 @@ TEST_F(Packets, AbsurdBasesCostNoMoreThanTheirRows) {
 // --- troubles ---
 
 TEST(PacketRobustness, PollsAsOftenAsSaidAndSurvivesEveryTrouble) {
-    // With a filter of the user's that the pack does not know yet.
-    const auto expectFresh = [](const char* name, const Value& data, const Value& second, int polls) {
-        const auto arguments = [=](int variant) {
-            return Arguments{data, second, column({0.5, 0.5 + 1e-3 * variant, 0.25})};
-        };
-        expectRobust({name, arguments, polls, "filter unimplemented (3)"});
-    };
-    const auto given = [](const Arguments& arguments) { return [=](int) { return arguments; }; };
     const Value deep = basisRows({{1, 0}, {2, 3}, {3, 4}, {3, 5}});
     Tiling mixed = {{1, 1, 1}, {1, 0, 1}, {1, 1, 0}, {2, 0, 0}, {2, 0, 1}, {2, 1, 0}, {2, 1, 1}};
     const Value blocks = basisOf(2, mixed);
 
-    expectFresh("wpt", signal(16), 3, 4);
-    expectFresh("wpt", signal(16), 0, 1);
-    expectFresh("wpt", image(8, 4), 2, 1);
-    expectFresh("wpt", signal(16), deep, 4);
-    expectFresh("wpt", image(8, 4), blocks, 3);
-    expectFresh("iwpt", signal(16), deep, 3);
-    expectFresh("iwpt", image(8, 4), blocks, 2);
-    expectRobust({"wpts", given({image(5, 7), 2, column(haar)}), 1});
-    expectRobust({"iwpts", given({signal(13), deep, column(haar)}), 3});
-    expectRobust({"wpti", given({image(16, 16), blocks, column(daublet4)}), 3});
-    expectRobust({"iwpti", given({signal(64), deep, column(daublet4)}), 3});
+    expectRobustWithNewFilter("wpt", {signal(16), 3}, 4);
+    expectRobustWithNewFilter("wpt", {signal(16), 0}, 1);
+    expectRobustWithNewFilter("wpt", {image(8, 4), 2}, 1);
+    expectRobustWithNewFilter("wpt", {signal(16), deep}, 4);
+    expectRobustWithNewFilter("wpt", {image(8, 4), blocks}, 3);
+    expectRobustWithNewFilter("iwpt", {signal(16), deep}, 3);
+    expectRobustWithNewFilter("iwpt", {image(8, 4), blocks}, 2);
+    expectRobust("wpts", {image(5, 7), 2, haar()}, 1);
+    expectRobust("iwpts", {signal(13), deep, haar()}, 3);
+    expectRobust("wpti", {image(16, 16), blocks, column(daublet4)}, 3);
+    expectRobust("iwpti", {signal(64), deep, column(daublet4)}, 3);
 }
 
 }  // namespace

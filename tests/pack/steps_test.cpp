@@ -65,12 +65,6 @@ void expectSameBits(const Signal& actual, const Signal& expected) {
     }
 }
 
-Signal run(Step* step, const FilterBank& bank, Signal x, bool swap) {
-    Workspace workspace;
-    EXPECT_EQ(step(bank, {x.data()}, static_cast<std::uint32_t>(x.size()), swap, workspace), Code::None);
-    return x;
-}
-
 // Signals side by side, far apart in memory, among numbers that must stay.
 void expectLines(Step* step, plain::Step* plainStep, const FilterBank& bank, std::size_t n, bool swap,
                  std::size_t count, std::size_t stride) {
@@ -132,14 +126,11 @@ TEST(Steps, IntervalEqualsPlainLoops) {
     }
 }
 
-TEST(Steps, RefuseWhatIsTooShortAndLeaveIt) {
+TEST(Steps, RefuseWhatIsTooShortWithoutLookingAtIt) {
     const RandomBank bank(4, 4, -1, -1, -1, -1);
     Workspace workspace;
-    const auto expectRefusal = [&](Step* step, std::size_t n) {
-        Signal x = randomSignal(6, 1);
-        EXPECT_EQ(step(bank, {x.data()}, static_cast<std::uint32_t>(n), false, workspace),
-                  Code::InvalidLevel);
-        EXPECT_EQ(x, randomSignal(6, 1));
+    const auto expectRefusal = [&](Step* step, std::uint32_t n) {
+        EXPECT_EQ(step(bank, {nullptr}, n, false, workspace), Code::InvalidLevel);
     };
     for (Step* step : {periodic_analysis_step, periodic_synthesis_step, symmetric_analysis_step,
                        symmetric_synthesis_step}) {
@@ -150,19 +141,6 @@ TEST(Steps, RefuseWhatIsTooShortAndLeaveIt) {
     expectRefusal(interval_synthesis_step, 6);
     for (const Block& block : {Block{nullptr, 1, 1, 8}, Block{nullptr, 8, 8, 1}})
         EXPECT_EQ(periodic_analysis_step_2d(bank, block, false, false, workspace), Code::InvalidLevel);
-}
-
-// An offset is a number that a user writes: the step's memory must not follow it.
-TEST(Steps, FarOffsetsWrapWithoutFarMemory) {
-    constexpr int far = 1 << 24;
-    const Signal x = randomSignal(8, 5);
-    for (const int sign : {-1, 1}) {
-        const RandomBank bank(4, 6, sign * far, 3, -sign * far, sign * far, 9);
-        expectSameBits(run(periodic_analysis_step, bank, x, false), plain::periodicAnalysis(bank, x, false));
-        const Signal merged = run(periodic_synthesis_step, bank, x, false);
-        const Signal expected = plain::periodicSynthesis(bank, x, false);
-        for (std::size_t i = 0; i < x.size(); ++i) EXPECT_NEAR(merged[i], expected[i], 1e-14);
-    }
 }
 
 TEST(Steps, BlockOfAnImageLeavesTheRestAlone) {
@@ -177,13 +155,9 @@ TEST(Steps, BlockOfAnImageLeavesTheRestAlone) {
     ASSERT_EQ(periodic_analysis_step_2d(bank, inside, true, false, workspace), Code::None);
 
     Signal expected = image;
-    const auto treat = [&](std::size_t start, std::size_t distance, std::size_t count, bool swap) {
-        Signal line(count);
-        for (std::size_t i = 0; i < count; ++i) line[i] = expected[start + i * distance];
-        line = plain::periodicAnalysis(bank, line, swap);
-        for (std::size_t i = 0; i < count; ++i) expected[start + i * distance] = line[i];
-    };
-    for (std::size_t c = 0; c < width; ++c) treat((3 + c) * rows + 5, 1, height, true);
-    for (std::size_t r = 0; r < height; ++r) treat(3 * rows + 5 + r, rows, width, false);
+    double* origin = expected.data() + 3 * rows + 5;
+    for (std::size_t c = 0; c < width; ++c)
+        periodic_analysis_step(bank, {origin + c * rows}, height, true, workspace);
+    periodic_analysis_step(bank, {origin, rows, height}, width, false, workspace);
     expectSameBits(actual, expected);
 }

@@ -1,27 +1,11 @@
 // The parts of transformed signals and images, and the lists of a level's parts.
-#include <numeric>
+#include <algorithm>
 
 #include "support/packets.h"
 #include "support/robustness.h"
 #include "support/wrong_calls.h"
 
 namespace {
-
-// The parts of a level lie side by side in the order of their indices. The ones of the index's Gray
-// code, from the most significant on, are the halvings that keep the smaller half.
-std::vector<Span> parts(int n, int level) {
-    std::vector<Span> all;
-    int start = 0;
-    for (int index = 0; index < 1 << level; ++index) {
-        const int gray = index ^ (index >> 1);
-        int length = n;
-        for (int bit = level - 1; bit >= 0; --bit)
-            length = (gray >> bit & 1) != 0 ? length / 2 : (length + 1) / 2;
-        all.push_back({start, length});
-        start += length;
-    }
-    return all;
-}
 
 class Subbands : public PackTest {
  protected:
@@ -76,10 +60,8 @@ TEST_F(Subbands, LieSideBySide) {
         int level = 0;
         for (; 1 << level <= n; ++level) {
             SCOPED_TRACE(std::to_string(n) + " coefficients, level " + std::to_string(level));
-            const auto spans = parts(n, level);
-            for (std::size_t k = 0; k < spans.size(); ++k)
-                expectPart(n, level, static_cast<int>(k), spans[k]);
-            EXPECT_EQ(complaint("get_subband", signal(n), level, spans.size()), "invalid packet index (3)");
+            for (int k = 0; k < 1 << level; ++k) expectPart(n, level, k, spanOf(n, level, k));
+            EXPECT_EQ(complaint("get_subband", signal(n), level, 1 << level), "invalid packet index (3)");
         }
         EXPECT_EQ(complaint("get_subband", signal(n), level, 0), "invalid level (2)");
     }
@@ -91,12 +73,8 @@ TEST_F(Subbands, OfImagesLieWhereTheHalvingsOfBothSidesPutThem) {
     for (const auto& [rows, cols] : {std::pair(8, 4), {5, 6}, {13, 7}, {4, 16}, {1, 5}, {2, 2}, {9, 1}}) {
         const Grid all = noisyGrid(rows, cols);
         for (int level = 0; 1 << level <= std::min(rows, cols); ++level) {
-            const auto down = parts(rows, level);
-            const auto across = parts(cols, level);
-            for (std::size_t i = 0; i < down.size(); ++i) {
-                for (std::size_t j = 0; j < across.size(); ++j)
-                    expectBlock(all, level, static_cast<int>(i), static_cast<int>(j), {down[i], across[j]});
-            }
+            for (const auto& [l, i, j] : wholeLevel(2, level))
+                expectBlock(all, level, i, j, {spanOf(rows, level, i), spanOf(cols, level, j)});
         }
     }
 }

@@ -1,4 +1,5 @@
 import gc
+import signal
 
 import numpy as np
 import pytest
@@ -20,3 +21,17 @@ def live_values():
         return undula._host.live_values()
 
     return count
+
+
+@pytest.fixture
+def alarm():
+    """A function that has a signal's handler called after some seconds: usually that of Ctrl-C."""
+    previous = signal.getsignal(signal.SIGALRM)
+
+    def set_alarm(seconds, handler=signal.default_int_handler):
+        signal.signal(signal.SIGALRM, handler)
+        signal.setitimer(signal.ITIMER_REAL, seconds)
+
+    yield set_alarm
+    signal.setitimer(signal.ITIMER_REAL, 0)
+    signal.signal(signal.SIGALRM, previous)

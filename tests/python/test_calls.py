@@ -1,10 +1,10 @@
 """Calls of several threads, calls that are stopped, and what calls leave behind."""
 
-import signal
 import subprocess
 import sys
 import threading
 import time
+from concurrent.futures import ThreadPoolExecutor
 
 import numpy as np
 import pytest
@@ -17,20 +17,13 @@ def test_calls_of_several_threads_do_not_disturb_each_other(rng):
     """The pack has one selected filter, so overlapping calls would mix their filters."""
     signals = rng.uniform(-1, 1, (len(WAVELETS), 4096))
     expected = [undula.dwt(x, 6, w) for x, w in zip(signals, WAVELETS)]
-    wrong = []
 
     def work(own):
-        for _ in range(100):
-            result = undula.dwt(signals[own], 6, WAVELETS[own])
-            if not np.array_equal(result, expected[own]):
-                wrong.append(own)
+        results = [undula.dwt(signals[own], 6, WAVELETS[own]) for _ in range(100)]
+        return all(np.array_equal(result, expected[own]) for result in results)
 
-    threads = [threading.Thread(target=work, args=(own,)) for own in range(len(WAVELETS))]
-    for thread in threads:
-        thread.start()
-    for thread in threads:
-        thread.join()
-    assert not wrong
+    with ThreadPoolExecutor(len(WAVELETS)) as pool:
+        assert all(pool.map(work, range(len(WAVELETS))))
 
 
 def test_other_threads_run_during_a_call():
@@ -54,7 +47,7 @@ def test_other_threads_run_during_a_call():
     assert steps > 5
 
 
-def test_an_interrupt_stops_a_long_call(live_values):
+def test_an_interrupt_stops_a_long_call(live_values, alarm):
     """It is raised by the call itself, before the call would have come to its end."""
     image = np.ones((2048, 2048), order="F")
     w = undula.coiflet(30)
@@ -63,16 +56,11 @@ def test_an_interrupt_stops_a_long_call(live_values):
     whole = time.perf_counter() - started
     before = live_values()
 
-    previous = signal.signal(signal.SIGALRM, signal.default_int_handler)
-    try:
-        started = time.perf_counter()
-        signal.setitimer(signal.ITIMER_REAL, whole / 4)
-        with pytest.raises(KeyboardInterrupt):
-            undula.idwt(image, 5, w)
-        assert time.perf_counter() - started < 0.75 * whole
-    finally:
-        signal.setitimer(signal.ITIMER_REAL, 0)
-        signal.signal(signal.SIGALRM, previous)
+    started = time.perf_counter()
+    alarm(whole / 4)
+    with pytest.raises(KeyboardInterrupt):
+        undula.idwt(image, 5, w)
+    assert time.perf_counter() - started < 0.75 * whole
     assert live_values() == before
     assert np.array_equal(undula.daublet(4), undula.daublet(4))
 

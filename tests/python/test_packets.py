@@ -38,30 +38,6 @@ def test_tables_agree_with_another_library(length, rng):
         assert np.abs(table[level] - np.block(expected)).max() < 1e-12
 
 
-def entropy(x):
-    return -(x**2) * np.log(x**2) if x else 0.0
-
-
-@pytest.mark.parametrize(
-    "split, merge, wavelet, shape",
-    [
-        (undula.wpt, undula.iwpt, undula.coiflet(6), (64, 96)),
-        (undula.wpts, undula.iwpts, undula.Bspline(2, 4), 500),
-        (undula.wpti, undula.iwpti, undula.daublet(6), (96, 96)),
-    ],
-)
-def test_the_best_basis_restores_the_data(split, merge, wavelet, shape, rng):
-    data = np.cumsum(rng.normal(size=shape), axis=0)
-    table = split(data, 3, wavelet)
-    basis = undula.best_basis(table, entropy)
-    coefficients = undula.extract_basis(table, basis)
-    assert np.abs(merge(coefficients, basis, wavelet) - data).max() < 1e-10 * np.abs(data).max()
-    cost = undula.evalbs(coefficients, basis, lambda packet: sum(map(entropy, packet.ravel())))[:, -1].sum()
-    for level in table:
-        other = sum(map(entropy, level.ravel()))
-        assert cost <= other + 1e-12 * abs(other)
-
-
 @pytest.mark.parametrize("kind", [KeyError, KeyboardInterrupt])
 def test_functions_that_raise(kind, live_values):
     table, x, basis = [np.ones(4), np.ones(4)], np.ones(4), [[1, 0], [1, 1]]

@@ -2,9 +2,8 @@
 for it: `identity` answers its argument, `evaluate` calls a function, `poll` polls."""
 
 import os
-import signal
-import threading
 import time
+from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 
 import numpy as np
@@ -146,32 +145,21 @@ def test_a_user_function_may_call_the_library():
 def test_user_functions_of_several_threads_take_turns(live_values):
     """Each call holds its turn while its function, which needs the interpreter, calls again."""
     before = live_values()
-    wrong = []
 
     def work(own):
-        for i in range(100):
-            if evaluate(lambda x: evaluate(lambda y: y + own, x), i) != i + own:
-                wrong.append((own, i))
+        return [evaluate(lambda x: evaluate(lambda y: y + own, x), i) - own for i in range(100)]
 
-    threads = [threading.Thread(target=work, args=(own,)) for own in range(8)]
-    for thread in threads:
-        thread.start()
-    for thread in threads:
-        thread.join()
-    assert not wrong
+    with ThreadPoolExecutor(8) as pool:
+        assert list(pool.map(work, range(8))) == [list(range(100))] * 8
     assert live_values() == before
 
 
-def test_the_handler_of_a_signal_ends_a_call_that_polls():
-    previous = signal.signal(signal.SIGALRM, lambda *_: throw(Refusal))
-    try:
-        signal.setitimer(signal.ITIMER_REAL, 0.05)
-        started = time.perf_counter()
-        with pytest.raises(Refusal):
-            ROWS["poll"].call((1e15,), ())
-        assert time.perf_counter() - started < 5
-    finally:
-        signal.signal(signal.SIGALRM, previous)
+def test_the_handler_of_a_signal_ends_a_call_that_polls(alarm):
+    alarm(0.05, lambda *_: throw(Refusal))
+    started = time.perf_counter()
+    with pytest.raises(Refusal):
+        ROWS["poll"].call((1e15,), ())
+    assert time.perf_counter() - started < 5
 
 
 def test_polls_are_cheap():

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <random>
 
+#include "support/robustness.h"
+
 namespace {
 
 // The packet itself, or its children and what they become.
@@ -62,15 +64,6 @@ Tiling wholeLevel(int dimensions, int level) {
     for (int row = 0; row < 1 << level; ++row) {
         for (int col = 0; col < (dimensions == 1 ? 1 : 1 << level); ++col)
             packets.push_back({level, row, col});
-    }
-    return packets;
-}
-
-Tiling wholeLevels(int dimensions, int deepest) {
-    Tiling packets;
-    for (int level = 0; level <= deepest; ++level) {
-        const Tiling more = wholeLevel(dimensions, level);
-        packets.insert(packets.end(), more.begin(), more.end());
     }
     return packets;
 }
@@ -135,6 +128,18 @@ Grid noisyGrid(int rows, int cols, unsigned seed) {
     return {rows, cols, noise(static_cast<std::size_t>(rows * cols), seed)};
 }
 
+Grid outer(const Numbers& down, const Numbers& along) {
+    Grid grid = {static_cast<int>(down.size()), static_cast<int>(along.size()), {}};
+    for (const double right : along) {
+        for (const double left : down) grid.values.push_back(left * right);
+    }
+    return grid;
+}
+
+Value haar() {
+    return column({0.7071067811865475, 0.7071067811865475});
+}
+
 Value signal(int n) {
     return noisyGrid(n, 1).value();
 }
@@ -155,4 +160,16 @@ Grid picked(const Value& table, const Tiling& tiling) {
         result.put(place, Grid::of(table.nested(packet.level, 0)).part(place));
     }
     return result;
+}
+
+void expectRobustWithNewFilter(const char* function, const std::vector<Value>& before, int polls,
+                               const std::vector<Value>& last) {
+    const auto arguments = [&](int variant) {
+        std::vector<Value> all = before;
+        all.push_back(column({0.5, 0.5 + 1e-3 * variant, 0.25}));
+        all.insert(all.end(), last.begin(), last.end());
+        return all;
+    };
+    const std::string refused = "filter unimplemented (" + std::to_string(before.size() + 1) + ")";
+    expectRobust({function, arguments, polls, refused});
 }

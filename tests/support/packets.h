@@ -1,4 +1,4 @@
-// Packets, tilings and their places, worked out in the plainest way.
+// Packets, tilings and their places, worked out in the plainest way; data, and calls with it.
 #pragma once
 
 #include <vector>
@@ -19,9 +19,8 @@ std::vector<Tiling> allTilings(int dimensions, int depth);
 // Some tiling that reaches the level.
 Tiling randomTiling(int dimensions, int depth, unsigned seed);
 
-// All packets of a level, row by row; and of all levels down to one.
+// All packets of a level, row by row.
 Tiling wholeLevel(int dimensions, int level);
-Tiling wholeLevels(int dimensions, int deepest);
 
 // A row for each packet, in the order given.
 Value basisOf(int dimensions, const Tiling& tiling);
@@ -62,6 +61,9 @@ struct Grid {
 };
 
 Grid noisyGrid(int rows, int cols, unsigned seed = 1);
+// The products of the numbers of two directions.
+Grid outer(const Numbers& down, const Numbers& along);
+Value haar();
 Value signal(int n);
 Value image(int rows, int cols);
 // A signal, or an image with equal sides.
@@ -69,3 +71,8 @@ Value square(int dimensions, int side);
 
 // The coefficients of a tiling, each packet's from its level of a table.
 Grid picked(const Value& table, const Tiling& tiling);
+
+// As expectRobust(), between the other arguments with a filter of the user's that the pack does not
+// know yet: 3 taps from 0 to 2, and as many for the high-pass filter, from -1 to 1.
+void expectRobustWithNewFilter(const char* function, const std::vector<Value>& before, int polls,
+                               const std::vector<Value>& last = {});

@@ -52,9 +52,6 @@ class TestHost : public efihost::Host {
     // The k-th service that allocates (makeMatrix, makeScalar, makeCell, openRootSet, addRoot,
     // writeNested) answers that there is no memory.
     void failAllocation(int k);
-    // The k-th call of one service fails: it answers null, or a failing status; an evaluation
-    // and a transform answer with a null result.
-    void failAt(Service service, int k) { give({{service}, k, Trouble::failure, {}}); }
     // The k-th call of a service, or of any, throws.
     void throwAt(Service service, int k, const Thrower& thrower) {
         give({{service}, k, Trouble::none, thrower});

@@ -61,3 +61,18 @@ class WrongCalls {
     std::string function_;
     Arguments last_;
 };
+
+// Wrong wavelets, which are looked at before all other arguments.
+inline void addWrongWavelets(const WrongCalls& wrong, const Arguments& before) {
+    const int position = static_cast<int>(before.size()) + 1;
+    const auto give = [&](const char* message, int index, const Arguments& wavelet) {
+        wrong.give(message, index, {joined(before, wavelet)});
+    };
+    const Value good = column({0.5, 0.5});
+    const Value bad = unrealColumn();
+    give(notArray, position, {bad, bad, bad});
+    give(notArray, position + 1, {good, unreal, bad});
+    give(notArray, position + 2, {column({}), 0, unreal});
+    give(noFilter, position, {good, 0.5});
+    give(noFilter, position, {good, 0, 2});
+}
