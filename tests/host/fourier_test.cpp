@@ -1,58 +1,42 @@
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <complex>
 #include <numbers>
-#include <random>
 #include <vector>
 
 #include "efi/host.h"
-#include "support/test_host.h"
+#include "support/pack.h"
 
 using efihost::Call;
-using efihost::Value;
 
 namespace {
 
-using Numbers = std::vector<std::complex<double>>;
+using Complex = std::vector<std::complex<double>>;
 
 // Numbers without any structure that a wrong transform might share.
-Numbers noise(std::size_t n) {
-    std::mt19937 random(static_cast<unsigned>(n));
-    std::uniform_real_distribution<double> number(-1.0, 1.0);
-    Numbers x(n);
-    for (auto& each : x) each = {number(random), number(random)};
-    return x;
+Value noisyColumn(std::size_t n) {
+    return Value::column(noise(n, 1), noise(n, 2));
 }
 
 // The sum itself, its angles reduced as integers and its terms added in long double.
-Numbers directSum(const Numbers& x, int sign) {
-    const std::size_t n = x.size();
+Complex directSum(const Value& x, int sign) {
+    const auto n = static_cast<std::size_t>(x.rows());
     std::vector<std::complex<long double>> circle(n);
     for (std::size_t k = 0; k < n; ++k) {
         const long double angle = 2 * std::numbers::pi_v<long double> * static_cast<long double>(k);
         circle[k] = std::polar(1.0L, static_cast<long double>(sign) * angle / static_cast<long double>(n));
     }
-    Numbers sums(n);
+    Complex sums(n);
     for (std::size_t m = 0; m < n; ++m) {
         std::complex<long double> sum = 0;
-        for (std::size_t k = 0; k < n; ++k) sum += std::complex<long double>(x[k]) * circle[m * k % n];
+        for (std::size_t k = 0; k < n; ++k)
+            sum += std::complex<long double>(x.at(static_cast<int>(k), 0)) * circle[m * k % n];
         sums[m] = std::complex<double>(sum);
     }
     return sums;
 }
 
-Value columnOf(const Numbers& x) {
-    std::vector<double> re, im;
-    for (const auto& number : x) {
-        re.push_back(number.real());
-        im.push_back(number.imag());
-    }
-    return Value::column(re, im);
-}
-
 // The error's root mean square, relative to the result's.
-double errorOf(const Value& result, const Numbers& expected) {
+double errorOf(const Value& result, const Complex& expected) {
     double error = 0.0;
     double all = 0.0;
     for (std::size_t m = 0; m < expected.size(); ++m) {
@@ -70,9 +54,9 @@ class Fourier : public testing::Test {
     }
 
     void expectSum(std::size_t n) {
-        const Numbers x = noise(n);
+        const Value x = noisyColumn(n);
         for (const bool inverse : {false, true}) {
-            const Value result = transform(columnOf(x), inverse);
+            const Value result = transform(x, inverse);
             ASSERT_TRUE(result.isMatrix());
             ASSERT_EQ(result.rows(), static_cast<int>(n));
             ASSERT_EQ(result.cols(), 1);
@@ -99,7 +83,7 @@ TEST_F(Fourier, StaysAccurateAtLengthsTooLongForTheSum) {
         Numbers impulse(n);
         impulse[1] = 1;
         for (const bool inverse : {false, true}) {
-            const Value result = transform(columnOf(impulse), inverse);
+            const Value result = transform(Value::column(impulse), inverse);
             double worst = 0;
             for (std::size_t m = 0; m < n; ++m) {
                 const double turn = static_cast<double>(m) / static_cast<double>(n);
@@ -125,8 +109,7 @@ TEST_F(Fourier, TakesNullArraysAsZerosAndRefusesOtherArguments) {
 
 // Its own last result among its arguments; a result that nothing holds is recycled.
 TEST_F(Fourier, RecyclesItsResults) {
-    const Numbers x = noise(53);
-    const Value column = columnOf(x);
+    const Value column = noisyColumn(53);
     {
         Call call(host);
         Value kept;
@@ -134,7 +117,7 @@ TEST_F(Fourier, RecyclesItsResults) {
             aMatrix* spectrum = CFFT(call.context(), column.raw());
             if (i == 50) kept = Value::of(spectrum);
             aMatrix* back = ICFFT(call.context(), spectrum);
-            ASSERT_LT(std::abs(Value::of(back).at(7, 0) / 53.0 - x[7]), 1e-14);
+            ASSERT_LT(std::abs(Value::of(back).at(7, 0) / 53.0 - column.at(7, 0)), 1e-14);
         }
         EXPECT_LE(host.leaks().values, 4);  // the column, the last two results, and the one kept
         EXPECT_EQ(kept.rows(), 53);

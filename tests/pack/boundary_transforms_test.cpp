@@ -6,6 +6,7 @@
 #include <numeric>
 
 #include "support/filter_pair.h"
+#include "support/packets.h"
 #include "support/robustness.h"
 #include "support/spline_pairs.h"
 #include "support/wrong_calls.h"
@@ -14,13 +15,8 @@ namespace {
 
 constexpr double root = std::numbers::sqrt2;
 
-const Value haar = column({root / 2, root / 2});
 const Value daublet4 =
     column({0.48296291314453416, 0.83651630373780794, 0.22414386804201339, -0.12940952255126037});
-
-Value noisy(int rows, int cols = 1) {
-    return Value::matrix(rows, cols, noise(static_cast<std::size_t>(rows * cols)));
-}
 
 class SymmetricTransform : public PackTest {
  protected:
@@ -126,7 +122,7 @@ TEST_F(SymmetricTransform, FollowsTheDefinitionAndIsInverted) {
         const Value filter = call("Bspline", m, n);
         const FilterPair pair = splinePair(filter);
         for (const auto& [rows, cols] : shapes) {
-            const Value x = strided(rows, cols, noisy(rows, cols).reals());
+            const Value x = strided(rows, cols, image(rows, cols).reals());
             for (int level = 0; 1 << level <= (cols == 1 ? rows : std::min(rows, cols)); ++level) {
                 SCOPED_TRACE(testing::Message() << m << n << ", " << rows << " x " << cols << ", " << level);
                 const Value y = call("dwts", x, level, filter);
@@ -196,10 +192,10 @@ TEST_F(IntervalTransform, InvertsSignalsAndImages) {
             EXPECT_EQ(same(y, x), level == 0);
             expectNear(numbers("idwti", y, level, h), x.reals(), tolerance);
         };
-        expectInverted(noisy(filter.moments), 0, 0.0);
+        expectInverted(signal(filter.moments), 0, 0.0);
         for (int level = 1; level <= 5; ++level)
-            expectInverted(noisy(shortest << (level - 1)), level, filter.roundTrip());
-        expectInverted(noisy(2 * shortest, 3 * shortest), 2, 2 * filter.roundTrip());
+            expectInverted(signal(shortest << (level - 1)), level, filter.roundTrip());
+        expectInverted(image(2 * shortest, 3 * shortest), 2, 2 * filter.roundTrip());
     }
 }
 
@@ -207,18 +203,16 @@ TEST_F(IntervalTransform, InvertsSignalsAndImages) {
 // transform once more for each level.
 TEST(BoundaryRobustness, PollsAsOftenAsSaidAndSurvivesEveryTrouble) {
     for (const char* name : {"dwts", "idwts"}) {
-        expectRobust(name, {noisy(37), 5, haar}, 5);
-        expectRobust(name, {noisy(13, 7), 2, haar}, 13 + 7 + 7 + 4 + (name[0] == 'i' ? 2 : 0));
+        expectRobust(name, {signal(37), 5, haar()}, 5);
+        expectRobust(name, {image(13, 7), 2, haar()}, 13 + 7 + 7 + 4 + (name[0] == 'i' ? 2 : 0));
     }
     for (const char* name : {"dwti", "idwti"}) {
-        expectRobust(name, {noisy(32), 3, daublet4}, 3);
-        expectRobust(name, {noisy(16, 16), 2, daublet4}, 16 + 16 + 8 + 8);
+        expectRobust(name, {signal(32), 3, daublet4}, 3);
+        expectRobust(name, {image(16, 16), 2, daublet4}, 16 + 16 + 8 + 8);
     }
 }
 
 namespace {
-
-constexpr const char* noInterval = "interval wavelets unimplemented";
 
 // What both kinds of transforms refuse, with a wavelet that does not suit. Where two arguments are
 // wrong, the message shows which is looked at first.
@@ -227,30 +221,32 @@ void addCommon(const WrongCalls& wrong, const Value& unsuited) {
     wrong.give(notArray, 3, {{unrealColumn(), 9, unrealColumn()}});
     wrong.give(noFilter, 3, {{unrealColumn(), 9, none}});
     wrong.give(notArray, 1, {{unrealColumn(), -1.0 + unreal, unsuited}});
-    wrong.give(notReal, 2, {{noisy(7), -1.0 + unreal, unsuited}});
-    wrong.give(noLevel, 2, {{noisy(7), -0.5, unsuited}, {noisy(7), twoTo32 - 0.5, unsuited}});
-    wrong.give(notWhole, 2, {{noisy(7), 2.5, unsuited}});
+    wrong.give(notReal, 2, {{signal(7), -1.0 + unreal, unsuited}});
+    wrong.give(noLevel, 2, {{signal(7), -0.5, unsuited}, {signal(7), twoTo32 - 0.5, unsuited}});
+    wrong.give(notWhole, 2, {{signal(7), 2.5, unsuited}});
 }
 
 void addSymmetric(const WrongCalls& wrong) {
     addCommon(wrong, daublet4);
-    wrong.give(noLevel, 2, {{noisy(7), 3, daublet4}, {noisy(7), twoTo32 - 1, haar}, {column({1}), 1, haar}});
-    wrong.give(noLevel, 2, {{noisy(7, 8), 3, haar}, {noisy(8, 7), 3, haar}, {noisy(1, 8), 1, haar}});
-    wrong.give(notSymmetric, 3, {{noisy(7), 2, daublet4}, {noisy(7), 0, daublet4}});
-    wrong.give(notSymmetric, 3, {{noisy(7), 2, column({0.25, 0.5, 0.25})}, {noisy(7), 2, noisy(5, 2)}});
+    wrong.give(noLevel, 2,
+               {{signal(7), 3, daublet4}, {signal(7), twoTo32 - 1, haar()}, {column({1}), 1, haar()}});
+    wrong.give(noLevel, 2, {{image(7, 8), 3, haar()}, {image(8, 7), 3, haar()}, {image(1, 8), 1, haar()}});
+    wrong.give(notSymmetric, 3, {{signal(7), 2, daublet4}, {signal(7), 0, daublet4}});
+    wrong.give(notSymmetric, 3, {{signal(7), 2, column({0.25, 0.5, 0.25})}, {signal(7), 2, image(5, 2)}});
 }
 
 void addInterval(const WrongCalls& wrong) {
-    addCommon(wrong, haar);
-    wrong.give(noInterval, 3, {{noisy(7), 3, haar}, {noisy(7), 1, noisy(4)}, {noisy(7), 1, noisy(4, 2)}});
+    addCommon(wrong, haar());
+    wrong.give(noInterval, 3,
+               {{signal(7), 3, haar()}, {signal(7), 1, signal(4)}, {signal(7), 1, image(4, 2)}});
     const auto refuse = [&](const Value& data, double level) {
         wrong.give(noLevel, 2, {{data, level, daublet4}});
     };
-    for (const int n : {6, 7}) refuse(noisy(n), 1);
-    for (const int level : {3, 4}) refuse(noisy(16), level);  // 3: refused by the third step
+    for (const int n : {6, 7}) refuse(signal(n), 1);
+    for (const int level : {3, 4}) refuse(signal(16), level);  // 3: refused by the third step
     refuse(column({1}), 0);
-    refuse(noisy(8), twoTo32 - 1);
-    for (const auto& [rows, cols] : {std::pair(16, 4), {4, 16}, {16, 17}}) refuse(noisy(rows, cols), 1);
+    refuse(signal(8), twoTo32 - 1);
+    for (const auto& [rows, cols] : {std::pair(16, 4), {4, 16}, {16, 17}}) refuse(image(rows, cols), 1);
 }
 
 std::vector<ErrorCase> boundaryErrors() {
@@ -267,8 +263,9 @@ INSTANTIATE_TEST_SUITE_P(Boundary, Errors, testing::ValuesIn(boundaryErrors()), 
 // Which of the built-in filters are refused for what they are.
 TEST_F(PackTest, BoundaryTransformsTakeTheWaveletsThatFitThem) {
     const auto expectTaken = [&](const Value& w, bool symmetric, bool interval) {
-        EXPECT_EQ(complaint("dwts", noisy(64), 1, w), symmetric ? "no error" : "not a symmetric wavelet (3)");
-        EXPECT_EQ(complaint("dwti", noisy(64), 1, w),
+        EXPECT_EQ(complaint("dwts", signal(64), 1, w),
+                  symmetric ? "no error" : "not a symmetric wavelet (3)");
+        EXPECT_EQ(complaint("dwti", signal(64), 1, w),
                   interval ? "no error" : "interval wavelets unimplemented (3)");
     };
     for (int taps = 2; taps <= 20; taps += 2)

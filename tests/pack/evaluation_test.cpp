@@ -299,10 +299,8 @@ TEST(EvaluationRobustness, SurvivesEveryTrouble) {
 
 namespace {
 
-constexpr const char* notPositive = "must be positive integer";
 constexpr const char* noName = "invalid filter wavelet string";
 constexpr const char* noType = "invalid 2d wavelet string";
-constexpr const char* noMemory = "out of memory";
 
 // Where several arguments are wrong, the message shows which is looked at first.
 void addNamed(std::vector<ErrorCase>& table) {

@@ -144,7 +144,6 @@ namespace {
 
 // Where two arguments are wrong, the message shows which is looked at first.
 std::vector<ErrorCase> splineErrors() {
-    constexpr const char* notPositive = "must be positive integer";
     std::vector<ErrorCase> table;
     const WrongCalls pair(table, "Bspline");
     pair.give(notReal, 1, {{1.0 + unreal, 1.0 + unreal}});

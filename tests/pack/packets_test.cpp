@@ -151,8 +151,6 @@ TEST_F(Packets, OfLevelZeroAreTheData) {
 
 // --- errors ---
 
-constexpr const char* noInterval = "interval wavelets unimplemented";
-
 // Unsuitable for the symmetric and the interval transforms, which look at it last.
 Value threeTaps() {
     return column({0.6, 0.8, 0.1});

@@ -124,7 +124,6 @@ constexpr const char* notVector = "must be real vector";
 constexpr const char* wrongDimensions = "invalid subband dimensions";
 constexpr const char* noOrientation = "invalid 2d wavelet string";
 constexpr const char* noDimension = "invalid dimension";
-constexpr const char* noMemory = "out of memory";
 
 // Levels and indices must be whole where a part of a signal is read, and are truncated where one is
 // written. Where several arguments are wrong, the message shows which is looked at first.

@@ -1,27 +1,17 @@
 // What the filters and the periodic transforms say to arguments that they cannot take, in the order in
 // which they look.
+#include "support/packets.h"
 #include "support/wrong_calls.h"
 
 namespace {
 
 constexpr const char* notEven = "must be even integer";
-constexpr const char* notPositive = "must be positive integer";
 
-Value signal(std::size_t n) {
-    return column(noise(n));
-}
 Value matrix(int rows, int cols, double first = 0.5) {
     Numbers values(static_cast<std::size_t>(rows * cols));
     for (double& value : values) value = std::exchange(first, 0.5);
     return Value::matrix(rows, cols, values);
 }
-Value haar() {
-    return column({0.7071067811865475, 0.7071067811865475});
-}
-Value pairOfFilters() {
-    return Value::matrix(3, 2, Numbers{0.5, 0.5, 0.0, 0.25, 0.5, 0.25});
-}
-
 // Scalars in the place of one argument; `before` stands in front of it.
 void giveEach(const WrongCalls& wrong, const char* message, int index, const Arguments& before,
               const Numbers& scalars) {
@@ -62,7 +52,7 @@ void addWavelets(const WrongCalls& dwt) {
           Value::adopt(3, 2, nullptr), matrix(2, 1, NaN), matrix(2, 1, inf), matrix(2, 2, -inf)}) {
         refuse(noFilter, 3, {filter});
     }
-    const Value pair = pairOfFilters();
+    const Value pair = Value::matrix(3, 2, Numbers{0.5, 0.5, 0.0, 0.25, 0.5, 0.25});
     const Value none = row({0, 0});
     for (const double offset : {0.5, -0.5, NaN, inf, -inf, 0x1p24 + 1, -0x1p24 - 1, twoTo32}) {
         refuse(noFilter, 3, {haar(), offset});

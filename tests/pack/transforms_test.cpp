@@ -3,6 +3,7 @@
 
 #include "support/failing_new.h"
 #include "support/filter_pair.h"
+#include "support/packets.h"
 
 namespace {
 
@@ -48,10 +49,6 @@ class Transforms : public PackTest {
 };
 
 using Selection = Transforms;
-
-Value haar() {
-    return column({0.7071067811865475, 0.7071067811865475});
-}
 
 }  // namespace
 

@@ -1,8 +1,8 @@
 """The descriptions against the pack that is loaded."""
 
 import doctest
-import importlib.util
 import inspect
+import runpy
 from pathlib import Path
 
 import numpy as np
@@ -113,7 +113,5 @@ def test_help_names_arguments_errors_and_example():
 
 
 def test_the_page_of_functions_is_up_to_date():
-    location = ROOT / "docs" / "make_functions.py"
-    maker = importlib.util.module_from_spec(spec := importlib.util.spec_from_file_location("maker", location))
-    spec.loader.exec_module(maker)
-    assert maker.PAGE.read_text(encoding="utf-8") == maker.page()
+    maker = runpy.run_path(ROOT / "docs" / "make_functions.py")
+    assert maker["PAGE"].read_text(encoding="utf-8") == maker["page"]()

@@ -20,14 +20,17 @@ inline constexpr std::complex<double> unreal = {0.0, 1.0};
 inline constexpr const char* notReal = "must be real";
 inline constexpr const char* notArray = "must be real array";
 inline constexpr const char* notWhole = "must be integer";
+inline constexpr const char* notPositive = "must be positive integer";
 inline constexpr const char* noLevel = "invalid level";
 inline constexpr const char* noFilter = "filter unimplemented";
 inline constexpr const char* notSymmetric = "not a symmetric wavelet";
+inline constexpr const char* noInterval = "interval wavelets unimplemented";
 inline constexpr const char* noIndex = "invalid packet index";
 inline constexpr const char* noBasis = "invalid packet basis";
 inline constexpr const char* tooDeep = "invalid level in packet basis";
 inline constexpr const char* notOneDimensional = "must be 1 dimensional packet basis";
 inline constexpr const char* notTwoDimensional = "must be 2 dimensional packet basis";
+inline constexpr const char* noMemory = "out of memory";
 
 // What an array of numbers must not hold.
 inline Value unrealColumn() {
