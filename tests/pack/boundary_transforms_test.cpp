@@ -2,7 +2,6 @@
 // filters promise about polynomials.
 #include <algorithm>
 #include <cmath>
-#include <numbers>
 #include <numeric>
 
 #include "support/filter_pair.h"
@@ -12,8 +11,6 @@
 #include "support/wrong_calls.h"
 
 namespace {
-
-constexpr double root = std::numbers::sqrt2;
 
 const Value daublet4 =
     column({0.48296291314453416, 0.83651630373780794, 0.22414386804201339, -0.12940952255126037});
