@@ -53,38 +53,30 @@ unsigned statusWord() {
     return word;
 }
 
-// Empties the unit and forgets its faults; the control word stays. Answers the faults.
-unsigned takeFaults() {
-    const unsigned faults = statusWord() & allFaults;
-    if (faults == 0) return 0;
-    unsigned short word = 0;
-    asm volatile("fnstcw %0" : "=m"(word));
-    asm volatile("fninit");
-    asm volatile("fldcw %0" : : "m"(word));
-    return faults;
-}
+// The faults of the call in progress that have not been thrown.
+unsigned setAside = 0;
 
-void addFaults(unsigned faults) {
+// The unit reports a fault when it is used the next time. That must not be by the host, nor must the
+// host's fault be met by the pack. A host masks what it cannot throw: from here on faults trap again.
+void setFaultsAside() {
+    const unsigned faults = statusWord() & allFaults;
     if (faults == 0) return;
-    struct {
-        std::uint32_t controlWord;
-        std::uint32_t statusWord;
-        std::uint32_t others[5];
-    } environment;
-    asm volatile("fnstenv %0" : "=m"(environment));
-    environment.statusWord |= faults;
-    asm volatile("fldenv %0" : : "m"(environment));
+    setAside |= faults;
+    asm volatile("fninit");
+    asm volatile("fldcw %0" : : "m"(packControlWord));
 }
 
 }  // namespace
 
-FloatingPointFrame::FloatingPointFrame() : controlWord(0) {
+FloatingPointFrame::FloatingPointFrame() : controlWord(0), outerFaults(setAside) {
+    setAside = 0;
     asm volatile("fnclex");
     asm volatile("fnstcw %0" : "=m"(controlWord));
     asm volatile("fldcw %0" : : "m"(packControlWord));
 }
 
 FloatingPointFrame::~FloatingPointFrame() {
+    setAside = outerFaults;
     asm volatile("fninit");
     asm volatile("fldcw %0" : : "m"(controlWord));
 }
@@ -92,16 +84,15 @@ FloatingPointFrame::~FloatingPointFrame() {
 // A fault that the host could not throw is in the status word. What is pending is reported here.
 const char* pendingFault() {
     asm volatile("fwait");
-    return textOf(statusWord());
+    return textOf(statusWord() | setAside);
 }
 
-// The unit reports a fault when it is used the next time. That must not be by the host: the fault
-// waits until the pack goes on.
-HostServiceScope::HostServiceScope() : faults(takeFaults()) {}
+HostServiceScope::HostServiceScope() {
+    setFaultsAside();
+}
 
 HostServiceScope::~HostServiceScope() {
-    takeFaults();
-    addFaults(faults);
+    setFaultsAside();
 }
 
 #else

@@ -1,9 +1,9 @@
 // The floating-point state of a call.
 //
 // A fault of the pack's own arithmetic (division by zero, invalid operation, overflow) becomes
-// the call's result; faults of the host and of user functions are no business of the pack's.
-// Where the x87 unit does the arithmetic, the unit traps the fault and the host throws, if it can;
-// elsewhere the faults are read from the status flags at the end.
+// the call's result. Where the x87 unit does the arithmetic, the unit traps the fault and the host
+// throws, if it can; so it does with faults of the host and of user functions. Elsewhere those are no
+// business of the pack's, and its own are read from the status flags at the end.
 //
 // All of this stands in a translation unit of its own and is called out of line: a compiler may
 // move arithmetic across flag accesses that it can see.
@@ -25,6 +25,7 @@ class FloatingPointFrame {
  private:
 #if defined(_WIN32)
     unsigned short controlWord;
+    unsigned outerFaults;  // of a call that this one is nested in
 #else
     std::fenv_t environment;
 #endif
@@ -41,8 +42,10 @@ class HostServiceScope {
     HostServiceScope(const HostServiceScope&) = delete;
     HostServiceScope& operator=(const HostServiceScope&) = delete;
 
+#if !defined(_WIN32)
  private:
     unsigned faults;
+#endif
 };
 
 }  // namespace undula

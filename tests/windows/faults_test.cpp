@@ -278,6 +278,25 @@ TEST_F(Faults, WaitWhileTheHostIsAtWork) {
     EXPECT_EQ(asked, 1);
 }
 
+// The square of the largest number is at fault when it is stored, which nothing waits for.
+TEST_F(Faults, ThatServicesLeaveBehindAreReported) {
+    volatile double square = 0.0;
+    host.setInterrupt([&] {
+        square = largest * largest;
+        return false;
+    });
+    EXPECT_EQ(complaint("dwt", column(noise(8)), 1, column({0.6, 0.8})), "overflow (0)");
+}
+
+// The bell's complement is the root of a negative number, in the mathematics library.
+TEST_F(Faults, ThatCannotBeThrownLetOthersTrap) {
+    EXPECT_EQ(outcomeOfUser([](double) {
+                  EXPECT_EQ(controlWord(), ofThePack);
+                  return 2.0;
+              }),
+              "floating point error (0)");
+}
+
 // The compiler does not expect throws from there: they are reported at the end.
 TEST_F(Faults, OfTheMathematicsLibraryAreReported) {
     destroyed = 0;
