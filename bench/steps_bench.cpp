@@ -36,7 +36,7 @@ void along(benchmark::State& state, Step* step) {
     std::vector<double> signal(samples);
     Workspace workspace;
     for ([[maybe_unused]] auto _ : state) {
-        if (step(bank, {signal.data()}, samples, false, workspace) != Code::None) {
+        if (step(bank, {signal.data()}, samples, false, workspace)) {
             state.SkipWithError("the step refused");
             break;
         }
@@ -52,7 +52,7 @@ void across(benchmark::State& state, Step* step) {
     const Block block = {image.data(), side, side, side};
     Workspace workspace;
     for ([[maybe_unused]] auto _ : state) {
-        if (separableStep(step, bank, block, false, false, Poll(), workspace) != Code::None) {
+        if (separableStep(step, bank, block, false, false, Poll(), workspace)) {
             state.SkipWithError("the step refused");
             break;
         }

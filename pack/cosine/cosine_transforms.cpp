@@ -6,7 +6,7 @@
 #include "cosine/local_cosine.h"
 #include "dwt/data_argument.h"
 #include "frame/checks.h"
-#include "frame/halving.h"
+#include "frame/integers.h"
 #include "frame/user_function.h"
 #include "frame/workers.h"
 #include "packets/basis_argument.h"
@@ -23,14 +23,10 @@ constexpr int basisPosition = 3;
 bool isSignal(const aMatrix* data) {
     return data->cols < 2;
 }
-bool isEmpty(const aMatrix* data) {
-    return data->rows == 0 || data->cols == 0;
-}
 
 // Whether 2^levels divides the length of a signal, or both sides of an image.
 bool dividesSides(const aMatrix* data, std::uint64_t levels) {
-    const auto divides = [levels](int side) { return divisible(static_cast<std::uint64_t>(side), levels); };
-    return divides(data->rows) && (data->cols == 1 || divides(data->cols));
+    return holdsForSides(data, [levels](std::uint64_t side) { return divisible(side, levels); });
 }
 
 // A segment of the deepest level must hold both halves of the bell; emptiness has one level.
@@ -62,42 +58,45 @@ struct HalfLengths {
 };
 
 // Samples the user's bell, or the built-in one, for all directions of the data.
-Failure sampleBells(EfiCallContext* context, const aMatrix* data, std::uint32_t level, aLambda* function,
-                    Bells& bells) {
-    if (isEmpty(data)) return {};
+Result<Bells> sampleBells(EfiCallContext* context, const aMatrix* data, std::uint32_t level,
+                          aLambda* function) {
+    Bells bells;
+    if (isEmpty(data)) return bells;
     std::optional<double_to_double_lambda> bell;
     if (function != nullptr) {
         bell.emplace(context, function);
-        if (!bell->rooted()) return outOfMemory();
+        if (!bell->rooted()) return Code::OutOfMemory;
     }
     double_to_double_func* user = bell ? &*bell : nullptr;
     const HalfLengths lengths(data, level);
     bells.separate = !isSignal(data) && lengths.along != lengths.down;
-    if (!sampleBell(lengths.down, user, bells.down)) return outOfMemory();
-    return !bells.separate || sampleBell(lengths.along, user, bells.along) ? Failure() : outOfMemory();
+    if (!sampleBell(lengths.down, user, bells.down)) return Code::OutOfMemory;
+    if (bells.separate && !sampleBell(lengths.along, user, bells.along)) return Code::OutOfMemory;
+    return bells;
 }
 
 // A signal polls once, an image before each level. Without a function the bell is the built-in one.
-aVector* cosineTable(EfiCallContext* context, const aMatrix* data, const aComplex* level, aLambda* bell) {
-    if (auto failure = checkForward(context, data, level)) return fail(context, failure);
+Result<aMatrix*> cosineTable(EfiCallContext* context, const aMatrix* data, const aComplex* level,
+                             aLambda* bell) {
+    if (auto failure = checkForward(context, data, level)) return failure;
     const std::uint32_t levels = asIndex(level->re);
-    NewTable table;
     const auto copy = copyOfElements(data);
     const auto scratch = isSignal(data) ? Array<double>() : copyOfElements(data);
-    const bool allocated = copy && (isSignal(data) || scratch);
-    if (!allocated || !table.allocate(data->rows, data->cols, levels)) return fail(context, outOfMemory());
-    Bells bells;
-    if (auto failure = sampleBells(context, data, levels, bell, bells)) return fail(context, failure);
-    if (isSignal(data) && interrupted(context)) return fail(context, interruption());
+    if (!copy || (!isSignal(data) && !scratch)) return Code::OutOfMemory;
+    auto table = newTable(data->rows, data->cols, levels);
+    if (!table) return table.failure();
+    const auto bells = sampleBells(context, data, levels, bell);
+    if (!bells) return bells.failure();
+    if (isSignal(data) && interrupted(context)) return Code::Interrupted;
 
     Dct4 dct(fourierOf(context));
     for (std::uint32_t j = 0; j <= levels; ++j) {
-        if (!isSignal(data) && interrupted(context)) return fail(context, interruption());
-        const Code code =
-            cosineLevel(blockOf(data, copy), j, bells, table.level(j), blockOf(data, scratch), dct);
-        if (auto failure = failureAt(code, 0)) return fail(context, failure);
+        if (!isSignal(data) && interrupted(context)) return Code::Interrupted;
+        if (auto failure =
+                cosineLevel(blockOf(data, copy), j, *bells, table->level(j), blockOf(data, scratch), dct))
+            return failure;
     }
-    return table.result(context);
+    return tableValue(context, *table);
 }
 
 // What is asked of a call of the inverse.
@@ -127,54 +126,53 @@ Failure requireLongPackets(const Inverse& call, const Basis& basis) {
     return valid ? Failure() : Failure(Code::InvalidLevelInBasis, basisPosition);
 }
 
-Failure checkInverse(const Inverse& call, Basis& basis) {
+Result<Basis> readInverseBasis(const Inverse& call) {
     if (auto failure = requireRealArray(call.context, call.coefficients, dataPosition)) return failure;
     if (auto failure = requireReal(call.level, levelPosition)) return failure;
     if (auto failure = requireRealArray(call.context, call.basis, basisPosition)) return failure;
     if (auto failure = requireBasisFor(call.coefficients, call.basis, basisPosition)) return failure;
-    if (auto failure = readBasis(call.basis, basis)) return failure;
-    if (auto failure = failureAt(checkEntries(basis), basisPosition)) return failure;
-    if (auto failure = checkSizes(call, basis)) return failure;
-    PacketList splits;
-    if (auto failure = failureAt(findSplits(basis, splits), basisPosition)) return failure;
-    return requireLongPackets(call, basis);
+    auto basis = readBasis(call.basis);
+    if (!basis) return basis;
+    if (auto failure = checkEntries(*basis)) return failure.at(basisPosition);
+    if (auto failure = checkSizes(call, *basis)) return failure;
+    const auto splits = findSplits(*basis);
+    if (!splits) return splits.failure().at(basisPosition);
+    if (auto failure = requireLongPackets(call, *basis)) return failure;
+    return basis;
 }
 
-aMatrix* mergeFromCosines(const Inverse& call) {
-    Basis basis;
-    if (auto failure = checkInverse(call, basis)) return fail(call.context, failure);
-    if (!removeRepeats(basis.rows)) return fail(call.context, outOfMemory());
+Result<aMatrix*> mergeFromCosines(const Inverse& call) {
+    auto basis = readInverseBasis(call);
+    if (!basis) return basis.failure();
     const aMatrix* coefficients = call.coefficients;
     const auto work = copyOfElements(coefficients);
     auto result = copyOfElements(coefficients);
-    if (!work || !result) return fail(call.context, outOfMemory());
-    Bells bells;
-    const std::uint32_t level = asIndex(call.level->re);
-    if (auto failure = sampleBells(call.context, coefficients, level, call.bell, bells))
-        return fail(call.context, failure);
+    if (!removeRepeats(basis->rows) || !work || !result) return Code::OutOfMemory;
+    const auto bells = sampleBells(call.context, coefficients, asIndex(call.level->re), call.bell);
+    if (!bells) return bells.failure();
 
     Dct4 dct(fourierOf(call.context));
-    const Code code = mergeCosines(basis.rows, bells, blockOf(coefficients, work),
-                                   blockOf(coefficients, result), pollOf(call.context), dct);
-    if (auto failure = failureAt(code, 0)) return fail(call.context, failure);
-    return resultMatrix(call.context, coefficients->rows, coefficients->cols, result);
+    if (auto failure = mergeCosines(basis->rows, *bells, blockOf(coefficients, work),
+                                    blockOf(coefficients, result), pollOf(call.context), dct))
+        return failure;
+    return newMatrix(call.context, coefficients->rows, coefficients->cols, result);
 }
 
 }  // namespace
 
 aVector* cpt(EfiCallContext* context, aMatrix* data, aComplex* level) {
-    return cosineTable(context, data, level, nullptr);
+    return toHost(context, cosineTable(context, data, level, nullptr));
 }
 
 aVector* lct(EfiCallContext* context, aMatrix* data, aComplex* level, aLambda* bell) {
-    return cosineTable(context, data, level, bell);
+    return toHost(context, cosineTable(context, data, level, bell));
 }
 
 aMatrix* icpt(EfiCallContext* context, aMatrix* coefficients, aComplex* level, aMatrix* basis) {
-    return mergeFromCosines({context, coefficients, level, basis, nullptr});
+    return toHost(context, mergeFromCosines({context, coefficients, level, basis, nullptr}));
 }
 
 aMatrix* ilct(EfiCallContext* context, aMatrix* coefficients, aComplex* level, aMatrix* basis,
               aLambda* bell) {
-    return mergeFromCosines({context, coefficients, level, basis, bell});
+    return toHost(context, mergeFromCosines({context, coefficients, level, basis, bell}));
 }

@@ -38,11 +38,11 @@ void fillAngles(double first, double step, std::size_t count, double* cosines, d
 
 }  // namespace
 
-Code Dct4::plan(std::uint64_t length, const Plan*& found) {
+Result<const Dct4::Plan*> Dct4::plan(std::uint64_t length) {
     const Plan* const end = plans + planCount;
-    found = std::find_if(static_cast<const Plan*>(plans), end,
-                         [length](const Plan& p) { return p.length == length; });
-    if (found != end) return Code::None;
+    const Plan* found = std::find_if(static_cast<const Plan*>(plans), end,
+                                     [length](const Plan& p) { return p.length == length; });
+    if (found != end) return found;
     if (planCount == mostPlans) return Code::Unknown;
 
     Plan& plan = plans[planCount];
@@ -58,22 +58,22 @@ Code Dct4::plan(std::uint64_t length, const Plan*& found) {
     } else {
         fillAngles(0.25 / n, 0.5 / n, count, plan.cosines.data(), plan.sines.data());
     }
-    const Code code = service.newColumn(service.host, columnLength(length), plan.column);
-    if (code != Code::None) return code;
+    const auto column = service.newColumn(service.host, columnLength(length));
+    if (!column) return column.failure();
+    plan.column = *column;
     plan.length = length;
     ++planCount;
-    return Code::None;
+    return &plan;
 }
 
-Code Dct4::transform(double* line, std::uint64_t length) {
-    const Plan* found = nullptr;
-    const Code code = plan(length, found);
-    if (code != Code::None) return code;
-    return isEven(length) ? transformEven(*found, line) : transformOdd(*found, line);
+Failure Dct4::transform(double* line, std::uint64_t length) {
+    const auto found = plan(length);
+    if (!found) return found.failure();
+    return isEven(length) ? transformEven(**found, line) : transformOdd(**found, line);
 }
 
 // Samples from both ends are paired to complex numbers, and so are the coefficients.
-Code Dct4::transformEven(const Plan& plan, double* line) {
+Failure Dct4::transformEven(const Plan& plan, double* line) {
     const auto last = static_cast<std::size_t>(plan.length) - 1;
     const std::size_t pairs = (last + 1) / 2;
     for (std::size_t i = 0; i < pairs; ++i) {
@@ -82,29 +82,27 @@ Code Dct4::transformEven(const Plan& plan, double* line) {
         plan.column.re[i] = first * plan.cosines[i] + second * plan.sines[i];
         plan.column.im[i] = first * plan.sines[i] - second * plan.cosines[i];
     }
-    FourierResult z;
-    const Code code = service.transform(service.host, plan.column, z);
-    if (code != Code::None) return code;
+    const auto z = service.transform(service.host, plan.column);
+    if (!z) return z.failure();
     const double scale = std::sqrt(2.0 / static_cast<double>(plan.length));
     for (std::size_t k = 0; k < pairs; ++k) {
-        line[2 * k] = scale * (z.re[k] * plan.cosines[k] - z.im[k] * plan.sines[k]);
-        line[last - 2 * k] = scale * (z.re[k] * plan.sines[k] + z.im[k] * plan.cosines[k]);
+        line[2 * k] = scale * (z->re[k] * plan.cosines[k] - z->im[k] * plan.sines[k]);
+        line[last - 2 * k] = scale * (z->re[k] * plan.sines[k] + z->im[k] * plan.cosines[k]);
     }
-    return Code::None;
+    return {};
 }
 
 // The samples, followed by three times as many zeros; the coefficients stand at the odd places.
-Code Dct4::transformOdd(const Plan& plan, double* line) {
+Failure Dct4::transformOdd(const Plan& plan, double* line) {
     const auto length = static_cast<std::size_t>(plan.length);
     std::copy_n(line, length, plan.column.re);
-    FourierResult z;
-    const Code code = service.transform(service.host, plan.column, z);
-    if (code != Code::None) return code;
+    const auto z = service.transform(service.host, plan.column);
+    if (!z) return z.failure();
     const double scale = std::sqrt(2.0 / static_cast<double>(plan.length));
     for (std::size_t k = 0; k < length; ++k) {
-        line[k] = scale * (plan.cosines[k] * z.re[2 * k + 1] - plan.sines[k] * z.im[2 * k + 1]);
+        line[k] = scale * (plan.cosines[k] * z->re[2 * k + 1] - plan.sines[k] * z->im[2 * k + 1]);
     }
-    return Code::None;
+    return {};
 }
 
 }  // namespace undula

@@ -1,7 +1,7 @@
 // The orthonormal discrete cosine transform of type 4, which is its own inverse:
 // Y[k] = sqrt(2/n) sum of y[i] cos(pi (i + 1/2) (k + 1/2) / n).
 //
-// It goes through a complex Fourier transform of somebody else's: for an even length one of half the
+// It goes through a complex Fourier transform that the host provides: for an even length one of half the
 // length between two passes of twiddle factors, for an odd length one of four times the length.
 //
 // Source: M. V. Wickerhauser, Adapted Wavelet Analysis from Theory to Software (A K Peters, 1994),
@@ -32,9 +32,9 @@ struct FourierResult {
 struct FourierService {
     void* host;
     // Makes a column of n zeros, which lives as long as the call.
-    Code (*newColumn)(void* host, std::uint64_t n, FourierColumn& column);
+    Result<FourierColumn> (*newColumn)(void* host, std::uint64_t n);
     // The result is valid until the next transform.
-    Code (*transform)(void* host, const FourierColumn& column, FourierResult& result);
+    Result<FourierResult> (*transform)(void* host, const FourierColumn& column);
 };
 
 // Transforms of all lengths of a call; what a length needs is made once.
@@ -43,7 +43,7 @@ class Dct4 {
     explicit Dct4(const FourierService& fourier) : service(fourier) {}
 
     // Transforms a line of numbers in place.
-    Code transform(double* line, std::uint64_t length);
+    Failure transform(double* line, std::uint64_t length);
 
  private:
     struct Plan {
@@ -53,9 +53,9 @@ class Dct4 {
         FourierColumn column;
     };
 
-    Code plan(std::uint64_t length, const Plan*& found);
-    Code transformEven(const Plan& plan, double* line);
-    Code transformOdd(const Plan& plan, double* line);
+    Result<const Plan*> plan(std::uint64_t length);
+    Failure transformEven(const Plan& plan, double* line);
+    Failure transformOdd(const Plan& plan, double* line);
 
     // The sides of an image, halved again and again, have no more lengths.
     static constexpr int mostPlans = 64;

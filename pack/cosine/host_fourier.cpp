@@ -10,16 +10,15 @@ namespace undula {
 namespace {
 
 // The column is the host's, and freed with the other values of the call.
-Code newColumn(void* host, std::uint64_t n, FourierColumn& column) {
+Result<FourierColumn> newColumn(void* host, std::uint64_t n) {
     auto re = newElements(n, 1);
     auto im = newElements(n, 1);
     if (!re || !im) return Code::OutOfMemory;
     std::fill_n(re.data(), n, 0.0);
     std::fill_n(im.data(), n, 0.0);
-    aMatrix* matrix = newMatrix(static_cast<EfiCallContext*>(host), static_cast<int>(n), 1, re, im);
-    if (matrix == nullptr) return Code::OutOfMemory;
-    column = {matrix->re, matrix->im, matrix};
-    return Code::None;
+    const auto matrix = newMatrix(static_cast<EfiCallContext*>(host), static_cast<int>(n), 1, re, im);
+    if (!matrix) return matrix.failure();
+    return FourierColumn{(*matrix)->re, (*matrix)->im, *matrix};
 }
 
 const double* orZeros(const double* part, double* room, std::size_t n) {
@@ -28,7 +27,7 @@ const double* orZeros(const double* part, double* room, std::size_t n) {
     return room;
 }
 
-Code transform(void* host, const FourierColumn& column, FourierResult& result) {
+Result<FourierResult> transform(void* host, const FourierColumn& column) {
     const HostServiceScope scope;
     auto* matrix = static_cast<aMatrix*>(column.handle);
     const aMatrix* transformed = ICFFT(static_cast<EfiCallContext*>(host), matrix);
@@ -37,8 +36,7 @@ Code transform(void* host, const FourierColumn& column, FourierResult& result) {
     if (!isColumn) return Code::InternalFftError;
     // The column has served, so it may hold the zeros that the host need not write.
     const auto n = static_cast<std::size_t>(matrix->rows);
-    result = {orZeros(transformed->re, column.re, n), orZeros(transformed->im, column.im, n)};
-    return Code::None;
+    return FourierResult{orZeros(transformed->re, column.re, n), orZeros(transformed->im, column.im, n)};
 }
 
 }  // namespace

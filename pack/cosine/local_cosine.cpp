@@ -11,21 +11,8 @@ namespace {
 
 using Index = std::ptrdiff_t;
 
-constexpr std::uint32_t batchRows = 16;
-
-bool isEmpty(const Block& data) {
-    return data.rows == 0 || data.cols == 0;
-}
-bool isSignal(const Block& data) {
-    return data.cols < 2;
-}
-
 CosineSegment segmentOf(const Segment& segment) {
     return {static_cast<Index>(segment.start), static_cast<Index>(segment.length)};
-}
-
-Lines column(const Block& data, std::uint64_t col) {
-    return {data.origin + static_cast<Index>(col) * data.stride};
 }
 
 Lines rows(const Block& data, const Segment& segment) {
@@ -39,7 +26,7 @@ using Folding = void(const Lines& in, Index period, const CosineSegment& segment
 void foldDown(Folding* folding, const Block& in, const Rectangle& packet, const BellSamples& bell,
               const Block& out) {
     for (std::uint64_t col = packet.cols.start; col < packet.cols.start + packet.cols.length; ++col) {
-        folding(column(in, col), in.rows, segmentOf(packet.rows), bell, column(out, col));
+        folding({in.column(col)}, in.rows, segmentOf(packet.rows), bell, {out.column(col)});
     }
 }
 
@@ -49,131 +36,118 @@ void foldAlong(Folding* folding, const Block& in, const Rectangle& packet, const
     folding(rows(in, packet.rows), in.cols, segmentOf(packet.cols), bell, rows(out, packet.rows));
 }
 
-Code transformColumns(const Block& data, const Rectangle& packet, Dct4& dct) {
-    for (std::uint64_t col = packet.cols.start; col < packet.cols.start + packet.cols.length; ++col) {
-        const Code code = dct.transform(column(data, col).origin + packet.rows.start, packet.rows.length);
-        if (code != Code::None) return code;
+Failure transformColumns(const Block& data, const Rectangle& packet, Dct4& dct) {
+    const Block block = partOf(data, packet);
+    for (std::uint32_t col = 0; col < block.cols; ++col) {
+        if (auto failure = dct.transform(block.column(col), block.rows)) return failure;
     }
-    return Code::None;
+    return {};
 }
 
 // Rows are gathered in batches, for which each column is read but once a cache line.
-Code transformRows(const Block& data, const Rectangle& packet, Dct4& dct, Workspace& workspace) {
-    const auto length = static_cast<Index>(packet.cols.length);
-    double* batch = workspace.room(batchRows * packet.cols.length);
+Failure transformRows(const Block& data, const Rectangle& packet, Dct4& dct, Workspace& workspace) {
+    const Block block = partOf(data, packet);
+    const auto length = static_cast<Index>(block.cols);
+    double* batch = workspace.room(std::uint64_t{batchRows} * block.cols);
     if (batch == nullptr) return Code::OutOfMemory;
-    for (std::uint64_t first = 0; first < packet.rows.length; first += batchRows) {
-        const Segment some = {packet.rows.start + first,
-                              std::min<std::uint64_t>(batchRows, packet.rows.length - first)};
-        const Lines lines = rows(data, some);
-        double* origin = lines.origin + static_cast<Index>(packet.cols.start) * lines.stride;
+    for (std::uint32_t first = 0; first < block.rows; first += batchRows) {
+        const Index count = std::min(batchRows, block.rows - first);
+        double* origin = block.origin + first;
         for (Index p = 0; p < length; ++p) {
-            for (Index row = 0; row < lines.count; ++row)
-                batch[row * length + p] = origin[p * lines.stride + row];
+            for (Index row = 0; row < count; ++row) batch[row * length + p] = origin[p * block.stride + row];
         }
-        for (Index row = 0; row < lines.count; ++row) {
-            const Code code = dct.transform(batch + row * length, packet.cols.length);
-            if (code != Code::None) return code;
+        for (Index row = 0; row < count; ++row) {
+            if (auto failure = dct.transform(batch + row * length, block.cols)) return failure;
         }
         for (Index p = 0; p < length; ++p) {
-            for (Index row = 0; row < lines.count; ++row)
-                origin[p * lines.stride + row] = batch[row * length + p];
+            for (Index row = 0; row < count; ++row) origin[p * block.stride + row] = batch[row * length + p];
         }
     }
-    return Code::None;
+    return {};
 }
 
-// Calls visit(packet) with the place of every packet of a level, until one answers with a code.
+// Calls visit(place) for every packet of a level, until one returns a failure.
 template <class Visit>
-Code forEachPacket(const Block& data, std::uint32_t level, Visit visit) {
-    const std::uint64_t rowCount = std::uint64_t{1} << level;
-    const std::uint64_t colCount = isSignal(data) ? 1 : rowCount;
-    for (std::uint64_t row = 0; row < rowCount; ++row) {
-        for (std::uint64_t col = 0; col < colCount; ++col) {
-            const Code code = visit(packetPlace(data.rows, data.cols, level, row, col));
-            if (code != Code::None) return code;
-        }
-    }
-    return Code::None;
+Failure forPlaces(const Block& data, std::uint32_t level, Visit visit) {
+    return forPacketsOfLevel(data.isSignal(), level, [&](const PacketIndex& packet) -> Failure {
+        return visit(packetPlace(data.rows, data.cols, packet));
+    });
 }
 
+// The same for the packets of a basis.
 template <class Visit>
-Code forEachPacket(const Block& data, const PacketList& basis, Visit visit) {
+Failure forPlaces(const Block& data, const PacketList& basis, Visit visit) {
     for (const Packet& packet : basis) {
-        const Code code = visit(packetPlace(data.rows, data.cols, static_cast<std::uint32_t>(packet.level),
-                                            static_cast<std::uint64_t>(packet.row),
-                                            static_cast<std::uint64_t>(packet.col)));
-        if (code != Code::None) return code;
+        if (Failure failure = visit(packetPlace(data.rows, data.cols, packet.index()))) return failure;
     }
-    return Code::None;
+    return {};
 }
 
 void clear(const Block& data) {
-    std::fill_n(data.origin, static_cast<std::size_t>(data.rows) * data.cols, 0.0);
+    std::fill_n(data.origin, data.size(), 0.0);
 }
 
-Code mergeSignal(const PacketList& basis, const Bells& bells, const Block& work, const Block& result,
-                 const Poll& poll, Dct4& dct) {
+Failure mergeSignal(const PacketList& basis, const Bells& bells, const Block& work, const Block& result,
+                    const Poll& poll, Dct4& dct) {
     clear(result);
-    return forEachPacket(work, basis, [&](const Rectangle& packet) {
+    return forPlaces(work, basis, [&](const Rectangle& packet) -> Failure {
         if (poll()) return Code::Interrupted;
-        const Code code = transformColumns(work, packet, dct);
-        if (code == Code::None) foldDown(unfold, work, packet, bells.down, result);
-        return code;
+        if (auto failure = transformColumns(work, packet, dct)) return failure;
+        foldDown(unfold, work, packet, bells.down, result);
+        return {};
     });
 }
 
-Code mergeImage(const PacketList& basis, const Bells& bells, const Block& work, const Block& result,
-                Dct4& dct) {
+Failure mergeImage(const PacketList& basis, const Bells& bells, const Block& work, const Block& result,
+                   Dct4& dct) {
     Workspace workspace;
-    const Code code = forEachPacket(work, basis, [&](const Rectangle& packet) {
-        const Code rowCode = transformRows(work, packet, dct, workspace);
-        return rowCode != Code::None ? rowCode : transformColumns(work, packet, dct);
-    });
-    if (code != Code::None) return code;
+    const auto transform = [&](const Rectangle& packet) {
+        if (auto failure = transformRows(work, packet, dct, workspace)) return failure;
+        return transformColumns(work, packet, dct);
+    };
+    if (auto failure = forPlaces(work, basis, transform)) return failure;
     // Along the rows into the result, which is only on its way; then down the columns and back.
     clear(result);
-    forEachPacket(work, basis, [&](const Rectangle& packet) {
-        foldAlong(unfold, work, packet, bells.forRows(), result);
-        return Code::None;
-    });
+    for (const Packet& packet : basis) {
+        const Rectangle place = packetPlace(work.rows, work.cols, packet.index());
+        foldAlong(unfold, work, place, bells.forRows(), result);
+    }
     clear(work);
-    forEachPacket(work, basis, [&](const Rectangle& packet) {
-        foldDown(unfold, result, packet, bells.down, work);
-        return Code::None;
-    });
-    std::copy_n(work.origin, static_cast<std::size_t>(work.rows) * work.cols, result.origin);
-    return Code::None;
+    for (const Packet& packet : basis) {
+        const Rectangle place = packetPlace(work.rows, work.cols, packet.index());
+        foldDown(unfold, result, place, bells.down, work);
+    }
+    copyBlock(work, result);
+    return {};
 }
 
 }  // namespace
 
-Code cosineLevel(const Block& data, std::uint32_t level, const Bells& bells, const Block& out,
-                 const Block& scratch, Dct4& dct) {
-    if (isEmpty(data)) return Code::None;
-    const bool signal = isSignal(data);
-    const Block& foldedDown = signal ? out : scratch;
-    forEachPacket(data, level, [&](const Rectangle& packet) {
+Failure cosineLevel(const Block& data, std::uint32_t level, const Bells& bells, const Block& out,
+                    const Block& scratch, Dct4& dct) {
+    if (data.isEmpty()) return {};
+    const Block& foldedDown = data.isSignal() ? out : scratch;
+    forPlaces(data, level, [&](const Rectangle& packet) {
         foldDown(fold, data, packet, bells.down, foldedDown);
-        return Code::None;
+        return Failure();
     });
-    if (signal)
-        return forEachPacket(out, level,
-                             [&](const Rectangle& packet) { return transformColumns(out, packet, dct); });
+    if (data.isSignal())
+        return forPlaces(out, level,
+                         [&](const Rectangle& packet) { return transformColumns(out, packet, dct); });
 
     Workspace workspace;
-    return forEachPacket(data, level, [&](const Rectangle& packet) {
+    return forPlaces(data, level, [&](const Rectangle& packet) {
         foldAlong(fold, scratch, packet, bells.forRows(), out);
-        const Code code = transformColumns(out, packet, dct);
-        return code != Code::None ? code : transformRows(out, packet, dct, workspace);
+        if (auto failure = transformColumns(out, packet, dct)) return failure;
+        return transformRows(out, packet, dct, workspace);
     });
 }
 
-Code mergeCosines(const PacketList& basis, const Bells& bells, const Block& work, const Block& result,
-                  const Poll& poll, Dct4& dct) {
-    if (isEmpty(work)) return Code::None;
-    return isSignal(work) ? mergeSignal(basis, bells, work, result, poll, dct)
-                          : mergeImage(basis, bells, work, result, dct);
+Failure mergeCosines(const PacketList& basis, const Bells& bells, const Block& work, const Block& result,
+                     const Poll& poll, Dct4& dct) {
+    if (work.isEmpty()) return {};
+    return work.isSignal() ? mergeSignal(basis, bells, work, result, poll, dct)
+                           : mergeImage(basis, bells, work, result, dct);
 }
 
 }  // namespace undula

@@ -23,12 +23,12 @@ struct Bells {
 
 // Writes level j of the table of the data into `out`: every packet folded with its neighbours and
 // transformed. `scratch` is a block of the same shape, of images only. Nothing is done to emptiness.
-Code cosineLevel(const Block& data, std::uint32_t level, const Bells& bells, const Block& out,
-                 const Block& scratch, Dct4& dct);
+Failure cosineLevel(const Block& data, std::uint32_t level, const Bells& bells, const Block& out,
+                    const Block& scratch, Dct4& dct);
 
 // Merges the coefficients of a basis without repeated rows; `work` holds them at first and `result`
 // the data at last, both of one shape. Of a signal it polls before each packet.
-Code mergeCosines(const PacketList& basis, const Bells& bells, const Block& work, const Block& result,
-                  const Poll& poll, Dct4& dct);
+Failure mergeCosines(const PacketList& basis, const Bells& bells, const Block& work, const Block& result,
+                     const Poll& poll, Dct4& dct);
 
 }  // namespace undula

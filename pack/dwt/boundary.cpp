@@ -1,6 +1,6 @@
 #include "dwt/boundary.h"
 
-#include "frame/halving.h"
+#include "frame/integers.h"
 
 namespace undula {
 
@@ -26,7 +26,7 @@ bool admitsInterval(const FilterBank& bank, std::uint64_t n, std::uint64_t level
 const BoundaryTreatment periodicBoundary = {
     .analysis = periodic_analysis_step,
     .synthesis = periodic_synthesis_step,
-    .accepts = nullptr,
+    .suits = nullptr,
     .refusal = Code::None,
     .admits = admitsPeriodic,
     .waveletFirst = false,
@@ -37,7 +37,7 @@ const BoundaryTreatment periodicBoundary = {
 const BoundaryTreatment symmetricBoundary = {
     .analysis = symmetric_analysis_step,
     .synthesis = symmetric_synthesis_step,
-    .accepts = &Wavelet::isSymmetric,
+    .suits = &Wavelet::isSymmetric,
     .refusal = Code::NotSymmetric,
     .admits = admitsSymmetric,
     .waveletFirst = false,
@@ -48,7 +48,7 @@ const BoundaryTreatment symmetricBoundary = {
 const BoundaryTreatment intervalBoundary = {
     .analysis = interval_analysis_step,
     .synthesis = interval_synthesis_step,
-    .accepts = &Wavelet::hasInterval,
+    .suits = &Wavelet::hasInterval,
     .refusal = Code::IntervalUnimplemented,
     .admits = admitsInterval,
     .waveletFirst = true,
@@ -56,9 +56,9 @@ const BoundaryTreatment intervalBoundary = {
     .pollsInverseLevels = false,
 };
 
-Code refusalOf(const BoundaryTreatment& boundary, const FilterBank& bank) {
-    if (boundary.accepts == nullptr || (bank.selected->*boundary.accepts)() == 1) return Code::None;
-    return boundary.refusal;
+Failure requireSuitable(const BoundaryTreatment& boundary, const FilterBank& bank, int waveletArgument) {
+    if (boundary.suits == nullptr || (bank.selected->*boundary.suits)() == 1) return {};
+    return {boundary.refusal, waveletArgument};
 }
 
 }  // namespace undula

@@ -11,12 +11,11 @@ struct BoundaryTreatment {
     Step* analysis;
     Step* synthesis;
 
-    // The question that a wavelet must answer with 1, null for none, and what is said of one that
-    // does not.
-    std::int32_t (Wavelet::*accepts)() const;
+    // The property that a wavelet must have, null for none, and what is said of one without it.
+    std::int32_t (Wavelet::*suits)() const;
     Code refusal;
 
-    // Whether n samples can be halved so many times.
+    // Whether n samples can be halved `levels` times.
     bool (*admits)(const FilterBank& bank, std::uint64_t n, std::uint64_t levels);
 
     // Transforms look at the wavelet before the levels, or after them.
@@ -31,7 +30,7 @@ extern const BoundaryTreatment periodicBoundary;
 extern const BoundaryTreatment symmetricBoundary;
 extern const BoundaryTreatment intervalBoundary;
 
-// What the treatment says of the selected wavelet; None when it takes it.
-Code refusalOf(const BoundaryTreatment& boundary, const FilterBank& bank);
+// What the treatment says of the wavelet, which is an argument of the call.
+Failure requireSuitable(const BoundaryTreatment& boundary, const FilterBank& bank, int waveletArgument);
 
 }  // namespace undula

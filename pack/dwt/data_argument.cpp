@@ -1,30 +1,39 @@
 #include "dwt/data_argument.h"
 
+#include <algorithm>
+
 namespace undula {
 
 bool admitsSides(const BoundaryTreatment& boundary, const FilterBank& bank, const aMatrix* data,
                  std::uint64_t levels) {
-    const auto admits = [&](int side) {
-        return boundary.admits(bank, static_cast<std::uint64_t>(side), levels);
-    };
-    return admits(data->rows) && (data->cols == 1 || admits(data->cols));
+    return holdsForSides(data, [&](std::uint64_t side) { return boundary.admits(bank, side, levels); });
 }
 
 Block blockOf(const aMatrix* data, const Array<double>& copy) {
-    return {copy.data(), data->rows, static_cast<std::uint32_t>(data->rows),
-            static_cast<std::uint32_t>(data->cols)};
+    return contiguous(copy.data(), static_cast<std::uint64_t>(data->rows),
+                      static_cast<std::uint64_t>(data->cols));
 }
 
-Failure stepFailure(Code code, Code tooShort, int position) {
-    switch (code) {
+void copyPart(const aMatrix* array, const Rectangle& place, const Block& out) {
+    if (array->re == nullptr) {
+        for (std::uint32_t col = 0; col < out.cols; ++col) std::fill_n(out.column(col), out.rows, 0.0);
+        return;
+    }
+    const Block whole = {array->re, array->stride, static_cast<std::uint32_t>(array->rows),
+                         static_cast<std::uint32_t>(array->cols)};
+    copyBlock(partOf(whole, place), out);
+}
+
+Failure stepFailure(const Failure& failure, Code tooShort, int position) {
+    switch (failure.code) {
         case Code::InvalidLevel:
             return {tooShort, position};
         case Code::None:
         case Code::OutOfMemory:
         case Code::Interrupted:
-            return failureAt(code, 0);
+            return failure;
         default:
-            return {Code::Unknown, 0};
+            return Code::Unknown;
     }
 }
 

@@ -1,6 +1,6 @@
 #include "dwt/multilevel.h"
 
-#include "frame/halving.h"
+#include "frame/integers.h"
 
 namespace undula {
 
@@ -19,12 +19,12 @@ struct Transform {
 
     Step* step() const { return direction == Direction::Forward ? boundary.analysis : boundary.synthesis; }
 
-    Code signalLevel(const Block& signal) const {
+    Failure signalLevel(const Block& signal) const {
         if (poll()) return Code::Interrupted;
         return step()(bank, {signal.origin}, signal.rows, false, workspace);
     }
 
-    Code imageLevel(const Block& image) const {
+    Failure imageLevel(const Block& image) const {
         const bool forward = direction == Direction::Forward;
         if (!forward && boundary.pollsInverseLevels && poll()) return Code::Interrupted;
         const Poll linePoll = forward && !boundary.pollsForwardLines ? Poll() : poll;
@@ -34,18 +34,18 @@ struct Transform {
 
 }  // namespace
 
-Code transformLevels(const BoundaryTreatment& boundary, const FilterBank& bank, const Block& block,
-                     std::uint32_t levels, Direction direction, const Poll& poll, Workspace& workspace) {
+Failure transformLevels(const BoundaryTreatment& boundary, const FilterBank& bank, const Block& block,
+                        std::uint32_t levels, Direction direction, const Poll& poll, Workspace& workspace) {
     const Transform transform = {boundary, bank, direction, poll, workspace};
     for (std::uint32_t i = 0; i < levels; ++i) {
         const std::uint32_t level = direction == Direction::Forward ? i : levels - 1 - i;
         Block smooth = block;
         smooth.rows = sideAt(block.rows, level);
         smooth.cols = sideAt(block.cols, level);
-        const Code code = block.cols == 1 ? transform.signalLevel(smooth) : transform.imageLevel(smooth);
-        if (code != Code::None) return code;
+        if (auto failure = block.cols == 1 ? transform.signalLevel(smooth) : transform.imageLevel(smooth))
+            return failure;
     }
-    return Code::None;
+    return {};
 }
 
 }  // namespace undula

@@ -1,6 +1,8 @@
 // The blocks of one level of a transformed image, by their letters.
 #pragma once
 
+#include "frame/errors.h"
+
 namespace undula {
 
 // Indices of a block: 0 for the low-pass part, 1 for the high-pass part, along the columns of the
@@ -16,26 +18,18 @@ constexpr bool isOneCharacter(const char* text) {
     return text[0] != '\0' && text[1] == '\0';
 }
 
-// "H", "V" and "D"; false for any other text.
-constexpr bool readOrientation(const char* text, Orientation& block) {
-    if (!isOneCharacter(text)) return false;
-    switch (text[0]) {
+// Block "H", "V" or "D", or the failure of the argument that names it.
+inline Result<Orientation> readOrientation(const char* text, int argument) {
+    switch (isOneCharacter(text) ? text[0] : '\0') {
         case 'H':
-            block = {1.0, 0.0};
-            return true;
+            return Orientation{1.0, 0.0};
         case 'V':
-            block = {0.0, 1.0};
-            return true;
+            return Orientation{0.0, 1.0};
         case 'D':
-            block = {1.0, 1.0};
-            return true;
+            return Orientation{1.0, 1.0};
         default:
-            return false;
+            return Failure(Code::InvalidOrientation, argument);
     }
 }
-
-namespace text {
-inline constexpr const char* invalidOrientation = "invalid 2d wavelet string";
-}  // namespace text
 
 }  // namespace undula

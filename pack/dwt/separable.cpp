@@ -6,9 +6,6 @@ namespace undula {
 
 namespace {
 
-// Rows that are filtered side by side: enough to fill the machine's vectors and cache lines.
-constexpr std::uint32_t batchRows = 16;
-
 bool askTimes(const Poll& poll, std::uint32_t times) {
     while (times-- > 0) {
         if (poll()) return true;
@@ -18,26 +15,24 @@ bool askTimes(const Poll& poll, std::uint32_t times) {
 
 }  // namespace
 
-Code separableStep(Step* step, const FilterBank& bank, const Block& block, bool swapInColumns,
-                   bool swapInRows, const Poll& poll, Workspace& workspace) {
+Failure separableStep(Step* step, const FilterBank& bank, const Block& block, bool swapInColumns,
+                      bool swapInRows, const Poll& poll, Workspace& workspace) {
     for (std::uint32_t col = 0; col < block.cols; ++col) {
         if (poll()) return Code::Interrupted;
-        const Code code =
-            step(bank, {block.origin + col * block.stride}, block.rows, swapInColumns, workspace);
-        if (code != Code::None) return code;
+        if (auto failure = step(bank, {block.column(col)}, block.rows, swapInColumns, workspace))
+            return failure;
     }
     for (std::uint32_t row = 0; row < block.rows; row += batchRows) {
         const std::uint32_t rows = std::min(batchRows, block.rows - row);
         if (askTimes(poll, rows)) return Code::Interrupted;
         const Lines lines = {block.origin + row, block.stride, static_cast<std::ptrdiff_t>(rows)};
-        const Code code = step(bank, lines, block.cols, swapInRows, workspace);
-        if (code != Code::None) return code;
+        if (auto failure = step(bank, lines, block.cols, swapInRows, workspace)) return failure;
     }
-    return Code::None;
+    return {};
 }
 
-Code periodic_analysis_step_2d(const FilterBank& bank, const Block& block, bool swapInColumns,
-                               bool swapInRows, Workspace& workspace) {
+Failure periodic_analysis_step_2d(const FilterBank& bank, const Block& block, bool swapInColumns,
+                                  bool swapInRows, Workspace& workspace) {
     if (block.rows < 2 || block.cols < 2) return Code::InvalidLevel;
     return separableStep(periodic_analysis_step, bank, block, swapInColumns, swapInRows, {}, workspace);
 }

@@ -3,8 +3,8 @@
 // ends of the data: periodic, symmetric extension, and boundary filters on the interval.
 //
 // Steps work in place, on several signals side by side. The low-pass part comes first, or with
-// `swap` the high-pass part. Answers: Code::None, Code::InvalidLevel when the signal is too short,
-// Code::OutOfMemory; the data is untouched where the answer is not None.
+// `swap` the high-pass part. Failures: "invalid level" when the signal is too short, "out of memory";
+// the data is then untouched.
 //
 // Sources: S. Mallat, A theory for multiresolution signal decomposition, IEEE PAMI 11 (1989)
 // 674-693; C. Brislawn, Classification of nonexpansive symmetric extension transforms for
@@ -28,8 +28,8 @@ struct Lines {
     std::ptrdiff_t count = 1;
 };
 
-using Step = Code(const FilterBank& bank, const Lines& lines, std::uint32_t n, bool swap,
-                  Workspace& workspace);
+using Step = Failure(const FilterBank& bank, const Lines& lines, std::uint32_t n, bool swap,
+                     Workspace& workspace);
 
 // Any n >= 2. With an odd n the reconstruction is not exact.
 Step periodic_analysis_step;

@@ -4,6 +4,7 @@ namespace undula {
 
 Segment subband(std::uint64_t n, std::uint32_t level, std::uint64_t index) {
     Segment segment = {0, n};
+    if (n == 0) return segment;
     std::uint64_t parent = 0;
     for (std::uint32_t bit = level; bit-- > 0;) {
         // Beyond 64 bits the index has no ones.
@@ -17,9 +18,9 @@ Segment subband(std::uint64_t n, std::uint32_t level, std::uint64_t index) {
     return segment;
 }
 
-Rectangle packetPlace(std::uint64_t rows, std::uint64_t cols, std::uint32_t level, std::uint64_t row,
-                      std::uint64_t col) {
-    return {subband(rows, level, row), cols < 2 ? Segment{0, cols} : subband(cols, level, col)};
+Rectangle packetPlace(std::uint64_t rows, std::uint64_t cols, const PacketIndex& packet) {
+    return {subband(rows, packet.level, packet.row),
+            cols < 2 ? Segment{0, cols} : subband(cols, packet.level, packet.col)};
 }
 
 }  // namespace undula

@@ -23,9 +23,29 @@ struct Rectangle {
 // subbands of a level stand in the order of increasing frequency.
 Segment subband(std::uint64_t n, std::uint32_t level, std::uint64_t index);
 
-// The packet at a row and a column position among rows x cols coefficients. Of a signal, which has
-// fewer than two columns, a packet spans the columns.
-Rectangle packetPlace(std::uint64_t rows, std::uint64_t cols, std::uint32_t level, std::uint64_t row,
-                      std::uint64_t col);
+// A packet by its level and its positions down the columns and along the rows; a packet of a signal
+// has column position 0.
+struct PacketIndex {
+    std::uint32_t level;
+    std::uint64_t row;
+    std::uint64_t col;
+};
+
+// The place of a packet among rows x cols coefficients. Of a signal, which has fewer than two columns,
+// a packet spans the columns.
+Rectangle packetPlace(std::uint64_t rows, std::uint64_t cols, const PacketIndex& packet);
+
+// Calls visit(packet) for all packets of a level, row by row, until one returns a failure.
+template <class Visit>
+auto forPacketsOfLevel(bool isSignal, std::uint32_t level, Visit visit) -> decltype(visit(PacketIndex())) {
+    const std::uint64_t rows = std::uint64_t{1} << level;
+    const std::uint64_t cols = isSignal ? 1 : rows;
+    for (std::uint64_t row = 0; row < rows; ++row) {
+        for (std::uint64_t col = 0; col < cols; ++col) {
+            if (auto failure = visit(PacketIndex{level, row, col})) return failure;
+        }
+    }
+    return {};
+}
 
 }  // namespace undula

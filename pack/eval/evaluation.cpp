@@ -2,7 +2,6 @@
 
 #include <cmath>
 
-#include "filters/active_filter.h"
 #include "frame/checks.h"
 
 namespace undula {
@@ -10,7 +9,7 @@ namespace undula {
 namespace {
 
 bool is32BitInteger(double x) {
-    return std::floor(x) == x && std::isgreaterequal(x, -2147483648.0) && std::islessequal(x, 2147483647.0);
+    return isWhole(x) && std::isgreaterequal(x, -2147483648.0) && std::islessequal(x, 2147483647.0);
 }
 
 Failure requireSigned(double x, int argument) {
@@ -37,30 +36,28 @@ Failure checkPlane(const PlaneArguments& arguments) {
 
 }  // namespace
 
-FilterSet activeSet(FunctionSet set) {
-    return set == FunctionSet::Analysis ? analysisSet(ActiveFilter) : synthesisSet(ActiveFilter);
-}
-
-Failure evaluate(EfiCallContext* context, const FilterSet& set, const PointArguments& arguments,
-                 double& value) {
+Result<double> evaluate(EfiCallContext* context, const FilterSet& set, const PointArguments& arguments) {
     if (auto failure = checkPoint(arguments)) return failure;
     const PacketFunction function = {asIndex(arguments.packet), static_cast<std::int32_t>(arguments.level),
                                      static_cast<std::int32_t>(arguments.shift)};
     Workspace workspace;
-    return failureAt(evaluatePacket(set, function, arguments.x, pollOf(context), workspace, value), 0);
+    return evaluatePacket(set, function, arguments.x, pollOf(context), workspace);
 }
 
-Failure evaluate(EfiCallContext* context, const FilterSet& set, const PlaneArguments& arguments,
-                 double& value) {
+Result<double> evaluate(EfiCallContext* context, const FilterSet& set, const PlaneArguments& arguments) {
     if (auto failure = checkPlane(arguments)) return failure;
     const PointArguments alongX = {arguments.x, arguments.level, arguments.shiftX, arguments.packetX};
     const PointArguments alongY = {arguments.y, arguments.level, arguments.shiftY, arguments.packetY};
-    double valueX = 0.0;
-    double valueY = 0.0;
-    if (auto failure = evaluate(context, set, alongX, valueX)) return reposition(failure, {1, 3, 4, 6});
-    if (auto failure = evaluate(context, set, alongY, valueY)) return reposition(failure, {2, 3, 5, 7});
-    value = valueX * valueY;
-    return {};
+    const auto valueX = evaluate(context, set, alongX);
+    if (!valueX) return reposition(valueX.failure(), {1, 3, 4, 6});
+    const auto valueY = evaluate(context, set, alongY);
+    if (!valueY) return reposition(valueY.failure(), {2, 3, 5, 7});
+    return *valueX * *valueY;
+}
+
+Result<aComplex*> scalarResult(EfiCallContext* context, const Result<double>& value) {
+    if (!value) return value.failure();
+    return newScalar(context, *value);
 }
 
 }  // namespace undula

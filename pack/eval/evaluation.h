@@ -7,10 +7,12 @@
 
 namespace undula {
 
-// Which functions of the active filter: those of its analysis filters, or their duals.
+// The functions of a wavelet: those of its analysis filters, or their duals.
 enum class FunctionSet { Analysis, Synthesis };
 
-FilterSet activeSet(FunctionSet set);
+inline FilterSet filtersOf(const FilterBank& bank, FunctionSet set) {
+    return set == FunctionSet::Analysis ? analysisSet(bank) : synthesisSet(bank);
+}
 
 // Point (1), level (2), shift (3) and packet (4) as a user gives them, real parts.
 struct PointArguments {
@@ -21,8 +23,7 @@ struct PointArguments {
 };
 
 // Checks packet, shift and level, in this order, and evaluates.
-Failure evaluate(EfiCallContext* context, const FilterSet& set, const PointArguments& arguments,
-                 double& value);
+Result<double> evaluate(EfiCallContext* context, const FilterSet& set, const PointArguments& arguments);
 
 // The point (1, 2), level (3), shifts (4, 5) and packets (6, 7) of a product of two functions.
 struct PlaneArguments {
@@ -35,7 +36,9 @@ struct PlaneArguments {
     double packetY;
 };
 
-Failure evaluate(EfiCallContext* context, const FilterSet& set, const PlaneArguments& arguments,
-                 double& value);
+Result<double> evaluate(EfiCallContext* context, const FilterSet& set, const PlaneArguments& arguments);
+
+// The scalar that a worker returns for a value.
+Result<aComplex*> scalarResult(EfiCallContext* context, const Result<double>& value);
 
 }  // namespace undula

@@ -2,9 +2,8 @@
 // the dual functions.
 #include "dwt/orientation.h"
 #include "eval/evaluation.h"
-#include "eval/scalars.h"
 #include "filters/names.h"
-#include "filters/selection.h"
+#include "frame/checks.h"
 #include "frame/workers.h"
 
 using namespace undula;
@@ -18,12 +17,11 @@ constexpr int typePosition2d = 7;
 constexpr double scalingFunction = 0.0;
 constexpr double motherWavelet = 1.0;
 
-// Selects the wavelet of a name. Null, or the error value, which is about the name.
-Anyval* selectByName(EfiCallContext* context, const aString* name, int position, aMatrix*& filter) {
-    Anyval* found = selectWaveletString(context, name);
-    if (isError(found)) return reposition(found, {position});
-    filter = static_cast<aMatrix*>(found);
-    return nullptr;
+// The wavelet of a name at a position among the arguments.
+Result<FilterBank> selectNamed(const aString* name, int position) {
+    const auto bank = selectWaveletString(name);
+    if (!bank) return bank.failure().at(position);
+    return bank;
 }
 
 struct NamedPoint {
@@ -33,21 +31,12 @@ struct NamedPoint {
     const aString* name;
 };
 
-// The packet is not the user's, and the filter array is what the name stands for.
-constexpr int positions[] = {1, 2, 3, 0, namePosition};
-
-aComplex* evaluateNamed(EfiCallContext* context, FunctionSet set, const NamedPoint& p, double packet) {
-    if (auto failure = requireRealScalars(p.x, p.level, p.shift)) return fail(context, failure);
-    aMatrix* filter = nullptr;
-    if (Anyval* error = selectByName(context, p.name, namePosition, filter)) return ErrorValue{error};
-    if (auto failure = selectWavelet(context, {5, filter}))
-        return fail(context, reposition(failure, positions));
+Result<double> evaluateNamed(EfiCallContext* context, FunctionSet set, const NamedPoint& p, double packet) {
+    if (auto failure = requireRealFrom(1, p.x, p.level, p.shift)) return failure;
+    const auto bank = selectNamed(p.name, namePosition);
+    if (!bank) return bank.failure();
     const PointArguments arguments = {p.x->re, p.level->re, p.shift->re, packet};
-    double value = 0.0;
-    if (auto failure = evaluate(context, activeSet(set), arguments, value)) {
-        return fail(context, reposition(failure, positions));
-    }
-    return resultScalar(context, value);
+    return evaluate(context, filtersOf(*bank, set), arguments);
 }
 
 struct NamedPlanePoint {
@@ -59,42 +48,30 @@ struct NamedPlanePoint {
     const aString* name;
 };
 
-constexpr int positions2d[] = {1, 2, 3, 4, 5, 0, 0, namePosition2d};
-
-Failure requireRealScalars(const NamedPlanePoint& p) {
-    return undula::requireRealScalars(p.x, p.y, p.level, p.shiftX, p.shiftY);
+// The packets are those of a block of a transformed image.
+Result<double> evaluateNamed(EfiCallContext* context, FunctionSet set, const NamedPlanePoint& p,
+                             const Result<Orientation>& packets) {
+    if (auto failure = requireRealFrom(1, p.x, p.y, p.level, p.shiftX, p.shiftY)) return failure;
+    const auto bank = selectNamed(p.name, namePosition2d);
+    if (!bank) return bank.failure();
+    if (!packets) return packets.failure();
+    const PlaneArguments arguments = {p.x->re,      p.y->re,      p.level->re, p.shiftX->re,
+                                      p.shiftY->re, packets->row, packets->col};
+    return evaluate(context, filtersOf(*bank, set), arguments);
 }
 
-// With the wavelet of the filter array, which a name stands for.
-aComplex* evaluateFilter(EfiCallContext* context, FunctionSet set, const NamedPlanePoint& p,
-                         const aMatrix* filter, const Orientation& packets) {
-    if (auto failure = selectWavelet(context, {8, filter}))
-        return fail(context, reposition(failure, positions2d));
-    const PlaneArguments arguments = {p.x->re,      p.y->re,     p.level->re, p.shiftX->re,
-                                      p.shiftY->re, packets.row, packets.col};
-    double value = 0.0;
-    if (auto failure = evaluate(context, activeSet(set), arguments, value)) {
-        return fail(context, reposition(failure, positions2d));
-    }
-    return resultScalar(context, value);
+HostValue father(EfiCallContext* context, FunctionSet set, const NamedPoint& p) {
+    return toHost(context, scalarResult(context, evaluateNamed(context, set, p, scalingFunction)));
 }
-
-aComplex* evaluateFather(EfiCallContext* context, FunctionSet set, const NamedPlanePoint& p) {
-    if (auto failure = requireRealScalars(p)) return fail(context, failure);
-    aMatrix* filter = nullptr;
-    if (Anyval* error = selectByName(context, p.name, namePosition2d, filter)) return ErrorValue{error};
-    return evaluateFilter(context, set, p, filter, smoothBlock);
+HostValue mother(EfiCallContext* context, FunctionSet set, const NamedPoint& p) {
+    return toHost(context, scalarResult(context, evaluateNamed(context, set, p, motherWavelet)));
 }
-
-aComplex* evaluateMother(EfiCallContext* context, FunctionSet set, const NamedPlanePoint& p,
-                         const aString* type) {
-    if (auto failure = requireRealScalars(p)) return fail(context, failure);
-    aMatrix* filter = nullptr;
-    if (Anyval* error = selectByName(context, p.name, namePosition2d, filter)) return ErrorValue{error};
-    Orientation packets = {};
-    if (!readOrientation(type->text, packets))
-        return fail(context, {text::invalidOrientation, typePosition2d});
-    return evaluateFilter(context, set, p, filter, packets);
+HostValue father2d(EfiCallContext* context, FunctionSet set, const NamedPlanePoint& p) {
+    return toHost(context, scalarResult(context, evaluateNamed(context, set, p, smoothBlock)));
+}
+HostValue mother2d(EfiCallContext* context, FunctionSet set, const NamedPlanePoint& p, const aString* type) {
+    const auto packets = readOrientation(type->text, typePosition2d);
+    return toHost(context, scalarResult(context, evaluateNamed(context, set, p, packets)));
 }
 
 constexpr auto analysis = FunctionSet::Analysis;
@@ -103,37 +80,37 @@ constexpr auto synthesis = FunctionSet::Synthesis;
 }  // namespace
 
 aComplex* father(EfiCallContext* context, aComplex* x, aComplex* j, aComplex* k, aString* name) {
-    return evaluateNamed(context, analysis, {x, j, k, name}, scalingFunction);
+    return father(context, analysis, NamedPoint{x, j, k, name});
 }
 
 aComplex* mother(EfiCallContext* context, aComplex* x, aComplex* j, aComplex* k, aString* name) {
-    return evaluateNamed(context, analysis, {x, j, k, name}, motherWavelet);
+    return mother(context, analysis, NamedPoint{x, j, k, name});
 }
 
 aComplex* dlfather(EfiCallContext* context, aComplex* x, aComplex* j, aComplex* k, aString* name) {
-    return evaluateNamed(context, synthesis, {x, j, k, name}, scalingFunction);
+    return father(context, synthesis, NamedPoint{x, j, k, name});
 }
 
 aComplex* dlmother(EfiCallContext* context, aComplex* x, aComplex* j, aComplex* k, aString* name) {
-    return evaluateNamed(context, synthesis, {x, j, k, name}, motherWavelet);
+    return mother(context, synthesis, NamedPoint{x, j, k, name});
 }
 
 aComplex* father2d(EfiCallContext* context, aComplex* x, aComplex* y, aComplex* j, aComplex* kx, aComplex* ky,
                    aString* name) {
-    return evaluateFather(context, analysis, {x, y, j, kx, ky, name});
+    return father2d(context, analysis, NamedPlanePoint{x, y, j, kx, ky, name});
 }
 
 aComplex* dlfather2d(EfiCallContext* context, aComplex* x, aComplex* y, aComplex* j, aComplex* kx,
                      aComplex* ky, aString* name) {
-    return evaluateFather(context, synthesis, {x, y, j, kx, ky, name});
+    return father2d(context, synthesis, NamedPlanePoint{x, y, j, kx, ky, name});
 }
 
 aComplex* mother2d(EfiCallContext* context, aComplex* x, aComplex* y, aComplex* j, aComplex* kx, aComplex* ky,
                    aString* name, aString* type) {
-    return evaluateMother(context, analysis, {x, y, j, kx, ky, name}, type);
+    return mother2d(context, analysis, NamedPlanePoint{x, y, j, kx, ky, name}, type);
 }
 
 aComplex* dlmother2d(EfiCallContext* context, aComplex* x, aComplex* y, aComplex* j, aComplex* kx,
                      aComplex* ky, aString* name, aString* type) {
-    return evaluateMother(context, synthesis, {x, y, j, kx, ky, name}, type);
+    return mother2d(context, synthesis, NamedPlanePoint{x, y, j, kx, ky, name}, type);
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <numbers>
 #include <utility>
 
 namespace undula {
@@ -12,7 +13,6 @@ namespace {
 using Index = std::int64_t;
 
 constexpr double gridPoints = 32.0;
-constexpr double rootOfTwo = 1.4142135623730951;
 // No function is anything but 0 so far out, and every number up to here is an index.
 constexpr double beyondAll = 0x1p50;
 constexpr std::uint64_t mostBytes = std::uint64_t{1} << 32;
@@ -20,8 +20,8 @@ constexpr std::uint64_t mostBytes = std::uint64_t{1} << 32;
 // The tabulated scaling function at a grid index. The table begins at 31 times the first tap's
 // position, which is where the five-stage cascade begins.
 double lookUp(const FilterSet& set, Index gridIndex) {
-    const Index first = Index{31} * set.low.offset;
-    const Index last = Index{31} * (Index{set.low.offset} + set.low.count - 1);
+    const Index first = Index{31} * set.channels.low.offset;
+    const Index last = Index{31} * set.channels.low.last();
     return first <= gridIndex && gridIndex <= last ? set.cascade[gridIndex - first] : 0.0;
 }
 
@@ -36,31 +36,31 @@ struct SampleRange {
 SampleRange samplesOf(const FilterSet& set, std::uint32_t packet) {
     SampleRange range;
     for (int digit = 0; digit < digitCount(packet); ++digit) {
-        const PlacedFilter& filter = set.channel(grayDigit(packet, digit));
+        const Filter& filter = set.channels[grayDigit(packet, digit)];
         range.start = filter.offset + 2 * range.start;
-        range.end = filter.count + 2 * range.end + filter.offset - 1;
+        range.end = filter.last() + 2 * range.end;
     }
     return range;
 }
 
-// 2^exponent x. What would leave the range of numbers is `beyond`: no fault of the user's arithmetic.
-double scaled(double x, Index exponent, double beyond) {
+// 2^exponent x, or a number beyond all that is small enough to be multiplied further without a fault.
+double scaled(double x, Index exponent) {
     if (x == 0.0 || !std::isfinite(x)) return x;
-    if (std::ilogb(x) + exponent > 1000) return std::copysign(beyond, x);
+    if (std::ilogb(x) + exponent > 900) return std::copysign(0x1p900, x);
     return std::ldexp(x, static_cast<int>(std::max<Index>(exponent, -5000)));
 }
 
 // The grid position of a point among the samples, counted from the first one; NaN or beyond all where
 // there is none.
 double gridPosition(const PacketFunction& function, double x, Index firstSample) {
-    const double position = scaled(x, -Index{function.level}, 0x1p1000) - function.shift;
+    const double position = scaled(x, -Index{function.level}) - function.shift;
     const double spread =
         std::ldexp(position, digitCount(function.packet)) - static_cast<double>(firstSample);
     return gridPoints * spread;
 }
 
 // One two-scale relation: every second position of the filter's correlation with the samples.
-Index filterSamples(const PlacedFilter& filter, const double* samples, Index count, double* out) {
+Index filterSamples(const Filter& filter, const double* samples, Index count, double* out) {
     const Index outputs = (count - filter.count + 2) >> 1;
     for (Index i = 0; i < outputs; ++i) {
         double sum = 0.0;
@@ -72,33 +72,24 @@ Index filterSamples(const PlacedFilter& filter, const double* samples, Index cou
 
 // sqrt(2)^exponent x; beyond the range of numbers it overflows.
 double timesPowerOfRoot(double x, Index exponent) {
-    const double odd = exponent % 2 != 0 ? rootOfTwo : 1.0;
+    const double odd = exponent % 2 != 0 ? std::numbers::sqrt2 : 1.0;
     const Index half = (exponent - (exponent % 2 != 0)) / 2;
     return x == 0.0 ? 0.0 : std::ldexp(x * odd, static_cast<int>(std::clamp<Index>(half, -10000, 10000)));
 }
 
 }  // namespace
 
-FilterSet analysisSet(const FilterBank& bank) {
-    return {{bank.ha, bank.La, bank.oa}, {bank.ga, bank.Lb, bank.ob}, bank.cascadeA};
-}
-
-FilterSet synthesisSet(const FilterBank& bank) {
-    return {{bank.hs, bank.Lb, bank.os}, {bank.gs, bank.La, bank.og}, bank.cascadeS};
-}
-
 int digitCount(std::uint32_t packet) {
     return static_cast<int>(std::bit_width(packet));
 }
 
-Code evaluatePacket(const FilterSet& set, const PacketFunction& function, double x, const Poll& poll,
-                    Workspace& workspace, double& value) {
-    value = 0.0;
+Result<double> evaluatePacket(const FilterSet& set, const PacketFunction& function, double x,
+                              const Poll& poll, Workspace& workspace) {
     const SampleRange range = samplesOf(set, function.packet);
     const auto room = 2 * static_cast<std::uint64_t>(range.count());
     if (room >= mostBytes / sizeof(double)) return Code::OutOfMemory;
     const double position = gridPosition(function, x, range.start);
-    if (std::isnan(position) || std::fabs(position) > beyondAll) return Code::None;
+    if (std::isnan(position) || std::fabs(position) > beyondAll) return 0.0;
     double* samples = workspace.room(room);
     if (samples == nullptr) return Code::OutOfMemory;
     double* next = samples + range.count();
@@ -109,20 +100,19 @@ Code evaluatePacket(const FilterSet& set, const PacketFunction& function, double
     const int digits = digitCount(function.packet);
     for (int digit = digits; digit-- > 0;) {
         if (poll()) return Code::Interrupted;
-        count = filterSamples(set.channel(grayDigit(function.packet, digit)), samples, count, next);
+        count = filterSamples(set.channels[grayDigit(function.packet, digit)], samples, count, next);
         std::swap(samples, next);
     }
-    value = timesPowerOfRoot(samples[0], Index{digits} + 5 - 2 * Index{function.level});
-    return Code::None;
+    return timesPowerOfRoot(samples[0], Index{digits} + 5 - 2 * Index{function.level});
 }
 
 Support supportOf(const FilterSet& set, std::uint32_t packet) {
-    Support support = {static_cast<double>(set.low.offset),
-                       static_cast<double>(set.low.offset) + set.low.count - 1.0};
+    const Filter& low = set.channels.low;
+    Support support = {static_cast<double>(low.offset), static_cast<double>(low.last())};
     for (int digit = digitCount(packet); digit-- > 0;) {
-        const PlacedFilter& filter = set.channel(grayDigit(packet, digit));
+        const Filter& filter = set.channels[grayDigit(packet, digit)];
         support.first = (support.first + filter.offset) / 2.0;
-        support.last = (support.last + filter.offset + filter.count - 1.0) / 2.0;
+        support.last = (support.last + filter.last()) / 2.0;
     }
     return support;
 }

@@ -18,24 +18,18 @@
 
 namespace undula {
 
-// A filter and the position of its first tap.
-struct PlacedFilter {
-    const double* taps;
-    std::int32_t count;
-    std::int32_t offset;
-};
-
 // The filters of one direction, and the tabulated scaling function of the low-pass filter.
 struct FilterSet {
-    PlacedFilter low;
-    PlacedFilter high;
+    Channels channels;
     const double* cascade;
-
-    const PlacedFilter& channel(std::uint32_t bit) const { return bit == 0 ? low : high; }
 };
 
-FilterSet analysisSet(const FilterBank& bank);
-FilterSet synthesisSet(const FilterBank& bank);
+inline FilterSet analysisSet(const FilterBank& bank) {
+    return {analysisChannels(bank), bank.cascadeA};
+}
+inline FilterSet synthesisSet(const FilterBank& bank) {
+    return {synthesisChannels(bank), bank.cascadeS};
+}
 
 // Digit `position` of the Gray code, and how many digits a packet has.
 constexpr std::uint32_t grayCode(std::uint32_t packet) {
@@ -56,8 +50,8 @@ struct PacketFunction {
 // 2^(-level) W(2^(-level) x - shift), from the table at the grid point at or below; 32 grid points a
 // unit. Exactly 0 outside the function's support, wherever that is. Polls once a digit of the packet;
 // the work grows as 2^digits.
-Code evaluatePacket(const FilterSet& set, const PacketFunction& function, double x, const Poll& poll,
-                    Workspace& workspace, double& value);
+Result<double> evaluatePacket(const FilterSet& set, const PacketFunction& function, double x,
+                              const Poll& poll, Workspace& workspace);
 
 // Where the function of level 0 and shift 0 is not 0.
 struct Support {

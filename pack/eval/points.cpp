@@ -1,8 +1,8 @@
 // wavelet, dlwavelet, wavelet2d, dlwavelet2d: packet functions of a wavelet given as arrays, at a point
 // of the line or of the plane; dl: the dual functions.
 #include "eval/evaluation.h"
-#include "eval/scalars.h"
 #include "filters/selection.h"
+#include "frame/checks.h"
 #include "frame/workers.h"
 
 using namespace undula;
@@ -30,32 +30,40 @@ struct PlanePoint {
     const aComplex* packetY;
 };
 
-// With the active filter.
-aComplex* evaluateAt(EfiCallContext* context, FunctionSet set, const Point& p) {
-    if (auto failure = requireRealScalars(p.x, p.level, p.shift, p.packet)) return fail(context, failure);
-    const PointArguments arguments = {p.x->re, p.level->re, p.shift->re, p.packet->re};
-    double value = 0.0;
-    if (auto failure = evaluate(context, activeSet(set), arguments, value)) return fail(context, failure);
-    return resultScalar(context, value);
+Failure requireRealScalars(const Point& p) {
+    return requireRealFrom(1, p.x, p.level, p.shift, p.packet);
+}
+Failure requireRealScalars(const PlanePoint& p) {
+    return requireRealFrom(1, p.x, p.y, p.level, p.shiftX, p.shiftY, p.packetX, p.packetY);
 }
 
-aComplex* evaluateAt(EfiCallContext* context, FunctionSet set, const PlanePoint& p) {
-    if (auto failure = requireRealScalars(p.x, p.y, p.level, p.shiftX, p.shiftY, p.packetX, p.packetY)) {
-        return fail(context, failure);
-    }
-    const PlaneArguments arguments = {p.x->re,      p.y->re,       p.level->re,  p.shiftX->re,
-                                      p.shiftY->re, p.packetX->re, p.packetY->re};
-    double value = 0.0;
-    if (auto failure = evaluate(context, activeSet(set), arguments, value)) return fail(context, failure);
-    return resultScalar(context, value);
+PointArguments argumentsOf(const Point& p) {
+    return {p.x->re, p.level->re, p.shift->re, p.packet->re};
+}
+PlaneArguments argumentsOf(const PlanePoint& p) {
+    return {p.x->re, p.y->re, p.level->re, p.shiftX->re, p.shiftY->re, p.packetX->re, p.packetY->re};
+}
+
+template <class AnyPoint>
+HostValue evaluateAt(EfiCallContext* context, FunctionSet set, const AnyPoint& point,
+                     const Result<FilterBank>& bank) {
+    if (!bank) return toHost(context, bank.failure());
+    if (auto failure = requireRealScalars(point)) return toHost(context, failure);
+    return toHost(context,
+                  scalarResult(context, evaluate(context, filtersOf(*bank, set), argumentsOf(point))));
 }
 
 // With the wavelet of the arrays.
 template <class AnyPoint>
-aComplex* evaluateWith(EfiCallContext* context, FunctionSet set, const AnyPoint& point,
+HostValue evaluateWith(EfiCallContext* context, FunctionSet set, const AnyPoint& point,
                        const WaveletArguments& wavelet) {
-    if (auto failure = selectWavelet(context, wavelet)) return fail(context, failure);
-    return evaluateAt(context, set, point);
+    return evaluateAt(context, set, point, selectWavelet(context, wavelet));
+}
+
+// With the wavelet selected last.
+template <class AnyPoint>
+HostValue evaluateSelected(EfiCallContext* context, FunctionSet set, const AnyPoint& point) {
+    return evaluateAt(context, set, point, selectedBank());
 }
 
 constexpr auto analysis = FunctionSet::Analysis;
@@ -64,7 +72,7 @@ constexpr auto synthesis = FunctionSet::Synthesis;
 }  // namespace
 
 aComplex* wavelet(EfiCallContext* context, aComplex* x, aComplex* j, aComplex* k, aComplex* n) {
-    return evaluateAt(context, analysis, Point{x, j, k, n});
+    return evaluateSelected(context, analysis, Point{x, j, k, n});
 }
 
 aComplex* wavelet(EfiCallContext* context, aComplex* x, aComplex* j, aComplex* k, aComplex* n,
@@ -83,7 +91,7 @@ aComplex* wavelet(EfiCallContext* context, aComplex* x, aComplex* j, aComplex* k
 }
 
 aComplex* dlwavelet(EfiCallContext* context, aComplex* x, aComplex* j, aComplex* k, aComplex* n) {
-    return evaluateAt(context, synthesis, Point{x, j, k, n});
+    return evaluateSelected(context, synthesis, Point{x, j, k, n});
 }
 
 aComplex* dlwavelet(EfiCallContext* context, aComplex* x, aComplex* j, aComplex* k, aComplex* n,
@@ -103,7 +111,7 @@ aComplex* dlwavelet(EfiCallContext* context, aComplex* x, aComplex* j, aComplex*
 
 aComplex* wavelet2d(EfiCallContext* context, aComplex* x, aComplex* y, aComplex* j, aComplex* kx,
                     aComplex* ky, aComplex* nx, aComplex* ny) {
-    return evaluateAt(context, analysis, PlanePoint{x, y, j, kx, ky, nx, ny});
+    return evaluateSelected(context, analysis, PlanePoint{x, y, j, kx, ky, nx, ny});
 }
 
 aComplex* wavelet2d(EfiCallContext* context, aComplex* x, aComplex* y, aComplex* j, aComplex* kx,
@@ -126,7 +134,7 @@ aComplex* wavelet2d(EfiCallContext* context, aComplex* x, aComplex* y, aComplex*
 
 aComplex* dlwavelet2d(EfiCallContext* context, aComplex* x, aComplex* y, aComplex* j, aComplex* kx,
                       aComplex* ky, aComplex* nx, aComplex* ny) {
-    return evaluateAt(context, synthesis, PlanePoint{x, y, j, kx, ky, nx, ny});
+    return evaluateSelected(context, synthesis, PlanePoint{x, y, j, kx, ky, nx, ny});
 }
 
 aComplex* dlwavelet2d(EfiCallContext* context, aComplex* x, aComplex* y, aComplex* j, aComplex* kx,

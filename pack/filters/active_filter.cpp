@@ -4,7 +4,8 @@ namespace undula {
 
 constinit FilterBank ActiveFilter;
 
-void select(const Wavelet& wavelet) {
+FilterBank select(const Wavelet& wavelet) {
+    if (ActiveFilter.selected == &wavelet) return ActiveFilter;
     ActiveFilter = {
         .selected = &wavelet,
         .ha = wavelet.analysisLow(),
@@ -28,6 +29,12 @@ void select(const Wavelet& wavelet) {
         .flipA = wavelet.analysisHighFlipped(),
         .flipS = wavelet.synthesisHighFlipped(),
     };
+    return ActiveFilter;
+}
+
+Result<FilterBank> selectedBank() {
+    if (ActiveFilter.selected == nullptr) return Code::FilterUnimplemented;
+    return ActiveFilter;
 }
 
 }  // namespace undula

@@ -3,6 +3,7 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <numbers>
 
 namespace undula {
 
@@ -10,9 +11,7 @@ namespace {
 
 constexpr std::size_t period = 1024;  // points of the Fourier transforms
 constexpr std::int32_t centre = 19;
-constexpr std::int32_t mostOrder = highestSplineDegree + 1;
-constexpr double pi = 3.14159265358979323846;
-constexpr double rootOfTwo = 1.4142135623730951;
+constexpr std::int32_t mostOrder = highestDegree + 1;
 
 // cos(2 pi k / period) for every k.
 using Cosines = std::array<double, period>;
@@ -20,7 +19,7 @@ using Cosines = std::array<double, period>;
 Cosines cosines() {
     Cosines table = {};
     for (std::size_t k = 0; k < period; ++k) {
-        table[k] = std::cos(2.0 * pi * static_cast<double>(k) / static_cast<double>(period));
+        table[k] = std::cos(2.0 * std::numbers::pi * static_cast<double>(k) / static_cast<double>(period));
     }
     return table;
 }
@@ -71,12 +70,12 @@ double inverseTransform(const std::array<double, period / 2 + 1>& transform, std
 
 }  // namespace
 
-void computeSplineFilter(std::int32_t degree, double* taps) {
+void computeBattleLemarie(std::int32_t degree, double* taps) {
     const std::int32_t order = degree + 1;
     const Cosines cosine = cosines();
     const auto transform = orthonormaliser(order, cosine);
-    const double scale = rootOfTwo / static_cast<double>(1 << order);
-    for (std::int32_t tap = 0; tap < splineTaps(degree); ++tap) {
+    const double scale = std::numbers::sqrt2 / static_cast<double>(1 << order);
+    for (std::int32_t tap = 0; tap < battleLemarieTaps(degree); ++tap) {
         double sum = 0.0;
         double binomial = 1.0;
         for (std::int32_t j = 0; j <= order; ++j) {

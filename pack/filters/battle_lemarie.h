@@ -1,4 +1,4 @@
-// The filters of the orthonormal splines.
+// The filters of Battle and Lemarie, whose scaling functions are orthonormalised splines.
 //
 // Sources: G. Battle, A block spin construction of ondelettes, Comm. Math. Phys. 110 (1987) 601-615;
 // P.-G. Lemarie, Ondelettes a localisation exponentielle, J. Math. Pures Appl. 67 (1988) 227-236.
@@ -8,15 +8,15 @@
 
 namespace undula {
 
-inline constexpr std::int32_t highestSplineDegree = 6;
+inline constexpr std::int32_t highestDegree = 6;
 
 // The number of taps that are kept of the infinitely many.
-constexpr std::int32_t splineTaps(std::int32_t degree) {
+constexpr std::int32_t battleLemarieTaps(std::int32_t degree) {
     return 40 - degree % 2;
 }
 
-// Writes the low-pass filter of a spline degree from 0 to 6: splineTaps(degree) taps, symmetric,
+// Writes the low-pass filter of a degree from 0 to 6: battleLemarieTaps(degree) taps, symmetric,
 // with sum sqrt(2) up to what is cut off, which is 2e-6 (degree 1) to 2e-2 (degree 6).
-void computeSplineFilter(std::int32_t degree, double* taps);
+void computeBattleLemarie(std::int32_t degree, double* taps);
 
 }  // namespace undula

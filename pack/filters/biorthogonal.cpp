@@ -1,9 +1,7 @@
 // Bspline: the biorthogonal spline pairs by their orders.
 #include <algorithm>
-#include <cmath>
 
-#include "filters/active_filter.h"
-#include "filters/registry.h"
+#include "filters/built_in.h"
 #include "frame/checks.h"
 #include "frame/workers.h"
 
@@ -23,34 +21,37 @@ Failure requireAtMost(double order, double largest, int argument) {
 }
 
 // Each question is put to both orders before the next one.
-Failure requireOrders(const aComplex* m, const aComplex* n) {
-    if (auto failure = requireReal(m, 1)) return failure;
-    if (auto failure = requireReal(n, 2)) return failure;
-    if (auto failure = requirePositive(m->re, 1)) return failure;
-    if (auto failure = requirePositive(n->re, 2)) return failure;
-    if (auto failure = requireWhole(m->re, 1)) return failure;
-    if (auto failure = requireWhole(n->re, 2)) return failure;
-    if (auto failure = requireAtMost(m->re, largestM, 1)) return failure;
-    return requireAtMost(n->re, largestN, 2);
+Failure requireOrders(double m, double n) {
+    if (auto failure = requirePositive(m, 1)) return failure;
+    if (auto failure = requirePositive(n, 2)) return failure;
+    if (auto failure = requireWhole(m, 1)) return failure;
+    if (auto failure = requireWhole(n, 2)) return failure;
+    if (auto failure = requireAtMost(m, largestM, 1)) return failure;
+    return requireAtMost(n, largestN, 2);
 }
 
 // Both filters as columns, the synthesis filter padded with zeros.
-aMatrix* activePair(EfiCallContext* context) {
-    const std::int32_t rows = ActiveFilter.La;
+Result<aMatrix*> filterPair(EfiCallContext* context, const Result<FilterBank>& bank) {
+    if (!bank) return bank.failure();
+    const std::int32_t rows = bank->La;
     auto pair = newElements(static_cast<std::uint64_t>(rows), 2);
     if (pair) {
-        double* second = std::copy_n(ActiveFilter.ha, rows, pair.data());
-        std::fill_n(std::copy_n(ActiveFilter.hs, ActiveFilter.Lb, second), rows - ActiveFilter.Lb, 0.0);
+        double* second = std::copy_n(bank->ha, rows, pair.data());
+        std::fill_n(std::copy_n(bank->hs, bank->Lb, second), rows - bank->Lb, 0.0);
     }
-    return resultMatrix(context, rows, 2, pair);
+    return newMatrix(context, rows, 2, pair);
 }
 
 }  // namespace
 
+Result<FilterBank> undula::selectBSpline(double m, double n) {
+    if (auto failure = requireOrders(m, n)) return failure;
+    const BSpline* spline = findBSpline(asIndex(m), asIndex(n));
+    if (spline == nullptr) return Code::FilterUnimplemented;
+    return select(*spline);
+}
+
 aMatrix* Bspline(EfiCallContext* context, aComplex* m, aComplex* n) {
-    if (auto failure = requireOrders(m, n)) return fail(context, failure);
-    const BSpline* spline = findBSpline(asIndex(m->re), asIndex(n->re));
-    if (spline == nullptr) return fail(context, {Code::FilterUnimplemented, 0});
-    select(*spline);
-    return activePair(context);
+    if (auto failure = requireRealFrom(1, m, n)) return toHost(context, failure);
+    return toHost(context, filterPair(context, selectBSpline(m->re, n->re)));
 }

@@ -46,7 +46,6 @@ constexpr Edges edges[] = {
 }  // namespace
 
 EdgeFilters edgeFilters(std::int32_t taps) {
-    if (taps < 4 || taps > 2 * mostMoments) return {};
     const Edges& found = edges[taps / 2 - 2];
     return {found.leftLow.rows, found.leftHigh.rows, found.rightLow.rows, found.rightHigh.rows};
 }

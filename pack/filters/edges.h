@@ -5,8 +5,8 @@
 
 namespace undula {
 
-// Those for a wavelet of so many taps; all null without. Only the families whose interior filters
-// belong to them may carry them: 4 and 6 taps with extremal phase, 8 to 16 least asymmetric.
+// Those of the wavelet with this number of taps, even and from 4 to 16. Only the families whose interior
+// filters belong to them may carry them: 4 and 6 taps with extremal phase, 8 to 16 least asymmetric.
 EdgeFilters edgeFilters(std::int32_t taps);
 
 }  // namespace undula

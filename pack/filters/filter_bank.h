@@ -1,11 +1,15 @@
 // The two-channel filter bank that the arithmetic works with.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 
 namespace undula {
 
 class Wavelet;
+
+// No built-in filter is longer, and no longer one is taken from a user.
+inline constexpr std::int32_t mostTaps = 100;
 
 // Rows of boundary filters: row i has taps / 2 + 1 + 2 i coefficients.
 using EdgeRows = const double* const*;
@@ -35,5 +39,31 @@ struct FilterBank {
     std::int32_t flipA = 0;
     std::int32_t flipS = 0;
 };
+
+// A filter and the position of its first tap.
+struct Filter {
+    const double* taps;
+    std::int32_t count;
+    std::int32_t offset;
+
+    std::int32_t last() const { return offset + count - 1; }
+};
+
+// The filters of one direction.
+struct Channels {
+    Filter low;
+    Filter high;
+
+    const Filter& operator[](std::uint32_t bit) const { return bit == 0 ? low : high; }
+    std::int32_t first() const { return std::min(low.offset, high.offset); }
+    std::int32_t last() const { return std::max(low.last(), high.last()); }
+};
+
+inline Channels analysisChannels(const FilterBank& bank) {
+    return {{bank.ha, bank.La, bank.oa}, {bank.ga, bank.Lb, bank.ob}};
+}
+inline Channels synthesisChannels(const FilterBank& bank) {
+    return {{bank.hs, bank.Lb, bank.os}, {bank.gs, bank.La, bank.og}};
+}
 
 }  // namespace undula

@@ -1,11 +1,10 @@
 #include "filters/names.h"
 
 #include <algorithm>
+#include <iterator>
 #include <string_view>
 
-#include "filters/registry.h"
-#include "frame/checks.h"
-#include "frame/workers.h"
+#include "filters/built_in.h"
 
 namespace undula {
 
@@ -41,52 +40,48 @@ double valueOf(std::string_view digits) {
     return value;
 }
 
-using FilterFunction = aMatrix* (*)(EfiCallContext*, aComplex*);
-
-struct Family {
-    std::string_view letters;
-    FilterFunction function;
+struct NamedFamily {
+    std::string_view letters[3];
+    FindByLength* find;
 };
 
-constexpr Family families[] = {
-    {"d", daublet},       {"daub", daublet}, {"daublet", daublet}, {"s", symmlet},       {"symm", symmlet},
-    {"symmlet", symmlet}, {"c", coiflet},    {"coif", coiflet},    {"coiflet", coiflet}, {"bl", bl},
+constexpr NamedFamily families[] = {
+#define FAMILY(Class, function, ...) {{__VA_ARGS__}, findByLength<Class>},
+#include "filters/families.def"
+#undef FAMILY
 };
 
-ErrorValue failName(EfiCallContext* context) {
-    return fail(context, {"invalid filter wavelet string", 1});
-}
-
-aMatrix* callFamily(EfiCallContext* context, FilterFunction function, double value) {
-    aComplex argument = scalarOf(value);
-    return function(context, &argument);
-}
-
-// Both orders are one digit; that the pair does not exist is the name's fault.
-aMatrix* callBspline(EfiCallContext* context, std::string_view digits) {
-    if (digits.size() != 2) return failName(context);
-    aComplex m = scalarOf(valueOf(digits.substr(0, 1)));
-    aComplex n = scalarOf(valueOf(digits.substr(1)));
-    const bool inRange = 1.0 <= m.re && m.re <= 3.0 && 1.0 <= n.re;
-    if (inRange && findBSpline(asIndex(m.re), asIndex(n.re)) == nullptr) {
-        return fail(context, {Code::FilterUnimplemented, 1});
+// The family of the letters; null for others.
+FindByLength* familyOf(std::string_view letters) {
+    for (const NamedFamily& family : families) {
+        if (std::find(std::begin(family.letters), std::end(family.letters), letters) !=
+            std::end(family.letters))
+            return family.find;
     }
-    return reposition(Bspline(context, &m, &n), {1, 1});
+    return nullptr;
+}
+
+Result<FilterBank> selectNamed(const Name& name) {
+    const auto [letters, digits] = name;
+    if (letters == "haar" && digits.empty()) return selectTabulated(findByLength<Daublet>, 2.0);
+    if (letters == "bs" || letters == "Bspline") {
+        if (digits.size() != 2) return Code::InvalidWaveletName;
+        return selectBSpline(valueOf(digits.substr(0, 1)), valueOf(digits.substr(1)));
+    }
+    if (digits.empty()) return Code::InvalidWaveletName;
+    if (letters == "bl") return selectBattleLemarie(valueOf(digits));
+    if (FindByLength* find = familyOf(letters)) return selectTabulated(find, valueOf(digits));
+    return Code::InvalidWaveletName;
 }
 
 }  // namespace
 
-Anyval* selectWaveletString(EfiCallContext* context, const aString* text) {
+Result<FilterBank> selectWaveletString(const aString* text) {
     Name name;
-    if (!parse(text->text, name)) return failName(context);
-    for (const Family& family : families) {
-        if (name.letters != family.letters) continue;
-        if (name.digits.empty()) return failName(context);
-        return callFamily(context, family.function, valueOf(name.digits));
-    }
-    if (name.letters == "bs" || name.letters == "Bspline") return callBspline(context, name.digits);
-    if (name.letters == "haar" && name.digits.empty()) return callFamily(context, daublet, 2.0);
-    return failName(context);
+    if (!parse(text->text, name)) return Failure(Code::InvalidWaveletName, 1);
+    auto bank = selectNamed(name);
+    if (!bank) return bank.failure().at(1);
+    return bank;
 }
 
 }  // namespace undula

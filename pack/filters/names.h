@@ -8,12 +8,12 @@
 //   haar                the Haar filter
 #pragma once
 
-#include "efi/host.h"
+#include "efi/values.h"
+#include "filters/active_filter.h"
 
 namespace undula {
 
-// The filter array of the named wavelet, which is then the active one; or an error value, about
-// argument 1 unless memory ran out.
-Anyval* selectWaveletString(EfiCallContext* context, const aString* text);
+// Makes the named wavelet the active one. Failures are about argument 1, unless memory ran out.
+Result<FilterBank> selectWaveletString(const aString* text);
 
 }  // namespace undula

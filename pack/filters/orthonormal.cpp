@@ -1,9 +1,10 @@
-// daublet, symmlet, coiflet: the tabulated orthonormal filters by their number of taps.
+// daublet, symmlet, coiflet, bl: the built-in orthonormal filters, as columns.
 #include <algorithm>
+#include <new>
 
-#include "filters/active_filter.h"
-#include "filters/filter_columns.h"
-#include "filters/registry.h"
+#include "filters/battle_lemarie.h"
+#include "filters/built_in.h"
+#include "filters/kept.h"
 #include "frame/checks.h"
 #include "frame/workers.h"
 
@@ -11,41 +12,64 @@ using namespace undula;
 
 namespace {
 
-using Lookup = const OrthonormalWavelet* (*)(std::int64_t taps);
-
 // An even number of taps, as far as that can be told without looking one up.
-Failure requireEvenLength(const aComplex* length) {
-    if (auto failure = requireReal(length, 1)) return failure;
-    const double taps = length->re;
-    if (requireWhole(taps, 1)) return {Code::MustBeEvenInteger, 1};
+Failure requireEvenLength(double taps) {
+    if (!isWhole(taps)) return {Code::MustBeEvenInteger, 1};
     if (taps <= 0.0) return {Code::MustBePositiveInteger, 1};
-    if (taps > 4294967295.0) return {Code::FilterUnimplemented, 1};
+    if (taps > largest32Bits) return {Code::FilterUnimplemented, 1};
     return asIndex(taps) % 2 == 0 ? Failure() : Failure(Code::MustBeEvenInteger, 1);
 }
 
-aMatrix* selectFamily(EfiCallContext* context, const aComplex* length, Lookup lookup) {
-    if (auto failure = requireEvenLength(length)) return fail(context, failure);
-    const OrthonormalWavelet* wavelet = lookup(asIndex(length->re));
-    if (wavelet == nullptr) return fail(context, {Code::FilterUnimplemented, 1});
-    select(*wavelet);
-    return activeFilterColumn(context);
+const BattleLemarie* makeBattleLemarie(std::int32_t degree) {
+    const std::int32_t taps = battleLemarieTaps(degree);
+    const std::int32_t room = taps + OrthonormalWavelet::workLength(taps);
+    auto storage = Array<double>::uninitialised(static_cast<std::uint64_t>(room));
+    return keep<BattleLemarie>(storage, [&] {
+        computeBattleLemarie(degree, storage.data());
+        return new (std::nothrow) BattleLemarie(storage.data(), taps, storage.data() + taps, degree);
+    });
+}
+
+Result<aMatrix*> filterColumn(EfiCallContext* context, const Result<FilterBank>& bank) {
+    if (!bank) return bank.failure();
+    auto column = newElements(static_cast<std::uint64_t>(bank->La), 1);
+    if (column) std::copy_n(bank->ha, bank->La, column.data());
+    return newMatrix(context, bank->La, 1, column);
+}
+
+template <class Family>
+HostValue tabulatedFilter(EfiCallContext* context, const aComplex* length) {
+    if (auto failure = requireReal(length, 1)) return toHost(context, failure);
+    return toHost(context, filterColumn(context, selectTabulated(findByLength<Family>, length->re)));
 }
 
 }  // namespace
 
-aMatrix* undula::activeFilterColumn(EfiCallContext* context) {
-    const int taps = ActiveFilter.La;
-    auto column = newElements(static_cast<std::uint64_t>(taps), 1);
-    if (column) std::copy_n(ActiveFilter.ha, taps, column.data());
-    return resultMatrix(context, taps, 1, column);
+Result<FilterBank> undula::selectTabulated(FindByLength* find, double taps) {
+    if (auto failure = requireEvenLength(taps)) return failure;
+    const OrthonormalWavelet* wavelet = find(asIndex(taps));
+    if (wavelet == nullptr) return Failure(Code::FilterUnimplemented, 1);
+    return select(*wavelet);
 }
 
-aMatrix* daublet(EfiCallContext* context, aComplex* length) {
-    return selectFamily(context, length, findDaublet);
+Result<FilterBank> undula::selectBattleLemarie(double degree) {
+    if (auto failure = requireLevel(degree, 1)) return failure;
+    if (degree > highestDegree) return Failure(Code::FilterUnimplemented, 1);
+    const auto order = static_cast<std::int32_t>(degree);
+    const BattleLemarie* wavelet = findBattleLemarie(order);
+    if (wavelet == nullptr) wavelet = makeBattleLemarie(order);
+    if (wavelet == nullptr) return Code::OutOfMemory;
+    return select(*wavelet);
 }
-aMatrix* symmlet(EfiCallContext* context, aComplex* length) {
-    return selectFamily(context, length, findSymmlet);
-}
-aMatrix* coiflet(EfiCallContext* context, aComplex* length) {
-    return selectFamily(context, length, findCoiflet);
+
+#define FAMILY(Class, function, ...)                               \
+    aMatrix* function(EfiCallContext* context, aComplex* length) { \
+        return tabulatedFilter<Class>(context, length);            \
+    }
+#include "filters/families.def"
+#undef FAMILY
+
+aMatrix* bl(EfiCallContext* context, aComplex* degree) {
+    if (auto failure = requireReal(degree, 1)) return toHost(context, failure);
+    return toHost(context, filterColumn(context, selectBattleLemarie(degree->re)));
 }

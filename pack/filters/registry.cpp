@@ -6,24 +6,13 @@ namespace undula {
 
 namespace {
 
-// A family of one wavelet for each even length, in the slot of half the length.
-template <std::int64_t slotCount>
-struct EvenLengths {
-    const OrthonormalWavelet* slots[slotCount] = {};
-
-    const OrthonormalWavelet* find(std::int64_t taps) const {
-        if (taps < 0 || taps % 2 != 0 || taps / 2 >= slotCount) return nullptr;
-        return slots[taps / 2];
-    }
-    void add(const OrthonormalWavelet& wavelet) { slots[wavelet.analysisLowLength() / 2] = &wavelet; }
+constexpr FindByLength* families[] = {
+#define FAMILY(Class, ...) findByLength<Class>,
+#include "filters/families.def"
+#undef FAMILY
 };
 
-constexpr std::int64_t splineSlots = 21;  // by the length of the analysis filter
-
-constinit EvenLengths<11> daublets;
-constinit EvenLengths<11> symmlets;
-constinit EvenLengths<16> coiflets;
-constinit const BSpline* splines[splineSlots] = {};
+constinit const BSpline* splines[BSpline::longest + 1] = {};  // by the length of the analysis filter
 constinit const BattleLemarie* battleLemaries = nullptr;
 constinit const UserDefinedOrthonormal* userOrthonormals = nullptr;
 constinit const UserDefinedBiorthogonal* userBiorthogonals = nullptr;
@@ -62,7 +51,7 @@ bool hasSynthesis(const Wavelet& wavelet, const ChannelSettings& settings) {
            wavelet.synthesisHighFlipped() == settings.flip[1];
 }
 
-// The first of a list that the question is true of.
+// The first of a list of which the question holds.
 template <class Listed, class Question>
 const Listed* firstOf(const Listed* list, Question question) {
     while (list != nullptr && !question(*list)) list = list->next;
@@ -75,12 +64,11 @@ void link(const Listed*& head, Listed& wavelet) {
     head = &wavelet;
 }
 
-// The first wavelet of the families with these taps, and that passes the test.
+// The first wavelet of all families that has these taps and passes the test.
 template <class Test>
 const OrthonormalWavelet* searchFamilies(Taps low, Test test) {
-    const OrthonormalWavelet* const candidates[] = {findDaublet(low.count), findSymmlet(low.count),
-                                                    findCoiflet(low.count)};
-    for (const OrthonormalWavelet* candidate : candidates) {
+    for (FindByLength* find : families) {
+        const OrthonormalWavelet* candidate = find(low.count);
         if (hasLow(candidate, low) && test(*candidate)) return candidate;
     }
     return firstOf(battleLemaries, [&](const BattleLemarie& w) { return hasLow(&w, low) && test(w); });
@@ -88,18 +76,8 @@ const OrthonormalWavelet* searchFamilies(Taps low, Test test) {
 
 }  // namespace
 
-const OrthonormalWavelet* findDaublet(std::int64_t taps) {
-    return daublets.find(taps);
-}
-const OrthonormalWavelet* findSymmlet(std::int64_t taps) {
-    return symmlets.find(taps);
-}
-const OrthonormalWavelet* findCoiflet(std::int64_t taps) {
-    return coiflets.find(taps);
-}
-
-const BattleLemarie* findBattleLemarie(std::int64_t order) {
-    return firstOf(battleLemaries, [order](const BattleLemarie& w) { return w.order == order; });
+const BattleLemarie* findBattleLemarie(std::int64_t degree) {
+    return firstOf(battleLemaries, [degree](const BattleLemarie& w) { return w.order == degree; });
 }
 
 const BSpline* findBSpline(std::int64_t m, std::int64_t n) {
@@ -114,7 +92,7 @@ const OrthonormalWavelet* findOrthonormal(Taps low) {
 }
 
 const BSpline* findBSpline(Taps lowA, Taps lowS) {
-    const BSpline* candidate = lowA.count < splineSlots ? splines[lowA.count] : nullptr;
+    const BSpline* candidate = lowA.count <= BSpline::longest ? splines[lowA.count] : nullptr;
     return hasPair(candidate, lowA, lowS) ? candidate : nullptr;
 }
 
@@ -140,15 +118,6 @@ const BiorthogonalWavelet* findBiorthogonal(Taps lowA, Taps lowS, const ChannelS
     return firstOf(userBiorthogonals, fits);
 }
 
-void add(const Daublet& wavelet) {
-    daublets.add(wavelet);
-}
-void add(const Symmlet& wavelet) {
-    symmlets.add(wavelet);
-}
-void add(const Coiflet& wavelet) {
-    coiflets.add(wavelet);
-}
 void add(const BSpline& wavelet) {
     splines[wavelet.analysisLowLength()] = &wavelet;
 }

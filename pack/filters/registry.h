@@ -14,20 +14,27 @@ struct Taps {
     std::int32_t count;
 };
 
+// The wavelets of a tabulated family, by half the number of taps.
+template <class Family>
+inline constinit const OrthonormalWavelet* tabulated[Family::longest / 2 + 1] = {};
+
 // Lookups by length or order; null when there is none.
-const OrthonormalWavelet* findDaublet(std::int64_t taps);
-const OrthonormalWavelet* findSymmlet(std::int64_t taps);
-const OrthonormalWavelet* findCoiflet(std::int64_t taps);
-const BattleLemarie* findBattleLemarie(std::int64_t order);
+using FindByLength = const OrthonormalWavelet*(std::int64_t taps);
+template <class Family>
+const OrthonormalWavelet* findByLength(std::int64_t taps) {
+    if (taps < 0 || taps > Family::longest || taps % 2 != 0) return nullptr;
+    return tabulated<Family>[taps / 2];
+}
+const BattleLemarie* findBattleLemarie(std::int64_t degree);
 const BSpline* findBSpline(std::int64_t m, std::int64_t n);
 
-// Lookups by taps, equal within a relative 1e-12 each: the first of the families in the order
-// Daublet, Symmlet, Coiflet, BattleLemarie.
+// Lookups by taps, equal within a relative 1e-12 each: the first of the tabulated families, in their
+// order, and then of the Battle-Lemarie wavelets.
 const OrthonormalWavelet* findOrthonormal(Taps low);
 const BSpline* findBSpline(Taps lowA, Taps lowS);
 
-// The same with the offsets and flips that the wavelet found must report; the user's own wavelets
-// are looked through after the families.
+// The same with the offsets and flips that the wavelet found must report; the wavelets that users gave
+// are looked through last.
 const OrthonormalWavelet* findOrthonormal(Taps low, const ChannelSettings& settings);
 const BiorthogonalWavelet* findBiorthogonal(Taps lowA, Taps lowS, const ChannelSettings& settings);
 
@@ -36,9 +43,10 @@ bool matches(const Wavelet& wavelet, Taps low, const ChannelSettings& settings);
 bool matches(const Wavelet& wavelet, Taps lowA, Taps lowS, const ChannelSettings& settings);
 
 // Adds a wavelet to its family or at the head of its list. It must live as long as the library.
-void add(const Daublet& wavelet);
-void add(const Symmlet& wavelet);
-void add(const Coiflet& wavelet);
+template <class Family>
+void add(const Family& wavelet) {
+    tabulated<Family>[wavelet.analysisLowLength() / 2] = &wavelet;
+}
 void add(const BSpline& wavelet);
 void add(BattleLemarie& wavelet);
 void add(UserDefinedOrthonormal& wavelet);

@@ -4,7 +4,6 @@
 #include <cmath>
 #include <new>
 
-#include "filters/active_filter.h"
 #include "filters/kept.h"
 #include "filters/registry.h"
 #include "frame/checks.h"
@@ -13,8 +12,6 @@ namespace undula {
 
 namespace {
 
-// No built-in filter is longer, and no longer one of the user's is taken.
-constexpr std::int32_t mostTaps = 100;
 // Beyond this no filter meets any signal that memory can hold a wrapped copy of.
 constexpr double farthestOffset = 16777216.0;
 
@@ -46,25 +43,14 @@ Column readColumn(const aMatrix* filter, int col, std::int32_t count) {
     return column;
 }
 
-// Both columns of a biorthogonal pair.
-struct Pair {
-    Column a;
-    Column s;
-
-    explicit Pair(const aMatrix* filter)
-        : a(readColumn(filter, 0, effectiveLength(filter, 0))),
-          s(readColumn(filter, 1, effectiveLength(filter, 1))) {}
-    bool usable() const { return a.usable() && s.usable(); }
-};
-
 bool readOffset(const aMatrix* offsets, int col, std::int32_t& offset) {
     const double value = element(offsets, 0, col);
-    if (std::floor(value) != value || std::fabs(value) > farthestOffset) return false;
+    if (!isWhole(value) || std::fabs(value) > farthestOffset) return false;
     offset = static_cast<std::int32_t>(value);
     return true;
 }
 
-// Flips that the user has not written are 0.
+// Flips that were not written are 0.
 bool readFlip(const aMatrix* flips, int col, bool& flip) {
     const double value = flips == nullptr ? 0.0 : element(flips, 0, col);
     if (value != 0.0 && value != 1.0) return false;
@@ -107,88 +93,78 @@ const BiorthogonalWavelet* makeBiorthogonal(Taps lowA, Taps lowS, const ChannelS
     });
 }
 
-// The wavelet that is selected already, when it is the one described.
-template <class... Filters>
-const Wavelet* selectedAlready(const ChannelSettings& settings, Filters... filters) {
-    const Wavelet* selected = ActiveFilter.selected;
-    return selected != nullptr && matches(*selected, filters..., settings) ? selected : nullptr;
-}
+// The filters of a filter array: one, or the two of a pair.
+class Filters {
+ public:
+    explicit Filters(const aMatrix* filter)
+        : isPair(filter->cols == 2),
+          low(readColumn(filter, 0, isPair ? effectiveLength(filter, 0) : filter->rows)) {
+        if (isPair) lowS = readColumn(filter, 1, effectiveLength(filter, 1));
+    }
 
-const Wavelet* selectIfAny(const Wavelet* wavelet) {
-    if (wavelet != nullptr) select(*wavelet);
-    return wavelet;
-}
+    bool usable() const { return low.usable() && (!isPair || lowS.usable()); }
 
-const Wavelet* selectOrthonormal(const aMatrix* filter, const ChannelSettings& settings) {
-    const Column column = readColumn(filter, 0, filter->rows);
-    if (!column.usable()) return nullptr;
-    const Taps low = column.taps();
-    if (const Wavelet* wavelet = selectedAlready(settings, low)) return wavelet;
-    const OrthonormalWavelet* wavelet = findOrthonormal(low, settings);
-    return selectIfAny(wavelet != nullptr ? wavelet : makeOrthonormal(low, settings));
-}
+    // The built-in wavelet with these taps, whatever its settings; null without.
+    const Wavelet* builtIn() const {
+        if (isPair) return findBSpline(low.taps(), lowS.taps());
+        return findOrthonormal(low.taps());
+    }
 
-const Wavelet* selectBiorthogonal(const aMatrix* filter, const ChannelSettings& settings) {
-    const Pair pair(filter);
-    if (!pair.usable()) return nullptr;
-    const Taps lowA = pair.a.taps();
-    const Taps lowS = pair.s.taps();
-    if (const Wavelet* wavelet = selectedAlready(settings, lowA, lowS)) return wavelet;
-    const BiorthogonalWavelet* wavelet = findBiorthogonal(lowA, lowS, settings);
-    return selectIfAny(wavelet != nullptr ? wavelet : makeBiorthogonal(lowA, lowS, settings));
-}
+    // The wavelet that is selected already, when it is the one described; else a known one, or a new one;
+    // null when there is no memory.
+    const Wavelet* wavelet(const ChannelSettings& settings) const {
+        if (isSelected(settings)) return ActiveFilter.selected;
+        if (isPair) {
+            const auto* known = findBiorthogonal(low.taps(), lowS.taps(), settings);
+            return known != nullptr ? known : makeBiorthogonal(low.taps(), lowS.taps(), settings);
+        }
+        const auto* known = findOrthonormal(low.taps(), settings);
+        return known != nullptr ? known : makeOrthonormal(low.taps(), settings);
+    }
 
-const Wavelet* selectWith(const aMatrix* filter, const ChannelSettings& settings) {
-    return filter->cols == 1 ? selectOrthonormal(filter, settings) : selectBiorthogonal(filter, settings);
-}
+ private:
+    bool isSelected(const ChannelSettings& settings) const {
+        if (ActiveFilter.selected == nullptr) return false;
+        const Wavelet& selected = *ActiveFilter.selected;
+        return isPair ? matches(selected, low.taps(), lowS.taps(), settings)
+                      : matches(selected, low.taps(), settings);
+    }
 
-bool isFilterShape(const aMatrix* filter) {
-    return filter->cols == 1 || filter->cols == 2;
-}
+    bool isPair;
+    Column low;
+    Column lowS;
+};
 
 // The settings under which a built-in wavelet is found again.
-ChannelSettings settingsOf(const Wavelet* wavelet) {
-    ChannelSettings settings;
-    if (wavelet != nullptr) {
-        settings.offset[0] = wavelet->analysisLowOffset();
-        settings.offset[1] = wavelet->synthesisLowOffset();
-        settings.flip[0] = wavelet->analysisHighFlipped() != 0;
-        settings.flip[1] = wavelet->synthesisHighFlipped() != 0;
-    }
-    return settings;
+ChannelSettings settingsOf(const Wavelet& wavelet) {
+    return {{wavelet.analysisLowOffset(), wavelet.synthesisLowOffset()},
+            {wavelet.analysisHighFlipped() != 0, wavelet.synthesisHighFlipped() != 0}};
 }
 
-const Wavelet* findBuiltIn(const aMatrix* filter) {
-    if (filter->cols == 1) {
-        const Column column = readColumn(filter, 0, filter->rows);
-        return column.usable() ? findOrthonormal(column.taps()) : nullptr;
+// Null when the arrays describe no wavelet, or there is no memory for it.
+const Wavelet* waveletOf(const aMatrix* filter, const aMatrix* offsets, const aMatrix* flips) {
+    if (filter->cols != 1 && filter->cols != 2) return nullptr;
+    ChannelSettings settings;
+    if (offsets != nullptr && !readSettings(filter, offsets, flips, settings)) return nullptr;
+    const Filters filters(filter);
+    if (!filters.usable()) return nullptr;
+    if (offsets == nullptr) {
+        if (const Wavelet* found = filters.builtIn()) settings = settingsOf(*found);
     }
-    const Pair pair(filter);
-    return pair.usable() ? findBSpline(pair.a.taps(), pair.s.taps()) : nullptr;
+    return filters.wavelet(settings);
 }
 
 }  // namespace
 
-const Wavelet* selectFilterArray(const aMatrix* filter, const aMatrix* offsets, const aMatrix* flips) {
-    ChannelSettings settings;
-    if (!isFilterShape(filter) || !readSettings(filter, offsets, flips, settings)) return nullptr;
-    return selectWith(filter, settings);
-}
-
-const Wavelet* selectFilterArrayDefault(const aMatrix* filter) {
-    if (!isFilterShape(filter)) return nullptr;
-    return selectWith(filter, settingsOf(findBuiltIn(filter)));
-}
-
-Failure selectWavelet(EfiCallContext* context, const WaveletArguments& arguments) {
-    const aMatrix* const written[] = {arguments.filter, arguments.offsets, arguments.flips};
+Result<FilterBank> selectWavelet(EfiCallContext* context, const WaveletArguments& arguments) {
+    const auto [position, filter, offsets, flips] = arguments;
+    const aMatrix* const written[] = {filter, offsets, flips};
     for (int i = 0; i < 3 && (i == 0 || written[i] != nullptr); ++i) {
-        if (auto failure = requireRealArray(context, written[i], arguments.position + i)) return failure;
+        if (auto failure = requireRealArray(context, written[i], position + i)) return failure;
     }
-    const Wavelet* wavelet = arguments.offsets == nullptr
-                                 ? selectFilterArrayDefault(arguments.filter)
-                                 : selectFilterArray(arguments.filter, arguments.offsets, arguments.flips);
-    return wavelet == nullptr ? Failure(Code::FilterUnimplemented, arguments.position) : Failure();
+    const Wavelet* wavelet = waveletOf(filter, offsets, flips);
+    if (wavelet == nullptr) return Failure(Code::FilterUnimplemented, position);
+    return select(*wavelet);
 }
 
 }  // namespace undula

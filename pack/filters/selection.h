@@ -7,21 +7,13 @@
 //   flips     one row, 1 where the column's high-pass filter is negated, else 0
 //
 // An array that equals a built-in filter is recognised as that filter; any other becomes a wavelet
-// of the user's, kept for reuse.
+// that is kept for reuse.
 #pragma once
 
 #include "efi/host.h"
-#include "filters/wavelet.h"
-#include "frame/errors.h"
+#include "filters/active_filter.h"
 
 namespace undula {
-
-// Selects the wavelet of the arrays; null, with the active filter unchanged, when they describe
-// none or memory runs out.
-const Wavelet* selectFilterArray(const aMatrix* filter, const aMatrix* offsets, const aMatrix* flips);
-
-// The same with the offsets and flips of the built-in filter, or zeros for a filter of the user's.
-const Wavelet* selectFilterArrayDefault(const aMatrix* filter);
 
 // The wavelet arguments of a call: the filter array at `position`, and after it the offsets and
 // the flips where the user has written them.
@@ -32,7 +24,10 @@ struct WaveletArguments {
     const aMatrix* flips = nullptr;
 };
 
-// Checks that the arrays are real, and selects. Flips that are left out after offsets are zeros.
-Failure selectWavelet(EfiCallContext* context, const WaveletArguments& arguments);
+// Checks that the arrays are real, makes their wavelet the active one, and returns its bank. Offsets
+// that are left out are those of the built-in filter, or zeros; so are the flips, but after offsets
+// they are zeros. The active filter stays as it was when the arrays describe no wavelet or memory
+// runs out.
+Result<FilterBank> selectWavelet(EfiCallContext* context, const WaveletArguments& arguments);
 
 }  // namespace undula

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <functional>
 
+#include "filters/edges.h"
+
 namespace undula {
 
 namespace {
@@ -26,6 +28,9 @@ OrthonormalWavelet::OrthonormalWavelet(const double* low, std::int32_t taps, dou
     deriveHighPass(h, L, g);
     buildCascade(h, L, cascade);
 }
+
+IntervalWavelet::IntervalWavelet(const double* low, std::int32_t taps, double* work, bool withEdges)
+    : OrthonormalWavelet(low, taps, work), edges(withEdges ? edgeFilters(taps) : EdgeFilters()) {}
 
 UserDefinedOrthonormal::UserDefinedOrthonormal(const double* low, std::int32_t taps, double* work,
                                                std::int32_t start, bool flip)

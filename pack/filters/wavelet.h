@@ -1,4 +1,4 @@
-// The wavelets: objects that answer everything a transform needs to know of a filter bank.
+// The wavelets: objects that know everything a transform needs to know of a filter bank.
 //
 // The order of the operations is fixed. Objects are never destroyed while the library is loaded, so
 // that what has been selected stays valid.
@@ -45,7 +45,7 @@ class Wavelet {
 };
 
 // One low-pass filter for both directions; the high-pass filter follows from it. Families override
-// what differs from the answers given here.
+// what differs from the defaults given here.
 class OrthonormalWavelet : public Wavelet {
  public:
     // Doubles that a wavelet works in, besides its low-pass filter.
@@ -91,17 +91,17 @@ struct EdgeFilters {
     EdgeRows rightHigh = nullptr;
 };
 
-// Families that can carry boundary filters.
+// Families of which some wavelets carry boundary filters.
 class IntervalWavelet : public OrthonormalWavelet {
  public:
     EdgeRows leftEdgeLow() const override { return edges.leftLow; }
     EdgeRows leftEdgeHigh() const override { return edges.leftHigh; }
     EdgeRows rightEdgeLow() const override { return edges.rightLow; }
     EdgeRows rightEdgeHigh() const override { return edges.rightHigh; }
+    std::int32_t hasInterval() const override { return edges.leftLow != nullptr; }
 
  protected:
-    IntervalWavelet(const double* low, std::int32_t taps, double* work, const EdgeFilters& boundary)
-        : OrthonormalWavelet(low, taps, work), edges(boundary) {}
+    IntervalWavelet(const double* low, std::int32_t taps, double* work, bool withEdges);
     ~IntervalWavelet() = default;
 
  private:
@@ -111,32 +111,35 @@ class IntervalWavelet : public OrthonormalWavelet {
 // Daubechies' extremal-phase filters; with two taps, the Haar filter.
 class Daublet final : public IntervalWavelet {
  public:
-    Daublet(const double* low, std::int32_t taps, double* work, const EdgeFilters& boundary)
-        : IntervalWavelet(low, taps, work, boundary) {}
+    static constexpr std::int32_t longest = 20;
+
+    Daublet(const double* low, std::int32_t taps, double* work)
+        : IntervalWavelet(low, taps, work, 4 <= taps && taps <= 6) {}
 
     std::int32_t isSymmetric() const override { return L == 2; }
-    std::int32_t hasInterval() const override { return 4 <= L && L <= 6; }
 };
 
 // Daubechies' least-asymmetric filters.
 class Symmlet final : public IntervalWavelet {
  public:
-    Symmlet(const double* low, std::int32_t taps, double* work, const EdgeFilters& boundary)
-        : IntervalWavelet(low, taps, work, boundary) {}
+    static constexpr std::int32_t longest = 20;
 
-    std::int32_t hasInterval() const override { return L <= 16; }
+    Symmlet(const double* low, std::int32_t taps, double* work)
+        : IntervalWavelet(low, taps, work, taps <= 16) {}
 };
 
 // Coiflets, whose length is a multiple of 6.
 class Coiflet final : public OrthonormalWavelet {
  public:
+    static constexpr std::int32_t longest = 30;
+
     Coiflet(const double* low, std::int32_t taps, double* work) : OrthonormalWavelet(low, taps, work) {}
 
     std::int32_t analysisLowOffset() const override { return -L / 3; }
     std::int32_t analysisHighOffset() const override { return 2 - 2 * L / 3; }
 };
 
-// Orthonormal spline filters, truncated.
+// The orthonormalised splines, whose filters are infinite and are cut off.
 class BattleLemarie final : public OrthonormalWavelet {
  public:
     BattleLemarie(const double* low, std::int32_t taps, double* work, std::int32_t degree)
@@ -149,7 +152,7 @@ class BattleLemarie final : public OrthonormalWavelet {
     std::int32_t order;
 };
 
-// A filter that a user gave as a column of numbers.
+// A column of numbers given as a filter.
 class UserDefinedOrthonormal final : public OrthonormalWavelet {
  public:
     UserDefinedOrthonormal(const double* low, std::int32_t taps, double* work, std::int32_t start, bool flip);
@@ -205,6 +208,8 @@ class BiorthogonalWavelet : public Wavelet {
 // Biorthogonal splines of orders m (synthesis) and n (analysis).
 class BSpline final : public BiorthogonalWavelet {
  public:
+    static constexpr std::int32_t longest = 20;  // of the analysis filters
+
     BSpline(const double* lowA, std::int32_t tapsA, const double* lowS, std::int32_t tapsS, double* work)
         : BiorthogonalWavelet(lowA, tapsA, lowS, tapsS, work), m(tapsS - 1), n((tapsA - tapsS + 2) / 2) {}
 
@@ -221,13 +226,13 @@ class BSpline final : public BiorthogonalWavelet {
     const std::int32_t n;
 };
 
-// The start offset and the sign of the high-pass filter of each channel that a user gives.
+// The start offset and the sign of the high-pass filter of each channel.
 struct ChannelSettings {
     std::int32_t offset[2] = {0, 0};  // of ha (and h), of hs
     bool flip[2] = {false, false};    // ga (and g) negated, gs negated
 };
 
-// A pair of filters that a user gave as two columns of numbers.
+// Two columns of numbers given as a pair of filters.
 class UserDefinedBiorthogonal final : public BiorthogonalWavelet {
  public:
     UserDefinedBiorthogonal(const double* lowA, std::int32_t tapsA, const double* lowS, std::int32_t tapsS,

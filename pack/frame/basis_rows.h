@@ -23,9 +23,9 @@ class BasisRows {
         ++written;
     }
 
-    // The matrix, once all rows are there; or an error value.
-    aMatrix* result(EfiCallContext* context) {
-        return resultMatrix(context, static_cast<int>(rows), cols, list);
+    // The matrix, once all rows are there.
+    Result<aMatrix*> result(EfiCallContext* context) {
+        return newMatrix(context, static_cast<int>(rows), cols, list);
     }
 
  private:

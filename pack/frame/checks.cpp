@@ -1,28 +1,34 @@
 #include "frame/checks.h"
 
-#include <cmath>
-
 namespace undula {
 
+namespace {
+
+Failure require(bool held, Code otherwise, int argument) {
+    return held ? Failure() : Failure(otherwise, argument);
+}
+
+}  // namespace
+
 Failure requireReal(const aComplex* scalar, int argument) {
-    return scalar->im == 0.0 ? Failure() : Failure(text::mustBeReal, argument);
+    return require(scalar->im == 0.0, Code::MustBeReal, argument);
 }
 
 Failure requireRealArray(EfiCallContext* context, const aMatrix* matrix, int argument) {
-    return isRealArray(context, matrix) ? Failure() : Failure(text::mustBeRealArray, argument);
+    return require(isRealArray(context, matrix), Code::MustBeRealArray, argument);
 }
 
 Failure requireRealVector(EfiCallContext* context, const aMatrix* vector, int argument) {
-    return isRealVector(context, vector) ? Failure() : Failure(text::mustBeRealVector, argument);
+    const bool isColumn = tagOf(vector) == TagArray && vector->cols == 1;
+    return require(isColumn && isRealArray(context, vector), Code::MustBeRealVector, argument);
 }
 
 Failure requireWhole(double x, int argument) {
-    return std::floor(x) == x ? Failure() : Failure(Code::MustBeInteger, argument);
+    return require(isWhole(x), Code::MustBeInteger, argument);
 }
 
 Failure require32Bits(double x, Code outOfRange, int argument) {
-    const bool inside = std::isgreaterequal(x, 0.0) && std::islessequal(x, 4294967295.0);
-    return inside ? Failure() : Failure(outOfRange, argument);
+    return require(std::isgreaterequal(x, 0.0) && std::islessequal(x, largest32Bits), outOfRange, argument);
 }
 
 Failure requireLevel(double x, int argument) {

@@ -1,5 +1,5 @@
-// Checks that workers share. Each answers the failure of the argument at the given position, or
-// none. Comparisons are quiet: a NaN fails a check without raising a floating-point fault.
+// Checks that workers share. Each returns the failure of the argument at the given position, or none.
+// Comparisons are quiet: a NaN fails a check without raising a floating-point fault.
 #pragma once
 
 #include <cstdint>
@@ -7,20 +7,30 @@
 #include "frame/errors.h"
 #include "frame/host_services.h"
 #include "frame/matrices.h"
+#include "frame/numbers.h"
 
 namespace undula {
 
 // "must be real".
 Failure requireReal(const aComplex* scalar, int argument);
 
+// The same about the first of the scalars, from position `first` on, that is not real.
+template <class... Scalars>
+Failure requireRealFrom(int first, const Scalars*... scalars) {
+    for (const aComplex* scalar : {scalars...}) {
+        if (auto failure = requireReal(scalar, first++)) return failure;
+    }
+    return {};
+}
+
 // "must be real array", "must be real vector".
 Failure requireRealArray(EfiCallContext* context, const aMatrix* matrix, int argument);
 Failure requireRealVector(EfiCallContext* context, const aMatrix* vector, int argument);
 
-// "must be integer". Infinity is a whole number, NaN is not.
+// "must be integer".
 Failure requireWhole(double x, int argument);
 
-// The given message unless 0 <= x <= 4294967295.
+// The given error unless 0 <= x <= 4294967295.
 Failure require32Bits(double x, Code outOfRange, int argument);
 
 // A level: "must be integer" first, then "invalid level".

@@ -13,28 +13,28 @@ bool isIllegal(int tag, Kind kind) {
     return kind != Kind::Function && (tag == TagFunction || tag == TagFunctionAlt);
 }
 
-// The complaint about a value that is not of the kind; null when it is.
-const char* mismatch(const Anyval* value, Kind kind) {
+// What is wrong with a value that is not of the kind.
+Code mismatch(const Anyval* value, Kind kind) {
     const int tag = tagOf(value);
     switch (kind) {
         case Kind::Scalar:
-            return tag == TagScalar ? nullptr : "non-scalar value";
+            return tag == TagScalar ? Code::None : Code::NonScalarValue;
         case Kind::String:
-            return tag == TagString ? nullptr : "must be string";
+            return tag == TagString ? Code::None : Code::MustBeString;
         case Kind::Array:
-            return tag == TagArray ? nullptr : "must be array";
+            return tag == TagArray ? Code::None : Code::MustBeArray;
         case Kind::Vector:
-            return tag == TagArray && static_cast<const aMatrix*>(value)->cols == 1 ? nullptr
-                                                                                    : "must be vector";
+            return tag == TagArray && static_cast<const aMatrix*>(value)->cols == 1 ? Code::None
+                                                                                    : Code::MustBeVector;
         case Kind::Function:
-            return tag == TagFunction || tag == TagFunctionAlt ? nullptr : "must be function";
+            return tag == TagFunction || tag == TagFunctionAlt ? Code::None : Code::MustBeFunction;
         case Kind::ScalarOrArray:
         case Kind::OptionalArray:
-            return tag == TagScalar || tag == TagArray ? nullptr : "EfiMustBeScalarOrArray";
+            return tag == TagScalar || tag == TagArray ? Code::None : Code::MustBeScalarOrArray;
         case Kind::Zero:
             break;
     }
-    return nullptr;
+    return Code::None;
 }
 
 Failure checkKinds(const Call& call) {
@@ -42,41 +42,48 @@ Failure checkKinds(const Call& call) {
         int position = 0;
         for (int i = 0; i < call.parameters; ++i) {
             if (call.kinds[i] == Kind::Zero) continue;
-            const char* message = complaint(call.given[position++], call.kinds[i]);
-            if (message != nullptr) return Failure(message, position);
+            const Code code = complaint(call.given[position++], call.kinds[i]);
+            if (code != Code::None) return Failure(code, position);
         }
         return Failure();
     };
     const auto illegality = [](const Anyval* value, Kind kind) {
-        return isIllegal(tagOf(value), kind) ? "illegal context" : nullptr;
+        return isIllegal(tagOf(value), kind) ? Code::IllegalContext : Code::None;
     };
     if (auto failure = firstFailure(illegality)) return failure;
     return firstFailure(mismatch);
 }
 
-// A scalar as a 1 x 1 array; null when there is no memory.
-aMatrix* asMatrix(EfiCallContext* context, const aComplex* scalar) {
+// A scalar as a 1 x 1 array.
+Result<aMatrix*> asMatrix(EfiCallContext* context, const aComplex* scalar) {
     auto re = newElements(1, 1);
-    if (!re) return nullptr;
+    if (!re) return Code::OutOfMemory;
     re[0] = scalar->re;
     if (scalar->im == 0.0) return newMatrix(context, 1, 1, re);
     auto im = newElements(1, 1);
-    if (!im) return nullptr;
+    if (!im) return Code::OutOfMemory;
     im[0] = scalar->im;
     return newMatrix(context, 1, 1, re, im);
 }
 
-// What the worker receives in place of a given value; null when there is no memory.
-Anyval* converted(EfiCallContext* context, Anyval* given, Kind kind) {
-    if (kind == Kind::Zero) return newScalar(context, 0.0);
-    if (kind == Kind::OptionalArray && given->tag == TagScalar) {
-        return asMatrix(context, static_cast<const aComplex*>(given));
-    }
-    return given;
+// What the worker receives in place of a given value.
+HostValue converted(EfiCallContext* context, Anyval* given, Kind kind) {
+    if (kind == Kind::Zero) return toHost(context, newScalar(context, 0.0));
+    if (kind == Kind::OptionalArray && given->tag == TagScalar)
+        return toHost(context, asMatrix(context, static_cast<const aComplex*>(given)));
+    return {given};
+}
+
+// An error about a parameter becomes one about the argument that the user wrote for it, 0 for none.
+Anyval* reposition(Anyval* result, const int* positions, int count) {
+    if (!isError(result)) return result;
+    auto* error = static_cast<aError*>(result);
+    if (error->argIndex >= 1 && error->argIndex <= count) error->argIndex = positions[error->argIndex - 1];
+    return result;
 }
 
 Anyval* checkAndInvoke(const Call& call) {
-    if (auto failure = checkKinds(call)) return fail(call.context, failure);
+    if (auto failure = checkKinds(call)) return makeError(call.context, failure);
 
     Anyval* arguments[mostArguments];
     int positions[mostArguments];
@@ -86,8 +93,7 @@ Anyval* checkAndInvoke(const Call& call) {
         Anyval* given = written ? call.given[position++] : nullptr;
         positions[i] = written ? position : 0;
         arguments[i] = converted(call.context, given, call.kinds[i]);
-        if (arguments[i] == nullptr) return fail(call.context, outOfMemory());
-        if (isError(arguments[i])) return arguments[i];
+        if (arguments[i] == nullptr || isError(arguments[i])) return arguments[i];
     }
     Anyval* result = call.invoke(call.worker, call.context, arguments);
     return reposition(result, positions, call.parameters);
@@ -102,13 +108,13 @@ Anyval* inFrame(EfiCallContext* context, Anyval* (*action)(const Data&), const D
     try {
         Anyval* result = action(data);
         const char* fault = pendingFault();
-        return fault == nullptr ? result : fail(context, {fault, 0});
+        return fault == nullptr ? result : makeError(context, fault, 0);
     } catch (const char* message) {
-        return fail(context, {message, 0});
+        return makeError(context, message, 0);
     } catch (aError* error) {
         return error;
     } catch (const SE_FPE_Exception& fault) {
-        return fail(context, {exceptionText(fault.exceptionCode), 0});
+        return makeError(context, exceptionText(fault.exceptionCode), 0);
     }
 }
 
@@ -126,7 +132,7 @@ Anyval* chooseDispatcher(const Forwarding& forwarding) {
         if (dispatcher.count == forwarding.count)
             return dispatcher.call(forwarding.context, forwarding.arguments);
     }
-    return fail(forwarding.context, {"Wrong number of Arguments", 0});
+    return makeError(forwarding.context, Code::WrongNumberOfArguments);
 }
 
 }  // namespace

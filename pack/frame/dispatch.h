@@ -37,48 +37,30 @@ enum class Kind : std::uint8_t {
 
 namespace detail {
 
+template <class Value, Kind of>
+struct ParameterOf {
+    using Type = Value;
+    static constexpr Kind kind = of;
+};
+
 template <class Letter>
 struct Parameter;
 template <>
-struct Parameter<form::S> {
-    using Type = aComplex*;
-    static constexpr Kind kind = Kind::Scalar;
-};
+struct Parameter<form::S> : ParameterOf<aComplex*, Kind::Scalar> {};
 template <>
-struct Parameter<form::T> {
-    using Type = aString*;
-    static constexpr Kind kind = Kind::String;
-};
+struct Parameter<form::T> : ParameterOf<aString*, Kind::String> {};
 template <>
-struct Parameter<form::M> {
-    using Type = aMatrix*;
-    static constexpr Kind kind = Kind::Array;
-};
+struct Parameter<form::M> : ParameterOf<aMatrix*, Kind::Array> {};
 template <>
-struct Parameter<form::V> {
-    using Type = aVector*;
-    static constexpr Kind kind = Kind::Vector;
-};
+struct Parameter<form::V> : ParameterOf<aVector*, Kind::Vector> {};
 template <>
-struct Parameter<form::F> {
-    using Type = aLambda*;
-    static constexpr Kind kind = Kind::Function;
-};
+struct Parameter<form::F> : ParameterOf<aLambda*, Kind::Function> {};
 template <>
-struct Parameter<form::A> {
-    using Type = Anyval*;
-    static constexpr Kind kind = Kind::ScalarOrArray;
-};
+struct Parameter<form::A> : ParameterOf<Anyval*, Kind::ScalarOrArray> {};
 template <>
-struct Parameter<form::O> {
-    using Type = aMatrix*;
-    static constexpr Kind kind = Kind::OptionalArray;
-};
+struct Parameter<form::O> : ParameterOf<aMatrix*, Kind::OptionalArray> {};
 template <>
-struct Parameter<form::Z> {
-    using Type = aComplex*;
-    static constexpr Kind kind = Kind::Zero;
-};
+struct Parameter<form::Z> : ParameterOf<aComplex*, Kind::Zero> {};
 
 template <class Form>
 struct FormTraits;
@@ -86,6 +68,8 @@ template <class Result, class... Letters>
 struct FormTraits<Result(Letters...)> {
     using Worker = Result(EfiCallContext*, typename Parameter<Letters>::Type...);
     static constexpr std::array<Kind, sizeof...(Letters)> kinds = {Parameter<Letters>::kind...};
+    // Arguments that the user writes.
+    static constexpr int written = (0 + ... + (Parameter<Letters>::kind != Kind::Zero));
 
     // Hands the arguments to the worker under their types.
     static Anyval* invoke(void (*worker)(), EfiCallContext* context, Anyval** arguments) {
@@ -121,6 +105,7 @@ Anyval* run(const Call& call);
 template <class Form, class... Given>
 Anyval* dispatch(Worker<Form>* worker, EfiCallContext* context, Given*... given) {
     using Traits = detail::FormTraits<Form>;
+    static_assert(sizeof...(Given) == Traits::written && Traits::kinds.size() <= mostArguments);
     return run({context,
                 Traits::kinds.data(),
                 static_cast<int>(Traits::kinds.size()),
@@ -135,7 +120,7 @@ struct FixedDispatcher {
     Anyval* (*call)(EfiCallContext* context, Anyval** arguments);
 };
 
-// Calls the dispatcher whose count is the given one, else answers "Wrong number of Arguments".
+// Calls the dispatcher of the given count; without one, "Wrong number of Arguments".
 Anyval* forward(EfiCallContext* context, int count, Anyval** arguments, const FixedDispatcher* dispatchers,
                 int dispatcherCount);
 

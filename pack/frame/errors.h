@@ -1,74 +1,87 @@
-// The pack's messages: error codes, and the codes of the platform's floating-point exceptions.
+// What can go wrong, and how a failure travels: every routine of the pack that can fail returns a
+// Failure, or a Result where it has a value to return.
 #pragma once
 
+#include <concepts>
 #include <cstdint>
+#include <utility>
+
+struct Anyval;
 
 namespace undula {
 
+// The errors of errors.def, those with a number under that number.
 enum class Code : std::int32_t {
     None = 0,
-    Interrupted = 1,
-    MustBeInteger = 2,
-    MustBeEvenInteger = 3,
-    MustBePositiveInteger = 4,
-    FilterUnimplemented = 5,
-    OutOfMemory = 6,
-    InvalidLevel = 7,
-    InvalidSubbandDimensions = 8,
-    FilterTooLong = 9,
-    TooManyColumns = 10,
-    FilterNotUserDefined = 11,
-    InvalidPacketIndex = 12,
-    NotSymmetric = 13,
-    IntervalUnimplemented = 14,
-    InvalidPacketBasis = 15,
-    InvalidLevelInBasis = 16,
-    MustBeOneDimensionalBasis = 17,
-    MustBeTwoDimensionalBasis = 18,
-    InvalidPacketTable = 19,
-    InvalidDimension = 20,
-    InternalFftError = 21,
-    MustBeMatrix = 22,
-    Unknown = 23,
+#define CODE(number, name, text) name = number,
+#define MESSAGE(name, text) name,
+#include "frame/errors.def"
 };
 
-// The text of a code; null for 0, "unknown error" for a code of no entry.
-const char* errorText(std::int32_t code);
+// The message of a code; null for None, "unknown error" for a number that is no code.
+const char* messageOf(Code code);
 
-// The text of a structured-exception code of the platform.
+// The message of one of the platform's structured-exception codes.
 const char* exceptionText(std::uint32_t code);
 
-namespace text {
-inline constexpr const char* mustBeReal = "must be real";
-inline constexpr const char* mustBeRealArray = "must be real array";
-inline constexpr const char* mustBeRealVector = "must be real vector";
-}  // namespace text
-
-// What went wrong, and with which argument: 1-based, 0 for the call as a whole. False when
-// nothing did.
+// What went wrong, and with which argument: 1-based, 0 for the call as a whole. False when nothing did.
 struct Failure {
-    const char* message = nullptr;
+    Code code = Code::None;
     int argument = 0;
+    Anyval* value = nullptr;  // an error value that a user function returned, passed on as it is
 
-    Failure() = default;
-    Failure(const char* what, int where) : message(what), argument(where) {}
-    Failure(Code code, int where) : message(errorText(static_cast<std::int32_t>(code))), argument(where) {}
+    constexpr Failure() = default;
+    constexpr Failure(Code what, int where = 0) : code(what), argument(where) {}
 
-    explicit operator bool() const { return message != nullptr; }
+    static Failure of(Anyval* errorValue) {
+        Failure failure;
+        failure.value = errorValue;
+        return failure;
+    }
+
+    explicit constexpr operator bool() const { return code != Code::None || value != nullptr; }
+
+    // The same about an argument. Lack of memory and interruption stay about the call as a whole.
+    constexpr Failure at(int position) const {
+        Failure moved = *this;
+        if (code != Code::OutOfMemory && code != Code::Interrupted) moved.argument = position;
+        return moved;
+    }
 };
 
-// The failure of a code about an argument; lack of memory and interruption are about the call as a
-// whole.
-inline Failure failureAt(Code code, int argument) {
-    if (code == Code::None) return {};
-    return {code, code == Code::OutOfMemory || code == Code::Interrupted ? 0 : argument};
+// A value, or the failure that kept it from being made.
+template <class T>
+class [[nodiscard]] Result {
+ public:
+    template <std::convertible_to<T> From>
+    Result(From&& from) : held(std::forward<From>(from)) {}
+    Result(const Failure& why) : reason(why) {}
+    Result(Code why) : reason(why) {}
+
+    explicit operator bool() const { return !reason; }
+    const Failure& failure() const { return reason; }
+    T& operator*() { return held; }
+    const T& operator*() const { return held; }
+    T* operator->() { return &held; }
+    const T* operator->() const { return &held; }
+
+ private:
+    T held{};
+    Failure reason;
+};
+
+// Moves a failure about argument i to argument positions[i - 1], 0 for one that the user did not write.
+template <int count>
+constexpr Failure reposition(Failure failure, const int (&positions)[count]) {
+    if (failure.argument >= 1 && failure.argument <= count)
+        failure.argument = positions[failure.argument - 1];
+    return failure;
 }
 
-inline Failure outOfMemory() {
-    return {Code::OutOfMemory, 0};
-}
-inline Failure interruption() {
-    return {Code::Interrupted, 0};
+template <class T, int count>
+Result<T> reposition(Result<T> result, const int (&positions)[count]) {
+    if (result) return result;
+    return reposition(result.failure(), positions);
 }
 
 }  // namespace undula

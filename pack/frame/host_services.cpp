@@ -17,20 +17,24 @@ aMatrix* wrap(EfiCallContext* context, int rows, int cols, double* re, double* i
 
 }  // namespace
 
-ErrorValue fail(EfiCallContext* context, const Failure& failure) {
+Anyval* makeError(EfiCallContext* context, const char* message, int argument) {
     const HostServiceScope scope;
-    return {mkError(context, failure.message, failure.argument, 0)};
+    return mkError(context, message, argument, 0);
 }
 
-aComplex* newScalar(EfiCallContext* context, double re, double im) {
+Anyval* makeError(EfiCallContext* context, const Failure& failure) {
+    if (failure.value != nullptr) return failure.value;
+    return makeError(context, messageOf(failure.code), failure.argument);
+}
+
+Result<aComplex*> newScalar(EfiCallContext* context, double re, double im) {
     const HostServiceScope scope;
     aComplex* scalar = nullptr;
     context->allocator->newScalar(&scalar);
-    if (scalar != nullptr) {
-        scalar->tag = TagScalar;
-        scalar->re = re;
-        scalar->im = im;
-    }
+    if (scalar == nullptr) return Code::OutOfMemory;
+    scalar->tag = TagScalar;
+    scalar->re = re;
+    scalar->im = im;
     return scalar;
 }
 
@@ -44,24 +48,20 @@ Array<double> newElements(std::uint64_t rows, std::uint64_t cols) {
     return Array<double>::uninitialised(rows * cols);
 }
 
-aMatrix* newMatrix(EfiCallContext* context, int rows, int cols, Array<double>& re) {
-    aMatrix* matrix = wrap(context, rows, cols, re.data(), nullptr);
-    if (matrix != nullptr) re.release();
+Result<aMatrix*> newMatrix(EfiCallContext* context, int rows, int cols, Array<double>& re) {
+    aMatrix* matrix = re ? wrap(context, rows, cols, re.data(), nullptr) : nullptr;
+    if (matrix == nullptr) return Code::OutOfMemory;
+    re.release();
     return matrix;
 }
 
-aMatrix* newMatrix(EfiCallContext* context, int rows, int cols, Array<double>& re, Array<double>& im) {
-    aMatrix* matrix = wrap(context, rows, cols, re.data(), im.data());
-    if (matrix != nullptr) {
-        re.release();
-        im.release();
-    }
+Result<aMatrix*> newMatrix(EfiCallContext* context, int rows, int cols, Array<double>& re,
+                           Array<double>& im) {
+    aMatrix* matrix = re && im ? wrap(context, rows, cols, re.data(), im.data()) : nullptr;
+    if (matrix == nullptr) return Code::OutOfMemory;
+    re.release();
+    im.release();
     return matrix;
-}
-
-aMatrix* resultMatrix(EfiCallContext* context, int rows, int cols, Array<double>& re) {
-    aMatrix* matrix = re ? newMatrix(context, rows, cols, re) : nullptr;
-    return matrix != nullptr ? matrix : fail(context, outOfMemory());
 }
 
 bool interrupted(EfiCallContext* context) {
@@ -71,13 +71,6 @@ bool interrupted(EfiCallContext* context) {
 
 Poll pollOf(EfiCallContext* context) {
     return {[](void* host) { return interrupted(static_cast<EfiCallContext*>(host)); }, context};
-}
-
-Anyval* reposition(Anyval* result, const int* positions, int count) {
-    if (!isError(result)) return result;
-    auto* error = static_cast<aError*>(result);
-    if (error->argIndex >= 1 && error->argIndex <= count) error->argIndex = positions[error->argIndex - 1];
-    return result;
 }
 
 }  // namespace undula

@@ -33,12 +33,10 @@ bool holdsNested(EfiCallContext* context, const aMatrix* matrix) {
     return efiFindNested(context, matrix, 0) >= 0;
 }
 
-bool isRealArray(EfiCallContext* context, const aMatrix* matrix) {
-    return tagOf(matrix) == TagArray && !hasImaginaryPart(matrix) && !holdsNested(context, matrix);
-}
-
-bool isRealVector(EfiCallContext* context, const aMatrix* matrix) {
-    return tagOf(matrix) == TagArray && matrix->cols == 1 && isRealArray(context, matrix);
+bool isRealArray(EfiCallContext* context, const Anyval* value) {
+    if (tagOf(value) != TagArray) return false;
+    const auto* matrix = static_cast<const aMatrix*>(value);
+    return !hasImaginaryPart(matrix) && !holdsNested(context, matrix);
 }
 
 double element(const aMatrix* matrix, int row, int col) {

@@ -2,22 +2,20 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 #include "efi/host.h"
 #include "frame/memory.h"
 
 namespace undula {
 
-// Whether the value is an array of numbers without imaginary parts: every element of `im` in the
-// rows x cols block compares equal to 0. A cell that holds a nested value is no number.
-bool isRealArray(EfiCallContext* context, const aMatrix* matrix);
+// Whether the value is an array without imaginary parts and without nested values.
+bool isRealArray(EfiCallContext* context, const Anyval* value);
 
-// The two halves of that test, of an array.
+// Whether an element of `im` in the rows x cols block differs from 0.
 bool hasImaginaryPart(const aMatrix* matrix);
+// Whether a cell holds a nested value, not a number.
 bool holdsNested(EfiCallContext* context, const aMatrix* matrix);
-
-// The same for an array of exactly one column.
-bool isRealVector(EfiCallContext* context, const aMatrix* matrix);
 
 // The real part of element (row, col).
 double element(const aMatrix* matrix, int row, int col);
@@ -31,6 +29,17 @@ Array<double> copyOfElements(const aMatrix* matrix);
 
 inline std::size_t sizeOf(const aMatrix* matrix) {
     return static_cast<std::size_t>(matrix->rows) * static_cast<std::size_t>(matrix->cols);
+}
+
+inline bool isEmpty(const aMatrix* matrix) {
+    return matrix->rows == 0 || matrix->cols == 0;
+}
+
+// Whether both sides of the data are as asked. An array of one column is a signal, which has one side.
+template <class Question>
+bool holdsForSides(const aMatrix* data, Question question) {
+    return question(static_cast<std::uint64_t>(data->rows)) &&
+           (data->cols == 1 || question(static_cast<std::uint64_t>(data->cols)));
 }
 
 }  // namespace undula

@@ -5,33 +5,30 @@
 #include <numeric>
 #include <tuple>
 
+#include "frame/numbers.h"
+
 namespace undula {
 
 namespace {
 
-constexpr double largestLevel = 4294967295.0;
 // From here on every finite number is below 2^level.
 constexpr double levelBeyondNumbers = 1024.0;
-
-bool isWhole(double x) {
-    return std::floor(x) == x;
-}
 
 bool isBelowPowerOfTwo(double position, double level) {
     if (level >= levelBeyondNumbers) return std::isfinite(position);
     return position < std::ldexp(1.0, static_cast<int>(level));
 }
 
-Code checkPosition(double position, double level) {
+Failure checkPosition(double position, double level) {
     if (!isWhole(position)) return Code::MustBeInteger;
     return position >= 0.0 && isBelowPowerOfTwo(position, level) ? Code::None : Code::InvalidPacketBasis;
 }
 
-Code checkPacket(const Packet& packet) {
+Failure checkPacket(const Packet& packet) {
     if (!isWhole(packet.level)) return Code::MustBeInteger;
-    if (packet.level < 0.0 || packet.level > largestLevel) return Code::InvalidPacketBasis;
-    const Code code = checkPosition(packet.row, packet.level);
-    return code != Code::None ? code : checkPosition(packet.col, packet.level);
+    if (packet.level < 0.0 || packet.level > largest32Bits) return Code::InvalidPacketBasis;
+    if (auto failure = checkPosition(packet.row, packet.level)) return failure;
+    return checkPosition(packet.col, packet.level);
 }
 
 Packet parentOf(const Packet& packet) {
@@ -111,24 +108,23 @@ std::uint64_t Basis::depth() const {
     for (const Packet& packet : rows) {
         if (std::isgreater(packet.level, deepest)) deepest = packet.level;
     }
-    return static_cast<std::uint64_t>(std::min(deepest, largestLevel + 1.0));
+    return static_cast<std::uint64_t>(std::min(deepest, largest32Bits + 1.0));
 }
 
-Code checkEntries(const Basis& basis) {
+Failure checkEntries(const Basis& basis) {
     for (const Packet& packet : basis.rows) {
-        const Code code = checkPacket(packet);
-        if (code != Code::None) return code;
+        if (auto failure = checkPacket(packet)) return failure;
     }
-    return Code::None;
+    return {};
 }
 
-Code findSplits(const Basis& basis, PacketList& splits) {
+Result<PacketList> findSplits(const Basis& basis) {
     const std::size_t rowCount = basis.rows.count;
     // A tiling that reaches a level has at least one packet more than levels.
     if (basis.depth() >= rowCount) return Code::InvalidPacketBasis;
     auto sorted = Array<Packet>::uninitialised(rowCount);
     auto memory = Array<Packet>::uninitialised(rowCount);
-    splits = {Array<Packet>::uninitialised(rowCount)};
+    PacketList splits = {Array<Packet>::uninitialised(rowCount)};
     if (!sorted || !memory || !splits.packets) return Code::OutOfMemory;
     std::copy(basis.rows.begin(), basis.rows.end(), sorted.data());
     std::sort(sorted.data(), sorted.data() + rowCount, SiblingOrder{basis.dimensions});
@@ -141,7 +137,8 @@ Code findSplits(const Basis& basis, PacketList& splits) {
         if (j == 0.0) break;
         if (!level.mergeFamilies(splits)) return Code::InvalidPacketBasis;
     }
-    return level.isRoot() ? Code::None : Code::InvalidPacketBasis;
+    if (!level.isRoot()) return Code::InvalidPacketBasis;
+    return splits;
 }
 
 bool removeRepeats(PacketList& list) {

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "dwt/subband_layout.h"
 #include "frame/errors.h"
 #include "frame/memory.h"
 
@@ -18,6 +19,12 @@ struct Packet {
     double level;
     double row;
     double col;
+
+    // Of a packet whose entries have been checked against data.
+    PacketIndex index() const {
+        return {static_cast<std::uint32_t>(level), static_cast<std::uint64_t>(row),
+                static_cast<std::uint64_t>(col)};
+    }
 };
 
 // Packets in some order.
@@ -35,18 +42,18 @@ struct Basis {
     PacketList rows;
     int dimensions = 1;
 
-    // The largest level, truncated; what is no level counts as 0. At most 2^32, which no data reaches.
+    // The largest level, truncated; NaN and negative levels count as 0. At most 2^32, which no data reaches.
     std::uint64_t depth() const;
 };
 
 // Whether every entry can be a packet: levels and positions are whole numbers, and a position is below
-// 2^level. Answers the complaint about the first entry that is not, in the order of the rows.
-Code checkEntries(const Basis& basis);
+// 2^level. The failure is that of the first entry that cannot, in the order of the rows.
+Failure checkEntries(const Basis& basis);
 
-// Whether the packets, whose entries have been checked, tile the data exactly. If they do, `splits`
-// receives the packets that are split on the way to them, the deepest first. Repeated rows count
-// once. The cost depends on the number of rows, whatever their levels.
-Code findSplits(const Basis& basis, PacketList& splits);
+// The packets that are split on the way to those of a basis whose entries have been checked, the deepest
+// first; "invalid packet basis" unless the basis tiles the data exactly. Repeated rows count once. The
+// cost depends on the number of rows, whatever their levels.
+Result<PacketList> findSplits(const Basis& basis);
 
 // Leaves the first of equal packets, in the order of the list. False when there is no memory.
 bool removeRepeats(PacketList& list);

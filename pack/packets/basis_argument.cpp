@@ -1,6 +1,6 @@
 #include "packets/basis_argument.h"
 
-#include "frame/checks.h"
+#include "frame/matrices.h"
 
 namespace undula {
 
@@ -10,28 +10,25 @@ Failure requireBasisFor(const aMatrix* data, const aMatrix* basis, int argument)
     return {};
 }
 
-Failure readBasis(const aMatrix* matrix, Basis& basis) {
+Result<Basis> readBasis(const aMatrix* matrix) {
     const auto count = static_cast<std::size_t>(matrix->rows);
-    basis.rows = {Array<Packet>::uninitialised(count), count};
-    basis.dimensions = matrix->cols - 1;
-    if (!basis.rows.packets) return outOfMemory();
+    Basis basis = {{Array<Packet>::uninitialised(count), count}, matrix->cols - 1};
+    if (!basis.rows.packets) return Code::OutOfMemory;
     for (int row = 0; row < matrix->rows; ++row) {
         basis.rows.packets[static_cast<std::size_t>(row)] = {
             element(matrix, row, 0), element(matrix, row, 1),
             basis.dimensions == 1 ? 0.0 : element(matrix, row, 2)};
     }
-    return {};
+    return basis;
 }
 
-Failure checkTiling(const Basis& basis, PacketList& splits, int argument) {
-    if (auto failure = failureAt(checkEntries(basis), argument)) return failure;
-    return failureAt(findSplits(basis, splits), argument);
-}
-
-Failure readTiling(const aMatrix* matrix, Basis& basis, int argument) {
-    if (auto failure = readBasis(matrix, basis)) return failure;
-    PacketList splits;
-    return checkTiling(basis, splits, argument);
+Result<Basis> readTiling(const aMatrix* matrix, int argument) {
+    auto basis = readBasis(matrix);
+    if (!basis) return basis;
+    if (auto failure = checkEntries(*basis)) return failure.at(argument);
+    const auto splits = findSplits(*basis);
+    if (!splits) return splits.failure().at(argument);
+    return basis;
 }
 
 }  // namespace undula

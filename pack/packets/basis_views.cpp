@@ -1,11 +1,12 @@
 // extract_basis: the coefficients of a basis out of a packet table.
 // basis_display2d: a picture of the blocks of a basis.
 #include <algorithm>
+#include <utility>
 
+#include "dwt/data_argument.h"
 #include "frame/checks.h"
 #include "frame/workers.h"
 #include "packets/basis_argument.h"
-#include "packets/packet_geometry.h"
 #include "packets/table.h"
 
 using namespace undula;
@@ -17,24 +18,44 @@ constexpr std::uint64_t deepestPicture = 7;
 constexpr double line = 0.0;
 constexpr double background = 255.0;
 
-Failure readExtraction(EfiCallContext* context, const aVector* tableValue, const aMatrix* matrix,
-                       PacketTable& table, Basis& basis) {
-    if (auto failure = requireTableVector(tableValue)) return failure;
+// A table, and the basis whose packets are to be taken out of it.
+struct Extraction {
+    TableLevels levels;
+    Basis basis;
+};
+
+Result<Extraction> readExtraction(EfiCallContext* context, const aVector* table, const aMatrix* matrix) {
+    if (auto failure = requireTableVector(table)) return failure;
     if (auto failure = requireRealArray(context, matrix, 2)) return failure;
-    if (matrix->cols != 2 && matrix->cols != 3) return {Code::InvalidPacketBasis, 2};
-    if (auto failure = readTiling(matrix, basis, 2)) return failure;
-    if (auto failure = readTable(context, tableValue, table)) return failure;
-    if (basis.depth() > table.levels) return {Code::InvalidLevelInBasis, 2};
-    return requireBasisFor(table.elements[0], matrix, 2);
+    if (matrix->cols != 2 && matrix->cols != 3) return Failure(Code::InvalidPacketBasis, 2);
+    auto basis = readTiling(matrix, 2);
+    if (!basis) return basis.failure();
+    const auto levels = findLevels(context, table);
+    if (!levels) return levels.failure();
+    if (basis->depth() > levels->count) return Failure(Code::InvalidLevelInBasis, 2);
+    if (auto failure = requireBasisFor(levels->elements[0], matrix, 2)) return failure;
+    return Extraction{*levels, std::move(*basis)};
 }
 
-void copyPacket(const aMatrix* element, const Packet& packet, double* result) {
-    const Rectangle place = placeIn(element, packet);
-    for (std::uint64_t c = place.cols.start; c < place.cols.start + place.cols.length; ++c) {
-        const Rectangle column = {place.rows, {c, 1}};
-        copyRectangle(element, column,
-                      result + c * static_cast<std::uint64_t>(element->rows) + place.rows.start);
+Result<aMatrix*> extract(EfiCallContext* context, const aVector* table, const aMatrix* matrix) {
+    const auto extraction = readExtraction(context, table, matrix);
+    if (!extraction) return extraction.failure();
+    const auto& [levels, basis] = *extraction;
+    const aMatrix* data = levels.elements[0];
+    const int rows = data->rows;
+    const int cols = data->cols;
+    auto elements = newElements(static_cast<std::uint64_t>(rows), static_cast<std::uint64_t>(cols));
+    if (!elements) return Code::OutOfMemory;
+    const Block result = blockOf(data, elements);
+    for (const Packet& packet : basis.rows) {
+        const Rectangle place = packetPlace(result.rows, result.cols, packet.index());
+        copyPart(levels.elements[packet.index().level], place, partOf(result, place));
     }
+    // All has been read, so that nothing that happens now can change it.
+    for (std::size_t i = 0; i < basis.rows.count; ++i) {
+        if (interrupted(context)) return Code::Interrupted;
+    }
+    return newMatrix(context, rows, cols, elements);
 }
 
 double* pixel(double* picture, std::ptrdiff_t row, std::ptrdiff_t col) {
@@ -57,39 +78,34 @@ void drawBlock(const Packet& block, double* picture) {
     for (int col = left; col < left + side; ++col) *pixel(picture, top + side - 1, col) = line;
 }
 
-Failure readPictured(EfiCallContext* context, const aMatrix* matrix, Basis& basis) {
+Result<Basis> readPictured(EfiCallContext* context, const aMatrix* matrix) {
     if (auto failure = requireRealArray(context, matrix, 1)) return failure;
-    if (matrix->cols != 3) return {Code::MustBeTwoDimensionalBasis, 1};
-    if (auto failure = readBasis(matrix, basis)) return failure;
-    if (basis.depth() > deepestPicture) return {"too many levels to be displayed", 1};
-    return readTiling(matrix, basis, 1);
+    if (matrix->cols != 3) return Failure(Code::MustBeTwoDimensionalBasis, 1);
+    auto basis = readBasis(matrix);
+    if (!basis) return basis;
+    if (basis->depth() > deepestPicture) return Failure(Code::TooManyLevelsToDisplay, 1);
+    return readTiling(matrix, 1);
+}
+
+Result<aMatrix*> display(EfiCallContext* context, const aMatrix* matrix) {
+    const auto basis = readPictured(context, matrix);
+    if (!basis) return basis.failure();
+    auto picture = newElements(pictureSide, pictureSide);
+    if (!picture) return Code::OutOfMemory;
+    drawFrame(picture.data());
+    for (const Packet& block : basis->rows) {
+        if (interrupted(context)) return Code::Interrupted;
+        drawBlock(block, picture.data());
+    }
+    return newMatrix(context, pictureSide, pictureSide, picture);
 }
 
 }  // namespace
 
-aMatrix* extract_basis(EfiCallContext* context, aVector* tableValue, aMatrix* matrix) {
-    PacketTable table;
-    Basis basis;
-    if (auto failure = readExtraction(context, tableValue, matrix, table, basis))
-        return fail(context, failure);
-    auto result = newElements(static_cast<std::uint64_t>(table.rows), static_cast<std::uint64_t>(table.cols));
-    if (!result) return fail(context, outOfMemory());
-    for (const Packet& packet : basis.rows) {
-        if (interrupted(context)) return fail(context, interruption());
-        copyPacket(table.elements[static_cast<std::uint32_t>(packet.level)], packet, result.data());
-    }
-    return resultMatrix(context, table.rows, table.cols, result);
+aMatrix* extract_basis(EfiCallContext* context, aVector* table, aMatrix* basis) {
+    return toHost(context, extract(context, table, basis));
 }
 
-aMatrix* basis_display2d(EfiCallContext* context, aMatrix* matrix) {
-    Basis basis;
-    if (auto failure = readPictured(context, matrix, basis)) return fail(context, failure);
-    auto picture = newElements(pictureSide, pictureSide);
-    if (!picture) return fail(context, outOfMemory());
-    drawFrame(picture.data());
-    for (const Packet& block : basis.rows) {
-        if (interrupted(context)) return fail(context, interruption());
-        drawBlock(block, picture.data());
-    }
-    return resultMatrix(context, pictureSide, pictureSide, picture);
+aMatrix* basis_display2d(EfiCallContext* context, aMatrix* basis) {
+    return toHost(context, display(context, basis));
 }

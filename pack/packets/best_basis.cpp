@@ -10,29 +10,29 @@ using namespace undula;
 
 namespace {
 
-aMatrix* asMatrix(EfiCallContext* context, const PacketList& basis, bool isSignal) {
+Result<aMatrix*> asMatrix(EfiCallContext* context, const PacketList& basis, bool isSignal) {
     BasisRows rows(basis.count, isSignal ? 2 : 3);
-    if (!rows) return fail(context, outOfMemory());
+    if (!rows) return Code::OutOfMemory;
     for (const Packet& packet : basis) rows.add(packet.level, packet.row, packet.col);
     return rows.result(context);
 }
 
+Result<aMatrix*> findBestBasis(EfiCallContext* context, const aVector* vector, aLambda* cost) {
+    if (auto failure = requireTableVector(vector)) return failure;
+    double_to_double_lambda costFunction(context, cost);
+    if (!costFunction.rooted()) return Code::OutOfMemory;
+    const auto table = readTable(context, vector);
+    if (!table) return table.failure();
+
+    Block levels[mostLevels];
+    for (std::uint32_t j = 0; j <= table->levels; ++j) levels[j] = table->level(j);
+    const auto basis = searchBestBasis({levels, table->levels}, costFunction, pollOf(context));
+    if (!basis) return basis.failure();
+    return asMatrix(context, *basis, levels[0].isSignal());
+}
+
 }  // namespace
 
-aMatrix* best_basis(EfiCallContext* context, aVector* tableValue, aLambda* cost) {
-    if (auto failure = requireTableVector(tableValue)) return fail(context, failure);
-    double_to_double_lambda costFunction(context, cost);
-    if (!costFunction.rooted()) return fail(context, outOfMemory());
-    PacketTable table;
-    if (auto failure = readTable(context, tableValue, table)) return fail(context, failure);
-
-    LevelView views[mostLevels];
-    for (std::uint32_t j = 0; j <= table.levels; ++j)
-        views[j] = {table.elements[j]->re, table.elements[j]->stride};
-    const TableView view = {views, table.levels, static_cast<std::uint32_t>(table.rows),
-                            static_cast<std::uint32_t>(table.cols)};
-    PacketList basis;
-    const Code code = searchBestBasis(view, costFunction, pollOf(context), basis);
-    if (auto failure = failureAt(code, 1)) return fail(context, failure);
-    return asMatrix(context, basis, view.isSignal());
+aMatrix* best_basis(EfiCallContext* context, aVector* table, aLambda* cost) {
+    return toHost(context, findBestBasis(context, table, cost));
 }

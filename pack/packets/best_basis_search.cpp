@@ -50,28 +50,30 @@ enum class Fate : std::uint8_t {
 class Search {
  public:
     Search(const TableView& packetTable, double_to_double_func& costFunction, const Poll& interruption)
-        : table(packetTable), tree{packetTable.isSignal()}, cost(costFunction), poll(interruption) {}
+        : table(packetTable), tree{packetTable.data().isSignal()}, cost(costFunction), poll(interruption) {}
 
-    Code run(PacketList& basis) {
-        const std::uint64_t nodes = tree.nodesBefore(table.levels + 1);
+    Result<PacketList> run() {
+        const std::uint64_t nodes = tree.nodesBefore(table.depth + 1);
         costs = Array<double>::uninitialised(nodes);
         fates = Array<Fate>::uninitialised(nodes);
         if (!costs || !fates) return Code::OutOfMemory;
         if (!visitDeepest()) return Code::Interrupted;
-        for (std::uint32_t level = table.levels; level-- > 0;) {
+        for (std::uint32_t level = table.depth; level-- > 0;) {
             if (!visit(level)) return Code::Interrupted;
         }
-        return collect(basis);
+        return collect();
     }
 
  private:
     // The sum of the cost function over a packet's coefficients, row by row.
     double costOf(std::uint32_t level, std::uint64_t node) {
-        const auto [rows, cols] = packetPlace(table.rows, table.cols, level, tree.row(node), tree.col(node));
+        const Block& data = table.levels[level];
+        const PacketIndex packet = {level, tree.row(node), tree.col(node)};
+        const auto [rows, cols] = packetPlace(data.rows, data.cols, packet);
         double sum = 0.0;
         for (std::uint64_t row = rows.start; row < rows.start + rows.length; ++row) {
             for (std::uint64_t col = cols.start; col < cols.start + cols.length; ++col) {
-                sum += cost.evaluate(table.views[level].at(row, col));
+                sum += cost.evaluate(data.column(col)[row]);
             }
         }
         return sum;
@@ -87,11 +89,11 @@ class Search {
     }
 
     bool visitDeepest() {
-        const std::uint64_t rows = std::uint64_t{1} << table.levels;
+        const std::uint64_t rows = std::uint64_t{1} << table.depth;
         const std::uint64_t cols = tree.signal ? 1 : rows;
         for (std::uint64_t row = 0; row < rows; ++row) {
             if (poll()) return false;
-            for (std::uint64_t col = 0; col < cols; ++col) keep(table.levels, tree.node(row, col));
+            for (std::uint64_t col = 0; col < cols; ++col) keep(table.depth, tree.node(row, col));
         }
         return true;
     }
@@ -106,7 +108,7 @@ class Search {
             for (std::uint64_t child = 0; child < tree.arity(); ++child) {
                 sum += costs[at(level + 1, tree.arity() * node + child)];
             }
-            // Quietly: a cost that is no number lets no parent win.
+            // Quietly: a cost of NaN lets no parent win.
             if (!std::isgreater(sum, costs[at(level, node)])) {
                 costs[at(level, node)] = sum;
                 fates[at(level, node)] = Fate::Split;
@@ -118,7 +120,7 @@ class Search {
     // Covers what stands below a kept packet, and counts what is kept then.
     std::size_t settle() {
         std::size_t count = 0;
-        for (std::uint32_t level = 0; level <= table.levels; ++level) {
+        for (std::uint32_t level = 0; level <= table.depth; ++level) {
             for (std::uint64_t node = 0; node < tree.nodesOf(level); ++node) {
                 const bool covered = level > 0 && fates[at(level - 1, node / tree.arity())] != Fate::Split;
                 if (covered) fates[at(level, node)] = Fate::Covered;
@@ -128,10 +130,10 @@ class Search {
         return count;
     }
 
-    Code collect(PacketList& basis) {
-        basis = {Array<Packet>::uninitialised(settle())};
+    Result<PacketList> collect() {
+        PacketList basis = {Array<Packet>::uninitialised(settle())};
         if (!basis.packets) return Code::OutOfMemory;
-        for (std::uint32_t level = 0; level <= table.levels; ++level) {
+        for (std::uint32_t level = 0; level <= table.depth; ++level) {
             for (std::uint64_t node = 0; node < tree.nodesOf(level); ++node) {
                 if (fates[at(level, node)] != Fate::Kept) continue;
                 basis.packets[basis.count++] = {static_cast<double>(level),
@@ -139,7 +141,7 @@ class Search {
                                                 static_cast<double>(tree.col(node))};
             }
         }
-        return Code::None;
+        return basis;
     }
 
     const TableView& table;
@@ -152,9 +154,8 @@ class Search {
 
 }  // namespace
 
-Code searchBestBasis(const TableView& table, double_to_double_func& cost, const Poll& poll,
-                     PacketList& basis) {
-    return Search(table, cost, poll).run(basis);
+Result<PacketList> searchBestBasis(const TableView& table, double_to_double_func& cost, const Poll& poll) {
+    return Search(table, cost, poll).run();
 }
 
 }  // namespace undula

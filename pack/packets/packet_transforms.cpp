@@ -1,9 +1,6 @@
 // wpt, wpts, wpti: packet tables, or the coefficients of one basis, with periodic, symmetric and
 // interval treatment of the ends; and the inverses iwpt, iwpts, iwpti.
-#include <algorithm>
-
 #include "dwt/data_argument.h"
-#include "filters/active_filter.h"
 #include "filters/selection.h"
 #include "frame/checks.h"
 #include "frame/workers.h"
@@ -26,160 +23,166 @@ struct PacketCall {
     WaveletArguments wavelet;
 };
 
-Failure requireSuitableWavelet(const PacketCall& call) {
-    return failureAt(refusalOf(call.boundary, ActiveFilter), waveletPosition);
-}
-
-Failure checkLevel(const PacketCall& call, const aComplex* level) {
+Failure checkLevel(const PacketCall& call, const FilterBank& bank, const aComplex* level) {
     if (auto failure = requireRealArray(call.context, call.data, dataPosition)) return failure;
     if (auto failure = requireReal(level, formPosition)) return failure;
     if (auto failure = requireLevelInRange(level->re, formPosition)) return failure;
-    if (!admitsSides(call.boundary, ActiveFilter, call.data, asIndex(level->re))) {
+    if (!admitsSides(call.boundary, bank, call.data, asIndex(level->re)))
         return {Code::InvalidLevel, formPosition};
-    }
-    return requireSuitableWavelet(call);
+    return requireSuitable(call.boundary, bank, waveletPosition);
 }
 
 // A signal's table polls before each level, an image's once.
-aVector* packetTable(const PacketCall& call, const aComplex* level) {
-    if (auto failure = checkLevel(call, level)) return fail(call.context, failure);
+Result<aMatrix*> packetTable(const PacketCall& call, const FilterBank& bank, const aComplex* level) {
+    if (auto failure = checkLevel(call, bank, level)) return failure;
     const std::uint32_t levels = asIndex(level->re);
-    NewTable table;
-    if (!table.allocate(call.data->rows, call.data->cols, levels)) return fail(call.context, outOfMemory());
-    if (interrupted(call.context)) return fail(call.context, interruption());
-    copyElements(call.data, table.level(0).origin);
-    const FilterBank bank = ActiveFilter;
+    auto table = newTable(call.data->rows, call.data->cols, levels);
+    if (!table) return table.failure();
+    if (interrupted(call.context)) return Code::Interrupted;
+    copyElements(call.data, table->level(0).origin);
     Workspace workspace;
     for (std::uint32_t j = 1; j <= levels; ++j) {
-        if (call.data->cols == 1 && interrupted(call.context)) return fail(call.context, interruption());
-        std::copy_n(table.level(j - 1).origin, table.size(), table.level(j).origin);
-        const Code code = splitLevel(call.boundary, bank, table.level(j), j - 1, workspace);
-        if (auto failure = stepFailure(code, Code::InvalidLevel, formPosition))
-            return fail(call.context, failure);
+        if (call.data->cols == 1 && interrupted(call.context)) return Code::Interrupted;
+        copyBlock(table->level(j - 1), table->level(j));
+        if (auto failure = splitLevel(call.boundary, bank, table->level(j), j - 1, workspace))
+            return stepFailure(failure, Code::InvalidLevel, formPosition);
     }
-    return table.result(call.context);
+    return tableValue(call.context, *table);
 }
 
-Failure requireAdmittedDepth(const PacketCall& call, const Basis& basis) {
-    const bool admitted = admitsSides(call.boundary, ActiveFilter, call.data, basis.depth());
+Failure requireAdmittedDepth(const PacketCall& call, const FilterBank& bank, const Basis& basis) {
+    const bool admitted = admitsSides(call.boundary, bank, call.data, basis.depth());
     return admitted ? Failure() : Failure(Code::InvalidLevelInBasis, formPosition);
 }
 
 // Of a signal the depth is looked at before the entries, of an image after them.
-Failure checkDepthAndEntries(const PacketCall& call, const Basis& basis) {
+Failure checkDepthAndEntries(const PacketCall& call, const FilterBank& bank, const Basis& basis) {
     const bool isSignal = basis.dimensions == 1;
-    if (isSignal) {
-        if (auto failure = requireAdmittedDepth(call, basis)) return failure;
-    }
-    if (auto failure = failureAt(checkEntries(basis), formPosition)) return failure;
-    return isSignal ? Failure() : requireAdmittedDepth(call, basis);
+    const Failure tooDeep = requireAdmittedDepth(call, bank, basis);
+    if (isSignal && tooDeep) return tooDeep;
+    if (auto failure = checkEntries(basis)) return failure.at(formPosition);
+    return tooDeep;
 }
 
-Failure checkBasis(const PacketCall& call, const aMatrix* matrix, PacketList& splits) {
+// What is split on the way to the basis, or merged on the way back.
+Result<PacketList> readSplits(const PacketCall& call, const FilterBank& bank, const aMatrix* matrix) {
     if (auto failure = requireRealArray(call.context, call.data, dataPosition)) return failure;
     if (auto failure = requireRealArray(call.context, matrix, formPosition)) return failure;
     if (auto failure = requireBasisFor(call.data, matrix, formPosition)) return failure;
-    Basis basis;
-    if (auto failure = readBasis(matrix, basis)) return failure;
-    if (auto failure = checkDepthAndEntries(call, basis)) return failure;
-    if (auto failure = failureAt(findSplits(basis, splits), formPosition)) return failure;
-    return requireSuitableWavelet(call);
+    const auto basis = readBasis(matrix);
+    if (!basis) return basis.failure();
+    if (auto failure = checkDepthAndEntries(call, bank, *basis)) return failure;
+    auto splits = findSplits(*basis);
+    if (!splits) return splits.failure().at(formPosition);
+    if (auto failure = requireSuitable(call.boundary, bank, waveletPosition)) return failure;
+    return splits;
 }
 
-using PacketTransform = Code(const BoundaryTreatment& boundary, const FilterBank& bank, const Block& data,
-                             const PacketList& splits, const Poll& poll, Workspace& workspace);
+using PacketTransform = Failure(const BoundaryTreatment& boundary, const FilterBank& bank, const Block& data,
+                                const PacketList& splits, const Poll& poll, Workspace& workspace);
 
-// Transforms a copy of the data along the splits of a basis. Every level uses the wavelet selected
-// now, whatever a poll of the host's may lead to.
-aMatrix* transformPackets(const PacketCall& call, PacketTransform* transform, const PacketList& splits) {
-    const FilterBank bank = ActiveFilter;
+// Transforms a copy of the data along the splits of a basis.
+Result<aMatrix*> transformPackets(const PacketCall& call, const FilterBank& bank, PacketTransform* transform,
+                                  const PacketList& splits) {
     auto result = copyOfElements(call.data);
-    if (!result) return fail(call.context, outOfMemory());
+    if (!result) return Code::OutOfMemory;
     Workspace workspace;
-    const Code code =
+    const Failure failure =
         transform(call.boundary, bank, blockOf(call.data, result), splits, pollOf(call.context), workspace);
-    if (auto failure = stepFailure(code, Code::InvalidLevelInBasis, formPosition))
-        return fail(call.context, failure);
-    return resultMatrix(call.context, call.data->rows, call.data->cols, result);
+    if (failure) return stepFailure(failure, Code::InvalidLevelInBasis, formPosition);
+    return newMatrix(call.context, call.data->rows, call.data->cols, result);
 }
 
-aMatrix* splitIntoBasis(const PacketCall& call, const aMatrix* basis) {
-    PacketList splits;
-    if (auto failure = checkBasis(call, basis, splits)) return fail(call.context, failure);
-    if (interrupted(call.context)) return fail(call.context, interruption());
-    return transformPackets(call, splitPackets, splits);
+Result<aMatrix*> splitIntoBasis(const PacketCall& call, const FilterBank& bank, const aMatrix* basis) {
+    const auto splits = readSplits(call, bank, basis);
+    if (!splits) return splits.failure();
+    if (interrupted(call.context)) return Code::Interrupted;
+    return transformPackets(call, bank, splitPackets, *splits);
 }
 
-aMatrix* mergeFromBasis(const PacketCall& call, const aMatrix* basis) {
-    if (auto failure = selectWavelet(call.context, call.wavelet)) return fail(call.context, failure);
-    PacketList splits;
-    if (auto failure = checkBasis(call, basis, splits)) return fail(call.context, failure);
-    return transformPackets(call, mergePackets, splits);
+Result<aMatrix*> mergeFromBasis(const PacketCall& call, const aMatrix* basis) {
+    const auto bank = selectWavelet(call.context, call.wavelet);
+    if (!bank) return bank.failure();
+    const auto splits = readSplits(call, *bank, basis);
+    if (!splits) return splits.failure();
+    return transformPackets(call, *bank, mergePackets, *splits);
 }
 
 // A scalar asks for the table, an array for the coefficients of a basis.
-aMatrix* analysePackets(const PacketCall& call, const Anyval* levelOrBasis) {
-    if (auto failure = selectWavelet(call.context, call.wavelet)) return fail(call.context, failure);
+Result<aMatrix*> analysePackets(const PacketCall& call, const Anyval* levelOrBasis) {
+    const auto bank = selectWavelet(call.context, call.wavelet);
+    if (!bank) return bank.failure();
     switch (tagOf(levelOrBasis)) {
         case TagScalar:
-            return packetTable(call, static_cast<const aComplex*>(levelOrBasis));
+            return packetTable(call, *bank, static_cast<const aComplex*>(levelOrBasis));
         case TagArray:
-            return splitIntoBasis(call, static_cast<const aMatrix*>(levelOrBasis));
+            return splitIntoBasis(call, *bank, static_cast<const aMatrix*>(levelOrBasis));
         case TagFunction:
         case TagFunctionAlt:
         case TagUnsupported:
-            return fail(call.context, {"illegal context", formPosition});
+            return Failure(Code::IllegalContext, formPosition);
         default:
-            return fail(call.context, {"EfiMustBeScalarOrArray", formPosition});
+            return Failure(Code::MustBeScalarOrArray, formPosition);
     }
 }
 
 }  // namespace
 
 aMatrix* wpt(EfiCallContext* context, aMatrix* data, Anyval* levelOrBasis, aMatrix* filter) {
-    return analysePackets({context, periodicBoundary, data, {waveletPosition, filter}}, levelOrBasis);
+    return toHost(context,
+                  analysePackets({context, periodicBoundary, data, {waveletPosition, filter}}, levelOrBasis));
 }
 
 aMatrix* wpt(EfiCallContext* context, aMatrix* data, Anyval* levelOrBasis, aMatrix* filter,
              aMatrix* offsets) {
-    return analysePackets({context, periodicBoundary, data, {waveletPosition, filter, offsets}},
-                          levelOrBasis);
+    return toHost(
+        context,
+        analysePackets({context, periodicBoundary, data, {waveletPosition, filter, offsets}}, levelOrBasis));
 }
 
 aMatrix* wpt(EfiCallContext* context, aMatrix* data, Anyval* levelOrBasis, aMatrix* filter, aMatrix* offsets,
              aMatrix* flips) {
-    return analysePackets({context, periodicBoundary, data, {waveletPosition, filter, offsets, flips}},
-                          levelOrBasis);
+    return toHost(context,
+                  analysePackets({context, periodicBoundary, data, {waveletPosition, filter, offsets, flips}},
+                                 levelOrBasis));
 }
 
 aMatrix* iwpt(EfiCallContext* context, aMatrix* coefficients, aMatrix* basis, aMatrix* filter) {
-    return mergeFromBasis({context, periodicBoundary, coefficients, {waveletPosition, filter}}, basis);
+    return toHost(
+        context, mergeFromBasis({context, periodicBoundary, coefficients, {waveletPosition, filter}}, basis));
 }
 
 aMatrix* iwpt(EfiCallContext* context, aMatrix* coefficients, aMatrix* basis, aMatrix* filter,
               aMatrix* offsets) {
-    return mergeFromBasis({context, periodicBoundary, coefficients, {waveletPosition, filter, offsets}},
-                          basis);
+    return toHost(
+        context,
+        mergeFromBasis({context, periodicBoundary, coefficients, {waveletPosition, filter, offsets}}, basis));
 }
 
 aMatrix* iwpt(EfiCallContext* context, aMatrix* coefficients, aMatrix* basis, aMatrix* filter,
               aMatrix* offsets, aMatrix* flips) {
-    return mergeFromBasis(
-        {context, periodicBoundary, coefficients, {waveletPosition, filter, offsets, flips}}, basis);
+    return toHost(
+        context,
+        mergeFromBasis({context, periodicBoundary, coefficients, {waveletPosition, filter, offsets, flips}},
+                       basis));
 }
 
 aMatrix* wpts(EfiCallContext* context, aMatrix* data, Anyval* levelOrBasis, aMatrix* filter) {
-    return analysePackets({context, symmetricBoundary, data, {waveletPosition, filter}}, levelOrBasis);
+    return toHost(
+        context, analysePackets({context, symmetricBoundary, data, {waveletPosition, filter}}, levelOrBasis));
 }
 
 aMatrix* iwpts(EfiCallContext* context, aMatrix* coefficients, aMatrix* basis, aMatrix* filter) {
-    return mergeFromBasis({context, symmetricBoundary, coefficients, {waveletPosition, filter}}, basis);
+    return toHost(context, mergeFromBasis(
+                               {context, symmetricBoundary, coefficients, {waveletPosition, filter}}, basis));
 }
 
 aMatrix* wpti(EfiCallContext* context, aMatrix* data, Anyval* levelOrBasis, aMatrix* filter) {
-    return analysePackets({context, intervalBoundary, data, {waveletPosition, filter}}, levelOrBasis);
+    return toHost(context,
+                  analysePackets({context, intervalBoundary, data, {waveletPosition, filter}}, levelOrBasis));
 }
 
 aMatrix* iwpti(EfiCallContext* context, aMatrix* coefficients, aMatrix* basis, aMatrix* filter) {
-    return mergeFromBasis({context, intervalBoundary, coefficients, {waveletPosition, filter}}, basis);
+    return toHost(
+        context, mergeFromBasis({context, intervalBoundary, coefficients, {waveletPosition, filter}}, basis));
 }

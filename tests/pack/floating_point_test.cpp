@@ -20,29 +20,26 @@ constexpr double largest = std::numeric_limits<double>::max();
 // volatile, since a unit of more range than double overflows when it stores.
 using Worker = aComplex* (*)(EfiCallContext*, aComplex*);
 
-const Worker invert = [](EfiCallContext* context, aComplex* x) {
-    return undula::newScalar(context, 1.0 / x->re);
-};
-const Worker square = [](EfiCallContext* context, aComplex* x) {
-    return undula::newScalar(context, x->re * x->re);
-};
-const Worker cancel = [](EfiCallContext* context, aComplex* x) {
-    return undula::newScalar(context, x->re - x->re);
-};
-const Worker add = [](EfiCallContext* context, aComplex* x) {
-    return undula::newScalar(context, 1.0 + x->re);
-};
+aComplex* scalar(EfiCallContext* context, double value) {
+    return undula::toHost(context, undula::newScalar(context, value));
+}
+
+const Worker invert = [](EfiCallContext* context, aComplex* x) { return scalar(context, 1.0 / x->re); };
+const Worker square = [](EfiCallContext* context, aComplex* x) { return scalar(context, x->re * x->re); };
+const Worker cancel = [](EfiCallContext* context, aComplex* x) { return scalar(context, x->re - x->re); };
+const Worker add = [](EfiCallContext* context, aComplex* x) { return scalar(context, 1.0 + x->re); };
 const Worker squareInvertAndCancel = [](EfiCallContext* context, aComplex* x) {
     const volatile double infinite = 1.0 / (x->re - largest) + x->re * x->re;
-    return undula::newScalar(context, infinite - infinite);
+    return scalar(context, infinite - infinite);
 };
 const Worker squareAndCancel = [](EfiCallContext* context, aComplex* x) {
     const volatile double infinite = x->re * x->re;
-    return undula::newScalar(context, infinite - infinite);
+    return scalar(context, infinite - infinite);
 };
 const Worker squareAndComplain = [](EfiCallContext* context, aComplex* x) -> aComplex* {
     const volatile double infinite = x->re * x->re;
-    return undula::fail(context, {std::isinf(infinite) ? "mine" : "no overflow", 1});
+    return static_cast<aComplex*>(
+        undula::makeError(context, std::isinf(infinite) ? "mine" : "no overflow", 1));
 };
 
 class FloatingPoint : public PackTest {

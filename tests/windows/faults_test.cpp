@@ -55,7 +55,7 @@ ControlWord seen = 0;
 
 aComplex* look(EfiCallContext* context, aComplex* x) {
     seen = controlWord();
-    return undula::newScalar(context, x->re);
+    return undula::toHost(context, undula::newScalar(context, x->re));
 }
 
 class Faults : public PackTest {
@@ -158,7 +158,7 @@ struct Counted {
 
 aComplex* divideAtOnce(EfiCallContext* context, aComplex* x) {
     const Counted counted;
-    return undula::newScalar(context, 1.0 / x->re);
+    return undula::toHost(context, undula::newScalar(context, 1.0 / x->re));
 }
 
 aComplex* divideDeepDown(EfiCallContext* context, aComplex* x) {
@@ -168,7 +168,7 @@ aComplex* divideDeepDown(EfiCallContext* context, aComplex* x) {
         const Counted inner;
         sum += quotient(i + 1.0, i + x->re);
     }
-    return undula::newScalar(context, sum);
+    return undula::toHost(context, undula::newScalar(context, sum));
 }
 
 // Nothing after the division may throw, in the eyes of a compiler, while the object lives.
@@ -182,7 +182,7 @@ aComplex* divideDeepDown(EfiCallContext* context, aComplex* x) {
 }
 aComplex* divideAtTheEndOfAScope(EfiCallContext* context, aComplex* x) {
     const double quotient = divideLast(x->re);
-    return undula::newScalar(context, quotient);
+    return undula::toHost(context, undula::newScalar(context, quotient));
 }
 
 // The first instruction of the protected region.
@@ -193,11 +193,11 @@ aComplex* faultAtFirst(EfiCallContext* context, aComplex* x) {
     } catch (const SE_FPE_Exception& fault) {
         answer = fault.exceptionCode;
     }
-    return undula::newScalar(context, answer);
+    return undula::toHost(context, undula::newScalar(context, answer));
 }
 
 aComplex* leavePending(EfiCallContext* context, aComplex*) {
-    aComplex* result = undula::newScalar(context, 1.0);
+    aComplex* result = undula::toHost(context, undula::newScalar(context, 1.0));
     leaveFault();
     return result;
 }
@@ -211,13 +211,13 @@ aComplex* faultThenCall(EfiCallContext* context, aComplex*) {
 // All eight registers are full at the fault.
 aComplex* divideWithAFullStack(EfiCallContext* context, aComplex* x) {
     asm volatile("fld1\n fld1\n fld1\n fld1\n fld1\n fld1\n fld1\n fld1\n fdivl %0\n fwait" : : "m"(x->re));
-    return undula::newScalar(context, 1.0);
+    return undula::toHost(context, undula::newScalar(context, 1.0));
 }
 
 template <double (*function)(double)>
 aComplex* apply(EfiCallContext* context, aComplex* x) {
     const Counted counted;
-    return undula::newScalar(context, function(x->re));
+    return undula::toHost(context, undula::newScalar(context, function(x->re)));
 }
 
 double floorOfSquare(double x) {
@@ -236,13 +236,13 @@ double cosOfSquare(double x) {
 aComplex* divideIntegers(EfiCallContext* context, aComplex* x) {
     const Counted counted;
     volatile int zero = static_cast<int>(x->re);
-    return undula::newScalar(context, 7 / zero);
+    return undula::toHost(context, undula::newScalar(context, 7 / zero));
 }
 
 aComplex* readNowhere(EfiCallContext* context, aComplex* x) {
     const Counted counted;
     const volatile double* volatile nowhere = reinterpret_cast<const double*>(static_cast<int>(x->re) + 16);
-    return undula::newScalar(context, *nowhere);
+    return undula::toHost(context, undula::newScalar(context, *nowhere));
 }
 
 }  // namespace
@@ -348,7 +348,7 @@ LONG CALLBACK countAndSkip(EXCEPTION_POINTERS* exception) {
 
 aComplex* makeAnotherThreadFault(EfiCallContext* context, aComplex* x) {
     std::thread([] { asm volatile("ud2"); }).join();
-    return undula::newScalar(context, x->re);
+    return undula::toHost(context, undula::newScalar(context, x->re));
 }
 
 }  // namespace

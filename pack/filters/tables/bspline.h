@@ -6,6 +6,8 @@
 // Table 8.3. Exact binary fractions, sum 1. The filters are symmetric.
 #pragma once
 
+#include "filters/tables/published.h"
+
 namespace undula::tables {
 
 // The B-splines of order 1 to 3: binomial coefficients over 2^m.
@@ -158,6 +160,22 @@ inline constexpr double dualSpline3_9[] = {
     469.0 / 131072,
     189.0 / 131072,
     -63.0 / 131072,
+};
+
+// A pair: the dual, which is the analysis filter, and the spline.
+struct PublishedPair {
+    Published dual;
+    Published spline;
+
+    template <std::size_t n, std::size_t m>
+    constexpr PublishedPair(const double (&ofDual)[n], const double (&ofSpline)[m])
+        : dual(ofDual, Scaling::TimesRoot), spline(ofSpline, Scaling::TimesRoot) {}
+};
+
+inline constexpr PublishedPair bsplines[] = {
+    {dualSpline1_1, spline1}, {dualSpline1_3, spline1}, {dualSpline1_5, spline1}, {dualSpline2_2, spline2},
+    {dualSpline2_4, spline2}, {dualSpline2_6, spline2}, {dualSpline2_8, spline2}, {dualSpline3_1, spline3},
+    {dualSpline3_3, spline3}, {dualSpline3_5, spline3}, {dualSpline3_7, spline3}, {dualSpline3_9, spline3},
 };
 
 }  // namespace undula::tables

@@ -4,6 +4,8 @@
 // taps), sum 1. The fifth value for 6 taps, misprinted in some copies of the table, is the right one.
 #pragma once
 
+#include "filters/tables/published.h"
+
 namespace undula::tables {
 
 inline constexpr double coiflet6[] = {
@@ -109,6 +111,11 @@ inline constexpr double coiflet30[] = {
     0.0000014593,
     -0.0000001184,
     -0.0000000673,
+};
+
+inline constexpr Published coiflets[] = {
+    {coiflet6, Scaling::TimesRoot},  {coiflet12, Scaling::TimesRoot}, {coiflet18, Scaling::TimesRoot},
+    {coiflet24, Scaling::TimesRoot}, {coiflet30, Scaling::TimesRoot},
 };
 
 }  // namespace undula::tables

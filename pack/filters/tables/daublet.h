@@ -5,6 +5,8 @@
 // sum sqrt(2).
 #pragma once
 
+#include "filters/tables/published.h"
+
 namespace undula::tables {
 
 inline constexpr double daublet4[] = {
@@ -140,6 +142,13 @@ inline constexpr double daublet20[] = {
     -0.0001164668551285,
     0.0000935886703202,
     -0.0000132642028945,
+};
+
+inline constexpr double haar[] = {1.0, 1.0};
+
+inline constexpr Published daublets[] = {
+    {haar, Scaling::DividedByRoot}, {daublet4},  {daublet6},  {daublet8},  {daublet10},
+    {daublet12},                    {daublet14}, {daublet16}, {daublet18}, {daublet20},
 };
 
 }  // namespace undula::tables

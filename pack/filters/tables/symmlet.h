@@ -5,6 +5,8 @@
 // centre of mass right of the middle for 18 and 20: the published rows reversed except for 16 and 18.
 #pragma once
 
+#include "filters/tables/daublet.h"
+
 namespace undula::tables {
 
 inline constexpr double symmlet8[] = {
@@ -124,6 +126,19 @@ inline constexpr double symmlet20[] = {
     -0.012220642630,
     0.000135245020,
     0.001089170447,
+};
+
+// With 4 and 6 taps there is no choice: the filters are those of extremal phase.
+inline constexpr Published symmlets[] = {
+    {daublet4},
+    {daublet6},
+    {symmlet8, Scaling::DividedByRoot},
+    {symmlet10, Scaling::DividedByRoot},
+    {symmlet12, Scaling::DividedByRoot},
+    {symmlet14, Scaling::DividedByRoot},
+    {symmlet16, Scaling::DividedByRoot},
+    {symmlet18, Scaling::DividedByRoot},
+    {symmlet20, Scaling::DividedByRoot},
 };
 
 }  // namespace undula::tables
