@@ -86,6 +86,8 @@ bool hasLevel(const Treatment& treatment, const FilterBank& bank, std::uint64_t 
 constexpr int waveletPosition = 5;
 
 struct Signal {
+    static constexpr int dimensions = 1;
+
     EfiCallContext* context;
     const Treatment& treatment;
     const aComplex* x;
@@ -114,18 +116,18 @@ Failure checkSymmetricRange(const Signal& s, const FilterBank& bank) {
                                                                      : Failure(Code::InvalidLevel, 4);
 }
 
-Failure checkSignal(const Signal& s, const FilterBank& bank) {
+Failure check(const Signal& s, const FilterBank& bank) {
     if (auto failure = requireReal(s.x, 1)) return failure;
     if (auto failure = requireRealVector(s.context, s.data, 2)) return failure;
     if (auto failure = requireRealFrom(3, s.level, s.index)) return failure;
     return &s.treatment == &periodic ? checkPeriodicRange(s, bank) : checkSymmetricRange(s, bank);
 }
 
-Result<double> sumSignal(const Signal& s, const FilterBank& bank) {
+Result<double> sum(const Signal& s, const FilterBank& bank) {
     const double scaledPoint = std::exp2(-s.level->re) * s.x->re;
     const Side side(s.treatment, bank, s.length(), asIndex(s.level->re), asIndex(s.index->re), scaledPoint);
     const FilterSet duals = synthesisSet(bank);
-    double sum = 0.0;
+    double total = 0.0;
     for (std::int64_t m = side.firstShift; m <= side.lastShift; ++m) {
         if (interrupted(s.context)) return Code::Interrupted;
         const PointArguments point = {side.offset(m), 0.0, 0.0, s.index->re};
@@ -134,18 +136,9 @@ Result<double> sumSignal(const Signal& s, const FilterBank& bank) {
         const std::int64_t place = side.place(m);
         const double coefficient =
             place < 0 ? 0.0 : side.sign(m) * element(s.data, static_cast<int>(place), 0);
-        sum += *value * coefficient;
+        total += *value * coefficient;
     }
-    return sum;
-}
-
-Result<double> interpolate(const Signal& s, const WaveletArguments& wavelet) {
-    const auto bank = selectWavelet(s.context, wavelet);
-    if (!bank) return bank.failure();
-    if (auto failure = checkSignal(s, *bank)) return failure;
-    const auto sum = sumSignal(s, *bank);
-    if (!sum) return sum;
-    return std::exp2(-0.5 * s.level->re) * *sum;
+    return total;
 }
 
 // ---- two dimensions ----
@@ -153,6 +146,8 @@ Result<double> interpolate(const Signal& s, const WaveletArguments& wavelet) {
 constexpr int waveletPosition2d = 7;
 
 struct Image {
+    static constexpr int dimensions = 2;
+
     EfiCallContext* context;
     const Treatment& treatment;
     const aComplex* x;
@@ -172,7 +167,7 @@ Failure checkImageScalars(const Image& image) {
     return requireRealFrom(4, image.level, image.indexX, image.indexY);
 }
 
-Failure checkImage(const Image& image, const FilterBank& bank) {
+Failure check(const Image& image, const FilterBank& bank) {
     if (auto failure = checkImageScalars(image)) return failure;
     if (auto failure = requireSuitable(image.treatment.boundary, bank, waveletPosition2d)) return failure;
     if (auto failure = requireLevel(image.level->re, 4)) return failure;
@@ -187,7 +182,7 @@ Failure checkImage(const Image& image, const FilterBank& bank) {
     return isPacketOf(image.indexY->re, level) ? Failure() : Failure(Code::InvalidPacketIndex, 6);
 }
 
-Result<double> sumImage(const Image& image, const FilterBank& bank) {
+Result<double> sum(const Image& image, const FilterBank& bank) {
     const std::uint32_t level = asIndex(image.level->re);
     const double scale = std::exp2(-image.level->re);
     const Side down(image.treatment, bank, image.rows(), level, asIndex(image.indexX->re),
@@ -195,7 +190,7 @@ Result<double> sumImage(const Image& image, const FilterBank& bank) {
     const Side along(image.treatment, bank, image.cols(), level, asIndex(image.indexY->re),
                      scale * image.y->re);
     const FilterSet duals = synthesisSet(bank);
-    double sum = 0.0;
+    double total = 0.0;
     for (std::int64_t my = along.firstShift; my <= along.lastShift; ++my) {
         for (std::int64_t mx = down.firstShift; mx <= down.lastShift; ++mx) {
             const PlaneArguments point = {down.offset(mx),  along.offset(my), 0.0, 0.0, 0.0,
@@ -206,19 +201,20 @@ Result<double> sumImage(const Image& image, const FilterBank& bank) {
             const std::int64_t col = along.place(my);
             if (row < 0 || col < 0) continue;
             const double coefficient = element(image.data, static_cast<int>(row), static_cast<int>(col));
-            sum += *value * (down.sign(mx) * along.sign(my) * coefficient);
+            total += *value * (down.sign(mx) * along.sign(my) * coefficient);
         }
     }
-    return sum;
+    return total;
 }
 
-Result<double> interpolate(const Image& image, const WaveletArguments& wavelet) {
-    const auto bank = selectWavelet(image.context, wavelet);
+template <class Data>
+Result<double> interpolate(const Data& data, const WaveletArguments& wavelet) {
+    const auto bank = selectWavelet(data.context, wavelet);
     if (!bank) return bank.failure();
-    if (auto failure = checkImage(image, *bank)) return failure;
-    const auto sum = sumImage(image, *bank);
-    if (!sum) return sum;
-    return std::exp2(-image.level->re) * *sum;
+    if (auto failure = check(data, *bank)) return failure;
+    const auto value = sum(data, *bank);
+    if (!value) return value;
+    return std::exp2(-0.5 * Data::dimensions * data.level->re) * *value;
 }
 
 template <class Data>

@@ -34,6 +34,8 @@ struct FilterBank {
     EdgeRows BLhi = nullptr;
     EdgeRows BRlo = nullptr;
     EdgeRows BRhi = nullptr;
+    // What no transform reads, part of the record all the same: rows derived from the boundary filters,
+    // always null here, and whether the high-pass filters were negated, which they have been by now.
     EdgeRows edgeAuxA = nullptr;
     EdgeRows edgeAuxB = nullptr;
     std::int32_t flipA = 0;

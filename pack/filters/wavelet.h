@@ -1,7 +1,9 @@
 // The wavelets: objects that know everything a transform needs to know of a filter bank.
 //
-// The order of the operations is fixed. Objects are never destroyed while the library is loaded, so
-// that what has been selected stays valid.
+// The operations and their order are fixed, those included that the pack itself has no use for: the
+// lengths of the high-pass filters, which are those of the other channel's low-pass filters, and the
+// auxiliary edge rows. Objects are never destroyed while the library is loaded, so that what has been
+// selected stays valid.
 #pragma once
 
 #include <cstdint>
