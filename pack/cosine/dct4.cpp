@@ -93,10 +93,12 @@ Code Dct4::transformEven(const Plan& plan, double* line) {
     return Code::None;
 }
 
-// The samples, followed by three times as many zeros; the coefficients stand at the odd places.
+// The samples, followed by three times as many zeros; the coefficients stand at the odd places. The
+// zeros are written each time, as the service may have used the column for its work.
 Code Dct4::transformOdd(const Plan& plan, double* line) {
     const auto length = static_cast<std::size_t>(plan.length);
-    std::copy_n(line, length, plan.column.re);
+    std::fill_n(std::copy_n(line, length, plan.column.re), 3 * length, 0.0);
+    std::fill_n(plan.column.im, 4 * length, 0.0);
     FourierResult z;
     const Code code = service.transform(service.host, plan.column, z);
     if (code != Code::None) return code;
