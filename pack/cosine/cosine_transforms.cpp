@@ -90,12 +90,14 @@ aVector* cosineTable(EfiCallContext* context, const aMatrix* data, const aComple
     if (auto failure = sampleBells(context, data, levels, bell, bells)) return fail(context, failure);
     if (isSignal(data) && interrupted(context)) return fail(context, interruption());
 
+    const double scale = makeRoom(blockOf(data, copy));
     Dct4 dct(fourierOf(context));
     for (std::uint32_t j = 0; j <= levels; ++j) {
         if (!isSignal(data) && interrupted(context)) return fail(context, interruption());
         const Code code =
             cosineLevel(blockOf(data, copy), j, bells, table.level(j), blockOf(data, scratch), dct);
         if (auto failure = failureAt(code, 0)) return fail(context, failure);
+        multiply(table.level(j), scale);
     }
     return table.result(context);
 }
@@ -153,10 +155,12 @@ aMatrix* mergeFromCosines(const Inverse& call) {
     if (auto failure = sampleBells(call.context, coefficients, level, call.bell, bells))
         return fail(call.context, failure);
 
+    const double scale = makeRoom(blockOf(coefficients, work));
     Dct4 dct(fourierOf(call.context));
     const Code code = mergeCosines(basis.rows, bells, blockOf(coefficients, work),
                                    blockOf(coefficients, result), pollOf(call.context), dct);
     if (auto failure = failureAt(code, 0)) return fail(call.context, failure);
+    multiply(blockOf(coefficients, result), scale);
     return resultMatrix(call.context, coefficients->rows, coefficients->cols, result);
 }
 

@@ -1,6 +1,8 @@
 #include "cosine/local_cosine.h"
 
 #include <algorithm>
+#include <cmath>
+#include <span>
 
 #include "cosine/folding.h"
 #include "dwt/subband_layout.h"
@@ -108,8 +110,13 @@ Code forEachPacket(const Block& data, const PacketList& basis, Visit visit) {
     return Code::None;
 }
 
+// Of a block whose columns follow each other without a gap.
+std::span<double> numbersOf(const Block& data) {
+    return {data.origin, static_cast<std::size_t>(data.rows) * data.cols};
+}
+
 void clear(const Block& data) {
-    std::fill_n(data.origin, static_cast<std::size_t>(data.rows) * data.cols, 0.0);
+    std::ranges::fill(numbersOf(data), 0.0);
 }
 
 Code mergeSignal(const PacketList& basis, const Bells& bells, const Block& work, const Block& result,
@@ -142,11 +149,24 @@ Code mergeImage(const PacketList& basis, const Bells& bells, const Block& work, 
         foldDown(unfold, result, packet, bells.down, work);
         return Code::None;
     });
-    std::copy_n(work.origin, static_cast<std::size_t>(work.rows) * work.cols, result.origin);
+    std::ranges::copy(numbersOf(work), result.origin);
     return Code::None;
 }
 
 }  // namespace
+
+double makeRoom(const Block& data) {
+    // Fewer than 2^29 numbers: no sum of them, folded and transformed, is 2^40 times the largest.
+    const auto isLarge = [](double x) { return std::isgreaterequal(std::fabs(x), 0x1p984); };
+    if (std::ranges::none_of(numbersOf(data), isLarge)) return 1.0;
+    multiply(data, 0x1p-40);
+    return 0x1p40;
+}
+
+void multiply(const Block& data, double factor) {
+    if (factor == 1.0) return;
+    for (double& number : numbersOf(data)) number *= factor;
+}
 
 Code cosineLevel(const Block& data, std::uint32_t level, const Bells& bells, const Block& out,
                  const Block& scratch, Dct4& dct) {
