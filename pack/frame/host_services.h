@@ -28,6 +28,10 @@ inline int tagOf(const Anyval* value) {
 inline bool isError(const Anyval* value) {
     return tagOf(value) == TagError;
 }
+// Whether a worker has failed: with an error value, or with null, as the host could not make one.
+inline bool failed(const Anyval* result) {
+    return result == nullptr || isError(result);
+}
 
 // A scalar that one worker hands to another; the host never sees it.
 inline aComplex scalarOf(double value) {

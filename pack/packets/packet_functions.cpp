@@ -138,7 +138,7 @@ aMatrix* evaltbl(EfiCallContext* context, aVector* tableValue, aLambda* function
     if (auto failure = readTable(context, tableValue, table)) return fail(context, failure);
     const bool isSignal = table.cols < 2;
     aMatrix* list = newList(context, packetCount(table), isSignal ? 3 : 4);
-    if (isError(list)) return list;
+    if (failed(list)) return list;
 
     const PacketFunction f = {context, function, 2};
     int row = 0;
@@ -164,7 +164,7 @@ aMatrix* evalbs(EfiCallContext* context, aMatrix* coefficients, aMatrix* matrix,
     if (auto failure = checkBasisArguments(context, coefficients, matrix, basis))
         return fail(context, failure);
     aMatrix* list = newList(context, basis.rows.count, matrix->cols + 1);
-    if (isError(list)) return list;
+    if (failed(list)) return list;
     copyElements(matrix, list->re);
 
     const PacketFunction f = {context, function, 3};

@@ -85,7 +85,7 @@ aVector* NewTable::result(EfiCallContext* context) {
     auto numbers = newElements(static_cast<std::uint64_t>(cells), 1);
     if (numbers) std::fill_n(numbers.data(), cells, 0.0);
     auto* vector = static_cast<aVector*>(resultMatrix(context, cells, 1, numbers));
-    for (int j = 0; j < cells && !isError(vector); ++j) {
+    for (int j = 0; j < cells && !failed(vector); ++j) {
         aMatrix* element = newMatrix(context, rows, cols, elements[j]);
         if (element == nullptr || !writeCell(context, vector, j, element))
             return fail(context, outOfMemory());
