@@ -40,10 +40,23 @@ void tinyCall(benchmark::State& state) {
     for ([[maybe_unused]] auto _ : state) benchmark::DoNotOptimize(host.call(entry, arguments));
 }
 
+// A user function is called for every coefficient of every level.
+void bestBasis(benchmark::State& state) {
+    efihost::Host host;
+    constexpr int n = 1 << 14;
+    constexpr int levels = 6;
+    const Value table = host.call(pack(), "wpt", noise(n, 1), levels, host.call(pack(), "daublet", 8));
+    const Value cost = Value::function([](double x) { return x * x; });
+    for ([[maybe_unused]] auto _ : state)
+        benchmark::DoNotOptimize(host.call(pack(), "best_basis", table, cost));
+    state.SetItemsProcessed(state.iterations() * n * (levels + 1));
+}
+
 BENCHMARK_CAPTURE(transform, dwt_signal, "dwt", 1 << 20, 1, 5)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(transform, idwt_signal, "idwt", 1 << 20, 1, 5)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(transform, dwt_image, "dwt", 1024, 1024, 3)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(transform, idwt_image, "idwt", 1024, 1024, 3)->Unit(benchmark::kMillisecond);
 BENCHMARK(tinyCall);
+BENCHMARK(bestBasis)->Unit(benchmark::kMillisecond);
 
 }  // namespace

@@ -7,8 +7,13 @@ namespace undula {
 
 namespace {
 
-double builtInBell(double x) {
-    return std::sin(0.25 * std::numbers::pi * (1.0 - std::cos(std::numbers::pi * x)));
+// Sets r = b(1 - distance) of the built-in bell and sqrt(1 - r^2), whose difference would cancel
+// near the end of the range: they are the cosine and the sine of one angle.
+void sampleBuiltIn(double distance, double& rising, double& falling) {
+    const double sine = std::sin(0.5 * std::numbers::pi * distance);
+    const double angle = 0.5 * std::numbers::pi * sine * sine;
+    rising = std::cos(angle);
+    falling = std::sin(angle);
 }
 
 }  // namespace
@@ -18,11 +23,16 @@ bool sampleBell(std::uint64_t halfLength, double_to_double_func* bell, BellSampl
     samples.falling = Array<double>::uninitialised(halfLength);
     samples.halfLength = static_cast<std::ptrdiff_t>(halfLength);
     if (!samples.rising || !samples.falling) return false;
+    const auto n = static_cast<double>(halfLength);
     for (std::size_t k = 0; k < halfLength; ++k) {
-        const double x = 0.5 + (static_cast<double>(k) + 0.5) / (2.0 * static_cast<double>(halfLength));
-        const double b = bell == nullptr ? builtInBell(x) : bell->evaluate(x);
-        samples.rising[k] = b;
-        samples.falling[k] = std::sqrt(1.0 - b * b);
+        const double midpoint = static_cast<double>(k) + 0.5;
+        if (bell == nullptr) {
+            sampleBuiltIn((n - midpoint) / (2.0 * n), samples.rising[k], samples.falling[k]);
+        } else {
+            const double b = bell->evaluate(0.5 + midpoint / (2.0 * n));
+            samples.rising[k] = b;
+            samples.falling[k] = std::sqrt(1.0 - b * b);
+        }
     }
     return true;
 }

@@ -89,12 +89,14 @@ Result<aMatrix*> cosineTable(EfiCallContext* context, const aMatrix* data, const
     if (!bells) return bells.failure();
     if (isSignal(data) && interrupted(context)) return Code::Interrupted;
 
+    const double scale = makeRoom(blockOf(data, copy));
     Dct4 dct(fourierOf(context));
     for (std::uint32_t j = 0; j <= levels; ++j) {
         if (!isSignal(data) && interrupted(context)) return Code::Interrupted;
         if (auto failure =
                 cosineLevel(blockOf(data, copy), j, *bells, table->level(j), blockOf(data, scratch), dct))
             return failure;
+        multiply(table->level(j), scale);
     }
     return tableValue(context, *table);
 }
@@ -151,10 +153,12 @@ Result<aMatrix*> mergeFromCosines(const Inverse& call) {
     const auto bells = sampleBells(call.context, coefficients, asIndex(call.level->re), call.bell);
     if (!bells) return bells.failure();
 
+    const double scale = makeRoom(blockOf(coefficients, work));
     Dct4 dct(fourierOf(call.context));
     if (auto failure = mergeCosines(basis->rows, *bells, blockOf(coefficients, work),
                                     blockOf(coefficients, result), pollOf(call.context), dct))
         return failure;
+    multiply(blockOf(coefficients, result), scale);
     return newMatrix(call.context, coefficients->rows, coefficients->cols, result);
 }
 

@@ -92,10 +92,12 @@ Failure Dct4::transformEven(const Plan& plan, double* line) {
     return {};
 }
 
-// The samples, followed by three times as many zeros; the coefficients stand at the odd places.
+// The samples, followed by three times as many zeros; the coefficients stand at the odd places. The
+// zeros are written each time, as the service may have used the column for its work.
 Failure Dct4::transformOdd(const Plan& plan, double* line) {
     const auto length = static_cast<std::size_t>(plan.length);
-    std::copy_n(line, length, plan.column.re);
+    std::fill_n(std::copy_n(line, length, plan.column.re), 3 * length, 0.0);
+    std::fill_n(plan.column.im, 4 * length, 0.0);
     const auto z = service.transform(service.host, plan.column);
     if (!z) return z.failure();
     const double scale = std::sqrt(2.0 / static_cast<double>(plan.length));

@@ -1,6 +1,8 @@
 #include "cosine/local_cosine.h"
 
 #include <algorithm>
+#include <cmath>
+#include <span>
 
 #include "cosine/folding.h"
 #include "dwt/subband_layout.h"
@@ -83,8 +85,13 @@ Failure forPlaces(const Block& data, const PacketList& basis, Visit visit) {
     return {};
 }
 
+// Of a block whose columns follow one another without gaps.
+std::span<double> numbersOf(const Block& data) {
+    return {data.origin, data.size()};
+}
+
 void clear(const Block& data) {
-    std::fill_n(data.origin, data.size(), 0.0);
+    std::ranges::fill(numbersOf(data), 0.0);
 }
 
 Failure mergeSignal(const PacketList& basis, const Bells& bells, const Block& work, const Block& result,
@@ -122,6 +129,19 @@ Failure mergeImage(const PacketList& basis, const Bells& bells, const Block& wor
 }
 
 }  // namespace
+
+double makeRoom(const Block& data) {
+    // Fewer than 2^29 numbers: no sum of them, folded and transformed, is 2^40 times the largest.
+    const auto isLarge = [](double x) { return std::isgreaterequal(std::fabs(x), 0x1p984); };
+    if (std::ranges::none_of(numbersOf(data), isLarge)) return 1.0;
+    multiply(data, 0x1p-40);
+    return 0x1p40;
+}
+
+void multiply(const Block& data, double factor) {
+    if (factor == 1.0) return;
+    for (double& number : numbersOf(data)) number *= factor;
+}
 
 Failure cosineLevel(const Block& data, std::uint32_t level, const Bells& bells, const Block& out,
                     const Block& scratch, Dct4& dct) {

@@ -21,6 +21,12 @@ struct Bells {
     const BellSamples& forRows() const { return separate ? along : down; }
 };
 
+// Sums on the way to a coefficient can overflow where the coefficient does not. Divides data that are
+// so large by a power of two, and returns it; 1 for others. What the data become, multiplied by it,
+// overflows where the true value does.
+double makeRoom(const Block& data);
+void multiply(const Block& data, double factor);
+
 // Writes level j of the table of the data into `out`: every packet folded with its neighbours and
 // transformed. `scratch` is a block of the same shape, of images only. Nothing is done to emptiness.
 Failure cosineLevel(const Block& data, std::uint32_t level, const Bells& bells, const Block& out,

@@ -14,9 +14,10 @@ namespace undula {
 // must fault again.
 template <class Kept, class Construct>
 const Kept* keep(Array<double>& storage, Construct construct) {
+    const FaultWatch watch;
     Kept* wavelet = storage ? construct() : nullptr;
     if (wavelet == nullptr) return nullptr;
-    if (pendingFault() != nullptr) {
+    if (watch.faulted()) {
         delete wavelet;
         return nullptr;
     }

@@ -2,10 +2,10 @@
 //
 // A fault of the pack's own arithmetic (division by zero, invalid operation, overflow) becomes
 // the call's result. Where the x87 unit does the arithmetic, the unit traps the fault and the host
-// throws, if it can; so it does with faults of the host and of user functions. Elsewhere those are no
-// business of the pack's, and its own are read from the status flags at the end.
+// throws, if it can; the same holds for faults of the host and of user functions. Elsewhere the pack
+// ignores those, and reads its own from the status flags at the end.
 //
-// All of this stands in a translation unit of its own and is called out of line: a compiler may
+// All of this stands in translation units of its own and is called out of line: a compiler may
 // move arithmetic across flag accesses that it can see.
 #pragma once
 
@@ -25,7 +25,9 @@ class FloatingPointFrame {
  private:
 #if defined(_WIN32)
     unsigned short controlWord;
-    unsigned outerFaults;  // of a call that this one is nested in
+    // Of a call that this one is nested in.
+    bool outerFrame;
+    unsigned outerFaults;
 #else
     std::fenv_t environment;
 #endif
@@ -34,7 +36,10 @@ class FloatingPointFrame {
 // The message of the fault that the pack's arithmetic has raised in this call, or null.
 const char* pendingFault();
 
-// Keeps the pack's faults apart from those of the host while a host service runs.
+// The same as FE_ flags.
+unsigned raisedFaults();
+
+// Keeps the pack's faults and modes apart from the host's while a host service runs.
 class HostServiceScope {
  public:
     HostServiceScope();
@@ -42,9 +47,29 @@ class HostServiceScope {
     HostServiceScope(const HostServiceScope&) = delete;
     HostServiceScope& operator=(const HostServiceScope&) = delete;
 
+#if defined(__SSE2_MATH__)
+ private:
+    unsigned state;
+#elif !defined(_WIN32)
+ private:
+    std::fenv_t state;
+#endif
+};
+
+// Tells the faults that the pack raises while it lives from those that stood before. What it sees,
+// the call reports all the same.
+class FaultWatch {
+ public:
+    FaultWatch();
+    ~FaultWatch();
+    FaultWatch(const FaultWatch&) = delete;
+    FaultWatch& operator=(const FaultWatch&) = delete;
+
+    bool faulted() const;
+
 #if !defined(_WIN32)
  private:
-    unsigned faults;
+    unsigned before;
 #endif
 };
 

@@ -104,12 +104,14 @@ class Search {
         for (std::uint64_t node = 0; node < tree.nodesOf(level); ++node) {
             if (tree.signal && poll()) return false;
             keep(level, node);
-            double sum = 0.0;
+            // Volatile: a register may hold more digits than a double, and decide a tie by them.
+            const volatile double own = costs[at(level, node)];
+            volatile double sum = 0.0;
             for (std::uint64_t child = 0; child < tree.arity(); ++child) {
-                sum += costs[at(level + 1, tree.arity() * node + child)];
+                sum = sum + costs[at(level + 1, tree.arity() * node + child)];
             }
             // Quietly: a cost of NaN lets no parent win.
-            if (!std::isgreater(sum, costs[at(level, node)])) {
+            if (!std::isgreater(sum, own)) {
                 costs[at(level, node)] = sum;
                 fates[at(level, node)] = Fate::Split;
             }

@@ -147,6 +147,15 @@ TEST_F(BestBasis, VisitsPacketsInOrder) {
     }
 }
 
+// The parent's cost is the children's rounded to a double: up in the second case, down in the others.
+TEST_F(BestBasis, SumsCostsToDoubles) {
+    const Value itself = costOf([](double x) { return x; });
+    for (const auto& levels : {std::vector<Numbers>{{0.7999999999999999, 0}, {0.7, 0.1}},
+                               {{0.30000000000000004, 0}, {0.1, 0.2}},
+                               {{0x1p53, 0}, {0x1p53, 1}}})
+        EXPECT_TRUE(same(chosen(levels, itself), basisOfLevel(1, 1)));
+}
+
 TEST_F(BestBasis, LetsNoParentWinByACostThatIsNoNumber) {
     const Value itself = costOf([](double x) { return x; });
     for (const auto& levels : {std::vector<Numbers>{{1, 1}, {2, 2}}, {{1, 1}, {2, inf}}, {{-inf, 1}, {2, 2}}})

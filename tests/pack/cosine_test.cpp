@@ -4,6 +4,7 @@
 #include <numbers>
 #include <numeric>
 
+#include "cosine/bell.h"
 #include "support/packets.h"
 #include "support/robustness.h"
 #include "support/wrong_calls.h"
@@ -160,6 +161,52 @@ TEST_F(CosinePackets, MergesSegmentsOfOddLength) {
     }
 }
 
+// 1 - b^2 = cos^2(pi/2 sin^2(pi x/2)), without the difference in which digits are lost near the end.
+TEST(Bell, KeepsItsDigitsWhereItsComplementIsSmall) {
+    constexpr long double quarter = std::numbers::pi_v<long double> / 2;
+    for (const int n : {1, 4, 100, 1000}) {
+        undula::BellSamples samples;
+        ASSERT_TRUE(undula::sampleBell(static_cast<std::uint64_t>(n), nullptr, samples));
+        for (int k = 0; k < n; ++k) {
+            const auto at = static_cast<std::size_t>(k);
+            const long double sine = std::sin(quarter * (0.5L + (k + 0.5L) / (2 * n)));
+            const long double angle = quarter * sine * sine;
+            EXPECT_NEAR(samples.rising[at], static_cast<double>(std::sin(angle)), 4e-16);
+            EXPECT_NEAR(samples.falling[at] / static_cast<double>(std::cos(angle)), 1, 1e-12)
+                << n << " " << k;
+        }
+    }
+}
+
+// A power of two goes through every sum: so do 2^1018 times the numbers, though some sums overflow.
+TEST_F(CosinePackets, OverflowWhereTheirValuesDo) {
+    const auto times = [](double factor, Numbers values) {
+        for (double& value : values) value *= factor;
+        return values;
+    };
+    const auto expectScaled = [&](const char* name, int rows, int cols, const Arguments& others) {
+        const auto transformed = [&](double factor) {
+            const Numbers data = times(factor, noise(static_cast<std::size_t>(rows * cols)));
+            const Value result = host.call(pack(), name, joined({Value::matrix(rows, cols, data)}, others));
+            return result.anyNested() ? result.nested(1, 0).reals() : result.reals();
+        };
+        EXPECT_EQ(transformed(0x1p1018), times(0x1p1018, transformed(1.0))) << name << rows << cols;
+        const Value largest =
+            Value::matrix(rows, cols, Numbers(static_cast<std::size_t>(rows * cols), 1.7e308));
+        EXPECT_EQ(PackTest::complaintOf(host.callRaw(pack(), name, joined({largest}, others))),
+                  "overflow (0)");
+    };
+    const Value bell = bellOf(smooth);
+    for (const auto& [rows, cols] : {std::pair(64, 1), {4 * 59, 1}, {16, 32}}) {
+        const Value basis = basisOfLevel(cols == 1 ? 1 : 2, 1);
+        expectScaled("cpt", rows, cols, {1});
+        expectScaled("lct", rows, cols, {1, bell});
+        expectScaled("icpt", rows, cols, {1, basis});
+        expectScaled("ilct", rows, cols, {1, basis, bell});
+    }
+    expectScaled("icpt", 2 * 35, 1, {1, basisOfLevel(1, 1)});
+}
+
 TEST_F(CosinePackets, ReadDataWhereverItLies) {
     const Value read = strided(8, 16, noise(8 * 16));
     const Value basis = basisOfLevel(2, 1);
@@ -247,6 +294,24 @@ TEST(CosinePacketsWithOtherTransforms, ReportWhatIsNoColumnOfTheSameLength) {
     host.answer = nullptr;
     // The value that the host itself still holds.
     EXPECT_EQ(host.leaks(), (TestHost::Leaks{1, 0, 0}));
+}
+
+// For an even and an odd length, each several times.
+TEST(CosinePacketsWithOtherTransforms, MayUseTheColumnForTheirWork) {
+    class InPlace : public TestHost {
+        aMatrix* transform(Anyval* column, bool inverse) override {
+            aMatrix* result = TestHost::transform(column, inverse);
+            const auto& used = static_cast<const aMatrix&>(*column);
+            std::fill_n(used.re, used.rows, 7.0);
+            std::fill_n(used.im, used.rows, 7.0);
+            return result;
+        }
+    };
+    TestHost usual;
+    for (const auto& [rows, levels] : {std::pair(32, 2), {4 * 7, 2}}) {
+        const Arguments arguments = {signal(rows), levels, basisOfLevel(1, levels)};
+        EXPECT_TRUE(same(InPlace().call(pack(), "icpt", arguments), usual.call(pack(), "icpt", arguments)));
+    }
 }
 
 TEST(CosinePacketsWithOtherTransforms, ReadPartsThatAreNotThereAsZeros) {

@@ -8,6 +8,7 @@
 #include "frame/host_services.h"
 #include "frame/user_function.h"
 #include "support/failing_new.h"
+#include "support/function_table.h"
 #include "support/robustness.h"
 
 namespace {
@@ -150,6 +151,43 @@ TEST_F(FloatingPoint, BlamesNobodyForFlagsOfUserFunctions) {
     double_to_double_lambda function(context, static_cast<aLambda*>(careless.raw()));
     EXPECT_EQ(function.evaluate(2.0), 2.0);
     EXPECT_EQ(undula::pendingFault(), nullptr);
+}
+
+TEST_F(FloatingPoint, RoundsToNearestWhateverIsLeftBehind) {
+    const auto bell = [](auto afterwards) {
+        return Value::function([=](double x) {
+            const double value = 0.7 * x;
+            afterwards();
+            return value;
+        });
+    };
+    const auto roundUp = [] { std::fesetround(FE_UPWARD); };
+    const Value signal = column(noise(64));
+    const Value table = call("lct", signal, 2, bell([] {}));
+    EXPECT_TRUE(same(call("lct", signal, 2, bell(roundUp)), table));
+    const Value filter = call("daublet", 8);
+    const Value transformed = call("dwt", signal, 3, filter);
+    host.doAlways(roundUp);
+    EXPECT_TRUE(same(call("dwt", signal, 3, filter), transformed));
+}
+
+// Workers are exported, too. Without the frame, the state is that of whoever calls one.
+TEST_F(FloatingPoint, OfAWorkerAloneIsTheCallers) {
+    using Transform = aMatrix*(EfiCallContext*, aMatrix*, aComplex*, aMatrix*);
+    auto* const dwt = reinterpret_cast<Transform*>(pack().symbol(exportedName("dwt", "MSM").c_str()));
+    const Value signal = column({1, 2, 3, 4});
+    const Value level(1);
+    const auto outcome = [&](const Value& filter) {
+        efihost::Call call(host);
+        raiseFaults();
+        const UnusualCaller caller;
+        aMatrix* result = dwt(call.context(), static_cast<aMatrix*>(signal.raw()),
+                              static_cast<aComplex*>(level.raw()), static_cast<aMatrix*>(filter.raw()));
+        const bool undisturbed = caller.undisturbed();
+        return std::pair(complaintOf(call.finish(result)), undisturbed);
+    };
+    EXPECT_EQ(outcome(column({0.1, 0.7, 0.3})), std::pair(std::string("no error"), true));
+    EXPECT_EQ(outcome(column({1e200, 1e200, 1e100})).first, "filter unimplemented (3)");
 }
 
 TEST_F(FloatingPoint, LeavesTheCallersState) {

@@ -74,6 +74,39 @@ class PacketFunctions : public PackTest {
     }
 };
 
+// A host without memory for an error value, wherever in a call that is.
+TEST(HostWithoutErrors, GetsNoResult) {
+    class Wordless : public TestHost {
+        Anyval* makeError(const char*, int) override { return nullptr; }
+    };
+    const Value data = signal(8);
+    const Value table = tableOf(8, 1, 2);
+    const Value basis = basisOfLevel(1, 1);
+    const std::pair<const char*, Arguments> calls[] = {
+        {"evaltbl", {table, sum()}},
+        {"evalbs", {data, basis, sum()}},
+        {"applytbl", {table, unchanged()}},
+        {"applybs", {data, basis, unchanged()}},
+        {"extract_basis", {table, basis}},
+        {"best_basis", {table, Value::function([](double x) { return x; })}},
+        {"wpt", {data, 2, haar()}},
+        {"cpt", {data, 1}},
+        {"dwt", {data, 2, haar()}},
+        {"mother", {0.5, 0, 0, "daub4"}},
+        {"get_detail", {data, 1}},
+        {"wavebs", {3, 2}}};
+    Wordless host;
+    for (const auto& [name, arguments] : calls) {
+        bool happened = true;
+        for (int k = 1; happened; ++k) {
+            host.failAllocation(k);
+            const Value result = host.callRaw(pack(), name, arguments);
+            happened = host.happened();
+            EXPECT_EQ(!result, happened) << name << k;
+        }
+    }
+}
+
 TEST_F(PacketFunctions, AreEvaluatedOnEveryPacketOfATable) {
     for (const auto& [rows, cols, levels] : sizes) {
         const Value table = tableOf(rows, cols, levels);
