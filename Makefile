@@ -7,14 +7,16 @@
 # make fuzz          random calls of every function, for SECONDS=60
 # make windows       the 32-bit Windows libraries, in build/windows/
 # make windows-test  check them, and run the C++ tests as Windows programs under Wine
+# make release-check the long checks before a release, FUZZ=1800 seconds of random calls among them
 # make clean         remove build/ and out/
 #
 # Each installs what it misses (Debian 12; root or sudo). Underneath is CMake: CMakePresets.json.
 # The Python is Debian's, or the one in the setting UNDULA_PYTHON_EXECUTABLE of build/.
 
 SECONDS = 60
+FUZZ = 1800
 
-.PHONY: help build demo test bench lint asan fuzz windows windows-test clean
+.PHONY: help build demo test bench lint asan fuzz windows windows-test release-check clean
 
 help:
 	@sed -n 's/^# make/make/p' Makefile
@@ -66,6 +68,10 @@ windows:
 windows-test: build windows
 	tools/install wine
 	tools/test_windows
+
+release-check:
+	tools/install build test demo lint fuzz windows wine
+	tools/release_check $(FUZZ)
 
 clean:
 	rm -rf build out
