@@ -1,5 +1,5 @@
 # make build         the libraries and the Python package, in build/
-# make demo          take the noise out of a real electrocardiogram; draws out/denoise_ecg.png
+# make demo          remove noise from a real electrocardiogram; draws out/denoise_ecg.png
 # make test          the C++ and the Python tests
 # make bench         time the kernels and transforms, also beside PyWavelets
 # make lint          check the formatting, and the code with clang-tidy
@@ -7,14 +7,16 @@
 # make fuzz          random calls of every function, for SECONDS=60
 # make windows       the 32-bit Windows libraries, in build/windows/
 # make windows-test  check them, and run the C++ tests as Windows programs under Wine
+# make release-check the long checks before a release, FUZZ=1800 seconds of random calls among them
 # make clean         remove build/ and out/
 #
-# Each installs what it misses (Debian 12; root or sudo). Underneath is CMake: CMakePresets.json.
-# The Python is Debian's, or the one in the setting UNDULA_PYTHON_EXECUTABLE of build/.
+# Each installs what is missing (Debian 12; root or sudo). Underneath is CMake: CMakePresets.json.
+# Python is Debian's, or the one that the setting UNDULA_PYTHON_EXECUTABLE of build/ names.
 
 SECONDS = 60
+FUZZ = 1800
 
-.PHONY: help build demo test bench lint asan fuzz windows windows-test clean
+.PHONY: help build demo test bench lint asan fuzz windows windows-test release-check clean
 
 help:
 	@sed -n 's/^# make/make/p' Makefile
@@ -66,6 +68,10 @@ windows:
 windows-test: build windows
 	tools/install wine
 	tools/test_windows
+
+release-check:
+	tools/install build test demo lint fuzz windows wine
+	tools/release_check $(FUZZ)
 
 clean:
 	rm -rf build out

@@ -1,4 +1,4 @@
-// Whole calls, as a host makes them: through the table, with values in and values out.
+// Whole calls, as a host makes them: through the table, from values to values.
 #include <benchmark/benchmark.h>
 
 #include <random>
@@ -32,7 +32,7 @@ void transform(benchmark::State& state, const std::string& function, int rows, i
     state.SetItemsProcessed(state.iterations() * rows * cols);
 }
 
-// What a call costs besides its arithmetic, here one halving of two samples.
+// What a call costs besides its arithmetic, which is one halving of two samples.
 void tinyCall(benchmark::State& state) {
     efihost::Host host;
     const std::vector<Value> arguments = {noise(2, 1), 1, host.call(pack(), "daublet", 2)};

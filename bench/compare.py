@@ -1,10 +1,10 @@
-"""Times transforms beside PyWavelets and SciPy, in one process and turn by turn.
+"""Times transforms beside PyWavelets and SciPy, in one process and taking turns.
 
     PYTHONPATH=build/python python3 bench/compare.py
 
 PyWavelets does the same work: periodic ends, the same filter, results in new arrays. SciPy does the
-transforms of `cpt`, without the folding. A ratio above 1 says that Undula is faster. Times are
-medians, in milliseconds; of wavelet packet tables they are those of one level.
+transforms of `cpt`, without the folding. A ratio above 1 means that Undula is faster. Times are
+medians in milliseconds; for wavelet packet tables, of one level.
 """
 
 import statistics
@@ -62,7 +62,7 @@ def cosine_pair(samples, levels):
 
 
 def medians(*functions):
-    """The median time of each function, all called in turn, after one round that does not count."""
+    """The median time of each function. They are called in turn, after one round that does not count."""
     times = [[] for _ in functions]
     for turn in range(ROUNDS + 1):
         for function, own in zip(functions, times):

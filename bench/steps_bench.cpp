@@ -1,7 +1,7 @@
-// The arithmetic by itself: one level of a filter bank, along a signal and over an image.
+// The arithmetic alone: one level of a filter bank, along a signal and over an image.
 //
-// The data is all zeros: a step that is run on its own results again and again lets other numbers
-// grow to infinity or fade into denormals, and arithmetic on zeros takes its usual time.
+// The data is all zeros: a step runs on its own results again and again, which would make other numbers
+// grow to infinity or fade into denormals. Arithmetic on zeros takes the usual time.
 #include <benchmark/benchmark.h>
 
 #include <vector>
@@ -13,7 +13,7 @@ using namespace undula;
 
 namespace {
 
-// A bank with filters of one length, that has all that any step asks for.
+// A bank with filters of one length, with everything that any step needs.
 class Bank : public FilterBank {
  public:
     explicit Bank(int taps)

@@ -1,4 +1,4 @@
-# Lays the libraries of the compiler's run-time beside those that need them.
+# Copies the compiler's run-time libraries to where the programs are.
 foreach(library libstdc++-6.dll libgcc_s_dw2-1.dll libwinpthread-1.dll)
   execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${library}
     OUTPUT_VARIABLE path OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)

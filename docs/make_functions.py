@@ -12,7 +12,7 @@ PAGE = Path(__file__).with_name("functions.md")
 INTRODUCTION = """\
 # Functions
 
-<!-- Made by docs/make_functions.py from python/undula/functions.toml; edit that file. -->
+<!-- Made by docs/make_functions.py from functions/functions.toml; edit that file. -->
 
 The functions of the pack as Python shows them: `import undula`. Arguments are positional. Every
 function also has its help text: `help(undula.dwt)`.

@@ -4,13 +4,13 @@
 
 The record is the monthly sea surface temperature of the equatorial Pacific. It has a cycle of a year
 and the irregular warm and cold spells of El Nino, a few years apart. The subbands of the plain wavelet
-transform are octaves, too broad for the cycle; the best basis cuts the frequencies finely about it and
-coarsely where little happens. How much better that is tells the share of the energy in the largest 5 %
-of the coefficients.
+transform are octaves, too broad for the cycle; the best basis divides the frequencies finely around it
+and coarsely where little happens. The share of the energy in the largest 5 % of the coefficients shows
+how much better that is.
 
 The cost of the search is the entropy of R. R. Coifman and M. V. Wickerhauser, Entropy-based algorithms
-for best basis selection, IEEE Trans. Information Theory 38 (1992) 713-718. The mean is taken out before,
-and the energy is made 1, for which that entropy is meant.
+for best basis selection, IEEE Trans. Information Theory 38 (1992) 713-718. The mean is removed first,
+and the energy is scaled to 1, as that entropy requires.
 """
 
 import math
@@ -58,7 +58,7 @@ def wavelet_basis(level):
 
 
 def bases_of(signal, wavelet):
-    """The best basis, and of the plain transforms the one of the greatest share."""
+    """The best basis, and that of the plain transform with the greatest share."""
     plain = max(
         (wavelet_basis(level) for level in range(1, LEVELS + 1)),
         key=lambda basis: share(undula.wpt(signal, basis, wavelet)),
@@ -67,13 +67,13 @@ def bases_of(signal, wavelet):
 
 
 def share(coefficients, kept=KEPT):
-    """Of the energy, in the largest coefficients."""
+    """The share of the energy in the largest coefficients."""
     energy = np.sort(coefficients**2)[::-1]
     return energy[: round(kept * len(energy))].sum() / energy.sum()
 
 
 def rebuilt(signal, basis, wavelet):
-    """From the largest coefficients alone."""
+    """The signal, rebuilt from the largest coefficients alone."""
     coefficients = undula.wpt(signal, basis, wavelet)
     smaller = np.argsort(np.abs(coefficients))[: -round(KEPT * len(signal))]
     coefficients[smaller] = 0
@@ -120,7 +120,7 @@ def years(samples):
 
 
 def draw_tiling(axis, name, signal, basis, wavelet):
-    """A packet is a band of frequencies, each of its coefficients a tile of it."""
+    """Draws each packet as a band of frequencies, and each of its coefficients as a tile of the band."""
     packets = undula.evalbs(undula.wpt(signal, basis, wavelet), basis, lambda packet: packet)
     highest = MONTHS / 2
     end = years(len(signal) + 1)[-1]

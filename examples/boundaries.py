@@ -7,19 +7,19 @@ all treatments agree; near the ends they differ, because each has its own idea o
 
 - periodic (`dwt`): the other end of the series;
 - symmetric (`dwts`): the mirror image; for symmetric filters only;
-- interval (`dwti`): nothing; filters of their own serve the ends. These expect the coefficients of
-  certain edge functions there, which samples are not quite: even a constant gets small details.
+- interval (`dwti`): nothing; boundary filters serve the ends. They expect the coefficients of certain
+  edge functions there, and samples are not quite those: even a constant gets small details.
 
-`dwts` takes a series of any length. The other two halve even lengths only: there the series is
-lengthened, by its mirror image at the right end, to the next multiple of 2^4, and the trend is cut to
-the length of the series again. Four numbers are measured for each treatment:
+`dwts` takes a series of any length. The other two halve even lengths only. For them the series is
+extended to the next multiple of 2^4 by its mirror image at the right end, and the trend is cut back
+to the length of the series. Four numbers are measured for each treatment:
 
 - leak: how far the first 50 values of the trend move, at most, when the last 16 values of the
   series are raised by 1;
-- constant, line: how far the trend of a constant 1, and of a straight line that rises by 1 from one
-  sample to the next, is off at most;
-- revision: the series is cut short at many places; the trend of its last 16 values then, against
-  that of the whole series, root mean square in standard deviations.
+- constant, line: the largest error of the trend of a constant 1, and of a straight line that rises
+  by 1 from one sample to the next;
+- revision: the series is cut short at many places, and the trend of its last 16 values is compared with
+  that of the whole series: root mean square, in standard deviations.
 """
 
 import sys
@@ -47,7 +47,7 @@ def lengthened(series):
 
 
 def without_details(coefficients):
-    """The smooth coefficients, ceil(n / 2^4) of them, stand first."""
+    """Sets all but the first ceil(n / 2^4) coefficients, the smooth ones, to zero."""
     kept = coefficients.copy()
     kept[-(-len(kept) // BLOCK) :] = 0
     return kept

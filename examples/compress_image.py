@@ -4,14 +4,14 @@
 
 The cost that the best basis minimises is a Python function of one coefficient. Three are tried: the
 absolute value; the entropy of R. R. Coifman and M. V. Wickerhauser, Entropy-based algorithms for best
-basis selection, IEEE Trans. Information Theory 38 (1992) 713-718; and, for one number of coefficients
-at a time, min(x^2, t^2) with their threshold t. The last is what a coefficient costs when leaving it
-out costs its square and keeping it costs t^2, K. Ramchandran and M. Vetterli, Best wavelet packet bases
-in a rate-distortion sense, IEEE Trans. Image Processing 2 (1993) 160-175.
+basis selection, IEEE Trans. Information Theory 38 (1992) 713-718; and min(x^2, t^2), with a threshold t
+for each number of coefficients. The last is the cost of a coefficient if leaving it out costs its square
+and keeping it costs t^2: K. Ramchandran and M. Vetterli, Best wavelet packet bases in a rate-distortion
+sense, IEEE Trans. Image Processing 2 (1993) 160-175.
 
-The largest coefficients are kept, the others count as zero, and the peak signal-to-noise ratio is
-compared with that of the plain wavelet transform, which is one of the bases searched. Which basis was
-chosen is not counted.
+The largest coefficients are kept, the others are set to zero, and the peak signal-to-noise ratio is
+compared with that of the plain wavelet transform, whose basis is one of those searched. What it takes to
+store the chosen basis is not counted.
 """
 
 import math
@@ -79,13 +79,13 @@ class Compression:
         return self.mean + undula.iwpt(coefficients, basis, FILTER)
 
     def ratio(self, cost, fraction):
-        """The peak signal-to-noise ratio in decibel."""
+        """The peak signal-to-noise ratio in decibels."""
         error = self.rebuilt(self.basis(cost, fraction), fraction) - self.picture
         return 10 * np.log10(WHITE**2 / np.mean(error**2))
 
 
 def wavelet_basis():
-    """The blocks that the plain transform uses: of each level three, and the smooth one."""
+    """The blocks that the plain transform uses: three of each level, and the smooth one."""
     details = [[level, row, col] for level in range(1, LEVELS + 1) for row, col in ((0, 1), (1, 0), (1, 1))]
     return [*details, [LEVELS, 0, 0]]
 

@@ -2,10 +2,10 @@
 
     PYTHONPATH=build/python python3 examples/cosine_packets.py [figure]
 
-The sound is made here, so that what it holds is known: a chord of three notes, a whistle that rises
-fast, and four short bursts of a high tone, in a little noise. A cosine packet table has it in
+The sound is synthetic, so that its parts are known: a chord of three notes, a whistle that rises
+fast, and four short bursts of a high tone, in a little noise. A cosine packet table divides it into
 windows of 8 to 512 ms; the search for the best basis chooses long ones where notes last and short
-ones about the bursts. The picture shows the chosen windows with the energy at each time and frequency,
+ones around the bursts. The picture shows the chosen windows with the energy at each time and frequency,
 and how fast the sound is rebuilt from its largest coefficients, compared with windows of one length.
 
 The cost of the search is the entropy of R. R. Coifman and M. V. Wickerhauser, Entropy-based algorithms
@@ -120,7 +120,7 @@ def draw_sound(axis, samples):
 
 
 def draw_tiling(axis, table, basis):
-    """Each window's coefficients, from the lowest frequency to the highest."""
+    """Draws each window's coefficients, from the lowest frequency to the highest."""
     top = 10 * np.log10(np.max(undula.extract_basis(table, basis) ** 2))
     for level, position in basis.astype(int):
         length = SAMPLES >> level

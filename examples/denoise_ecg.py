@@ -9,7 +9,7 @@ recording is known, the signal-to-noise ratio can be measured before and after.
 The threshold is that of D. L. Donoho and I. M. Johnstone, Ideal spatial adaptation by wavelet
 shrinkage, Biometrika 81 (1994) 425-455: sigma * sqrt(2 ln n), where sigma, the strength of the
 noise, is estimated by the median of the finest details. The recording counts as the clean signal,
-though it has some noise of its own; which filter is best is found out with its help.
+although it has some noise too; it decides which filter is best.
 """
 
 import sys
@@ -59,7 +59,7 @@ def shrink(detail, threshold):
 
 
 def signal_to_noise(clean, other):
-    """In decibel; the mean of the clean signal does not count as signal."""
+    """In decibels; the mean of the clean signal does not count as signal."""
     return 10 * np.log10(np.sum((clean - clean.mean()) ** 2) / np.sum((other - clean) ** 2))
 
 

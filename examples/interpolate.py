@@ -1,10 +1,10 @@
-"""Reads what single packets contribute to a signal, also between its samples.
+"""Shows what single packets contribute to a signal, also between its samples.
 
     PYTHONPATH=build/python python3 examples/interpolate.py [figure]
 
 The sea surface temperatures of the equatorial Pacific, month by month, are split into the eight
 packets of level 3, which are bands of frequency. `waveterp` gives the part of the signal that one
-packet stands for, at any point of time. The parts of all packets, summed, meet the temperatures at
+packet stands for, at any time. The parts of all packets together pass through the temperatures at
 the months and are a curve between them. The dual functions of this pair of splines are made of
 triangles, which the library's table has exactly at its own points, so the sum misses the
 temperatures by rounding only.
@@ -33,7 +33,7 @@ COLORS = ["#00798c", "#edae49", "#d1495b"]
 
 
 def parts_at(months, coefficients):
-    """The part of each packet at these points of time."""
+    """The part of each packet at these times."""
     return np.array([
         undula.evaluate(undula.waveterp, months, coefficients, LEVEL, packet, FILTER)
         for packet in range(2**LEVEL)

@@ -4,10 +4,10 @@
 
 Three levels of the symmetric-extension transform leave a smooth picture of an eighth of the size and
 nine blocks of details: for each level, horizontal structures (H), vertical ones (V) and diagonal
-ones (D). The details are put to zero, all or one letter at a time, and restored again; what each
+ones (D). The details are set to zero, all of them or one letter at a time, and restored again; what each
 contributes is measured by the energy it holds and by the error of the picture without it, as the
-peak signal-to-noise ratio in decibel. The pair of splines is not orthogonal, so energies of the
-subbands do not exactly add up to that of the picture.
+peak signal-to-noise ratio in decibels. The pair of splines is not orthogonal, so the energies of the
+subbands do not add up exactly to that of the picture.
 """
 
 import sys
@@ -30,7 +30,7 @@ LINE = "#edae49"
 
 
 def without(coefficients, letters, levels=range(1, LEVELS + 1)):
-    """The coefficients with the details of these letters and levels put to zero."""
+    """The coefficients with the details of these letters and levels set to zero."""
     for level in levels:
         for letter in letters:
             detail = undula.get_detail2d(coefficients, level, letter)
@@ -77,8 +77,8 @@ def size_of(block):
 
 
 def mosaic(coefficients):
-    """Grey levels for every block: the smooth one as it is, details about a middle grey, those of
-    each level stretched alike."""
+    """Grey levels for every block: the smooth one as it is, details around a middle grey, with one
+    scale for each level."""
     shown = np.empty_like(coefficients)
     for level in range(1, LEVELS + 1):
         details = {letter: undula.get_detail2d(coefficients, level, letter) for letter in LETTERS}

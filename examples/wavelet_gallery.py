@@ -2,10 +2,10 @@
 
     PYTHONPATH=build/python python3 examples/wavelet_gallery.py [folder]
 
-Three sheets: the scaling function and the wavelet of members of every family, for biorthogonal pairs
-with their duals; the packets 0 to 15 of one filter, which are counted by frequency; and the three
-wavelets of the plane. Every point is one value of `father`, `mother`, `wavelet` or `mother2d`, called
-for a whole array by `evaluate`.
+Three sheets: the scaling functions and wavelets of members of every family, with their duals for the
+biorthogonal pairs; the packets 0 to 15 of one filter, which are counted by frequency; and the three
+wavelets of the plane. Every point is one value of `father`, `mother`, `wavelet` or `mother2d`;
+`evaluate` calls them for whole arrays.
 """
 
 import sys
@@ -20,8 +20,8 @@ import numpy as np
 import undula
 
 HERE = Path(__file__).resolve().parent
-SMALLEST = 1e-3  # of the largest value; what is less is left out of the picture
-GRID = 32  # points to a unit at which a scaling function changes; a wavelet has twice as many
+SMALLEST = 1e-3  # of the largest value; the ends below it are left out of the picture
+GRID = 32  # points to a unit at which a scaling function changes; at twice as many a wavelet does
 
 ORTHONORMAL = ["haar", "daub4", "daub8", "daub20", "symm8", "symm20", "coif6", "coif18", "bl1", "bl3"]
 BIORTHOGONAL = ["bs13", "bs24", "bs28", "bs39"]

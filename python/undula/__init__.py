@@ -18,10 +18,10 @@ never modified.
 
 A scalar comes back as a float, a column as a 1-D array, another matrix as a 2-D array, a column of
 nested arrays as a list; with an imaginary part that is not zero, numbers are complex. A function
-that is called back receives its arguments so and answers in the same kinds as arguments; what it
-raises is raised by the call.
+that is called back receives its arguments in the same way, and may return whatever may be an argument;
+what it raises is raised by the call.
 
-A refused call raises `undula.Error`, which tells the function, the message and the argument.
+A refused call raises `undula.Error`, which names the function, the message and the argument.
 
 Many points at once
 -------------------

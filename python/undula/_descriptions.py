@@ -18,7 +18,7 @@ class Argument:
 
 @dataclass(frozen=True)
 class Failure:
-    """An error that a function answers; `argument` is empty when it is about the whole call."""
+    """An error that a function returns; `argument` is empty when it concerns the whole call."""
 
     argument: str
     message: str

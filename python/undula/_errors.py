@@ -2,7 +2,7 @@
 
 
 class Error(ValueError):
-    """A function of the pack has refused its arguments or given up.
+    """A function of the pack refused its arguments or gave up.
 
     Attributes
     ----------
@@ -30,11 +30,11 @@ class Error(ValueError):
 
 
 class OutOfMemoryError(Error, MemoryError):
-    """The result or the working memory of a call could not be had."""
+    """The result or the working memory of a call could not be allocated."""
 
 
 class ArithmeticFault(Error, FloatingPointError):
-    """The arithmetic of a call divided by zero, overflowed or had no result."""
+    """The arithmetic of a call divided by zero, overflowed or was invalid."""
 
 
 _BY_MESSAGE = {
@@ -46,7 +46,7 @@ _BY_MESSAGE = {
 
 
 def error_for(function, message, argument, argument_names):
-    """The exception for an error value that `function` has answered."""
+    """The exception for an error value that `function` returned."""
     named = 0 < argument <= len(argument_names)
     kind = _BY_MESSAGE.get(message, Error)
     return kind(function, message, argument, argument_names[argument - 1] if named else None)

@@ -10,11 +10,11 @@ def evaluate(function, /, *arguments):
     """Values of a function of the pack at each element of arrays.
 
     Wherever the function takes a scalar, an array of numbers may stand: the function is called for
-    each element. Several such arrays have one shape and are gone through together; other arguments
-    are the same in every call. An argument that is itself an array, such as a filter, is passed as
-    a whole.
+    each element. Several such arrays must have the same shape and are gone through together; other
+    arguments are the same in every call. An argument that is itself an array, such as a filter, is
+    passed whole.
 
-    The loop runs in C++, as one turn: other threads of Python run meanwhile, other calls of the pack
+    The loop runs in C++, as one turn: other Python threads keep running, other calls of the pack
     wait. Ctrl-C ends it.
 
     Parameters
@@ -27,14 +27,14 @@ def evaluate(function, /, *arguments):
     Returns
     -------
     array
-        The results, in the shape of the arrays. Without any, what the function itself answers.
+        The results, in the shape of the arrays. Without any array, what the function itself returns.
 
     Raises
     ------
     undula.Error
-        The function refuses its arguments; a note tells for which element.
+        The function refuses its arguments; a note says for which element.
     TypeError
-        It is no function of the pack whose result is a real number, or an array does not hold
+        It is not a function of the pack with a real number as its result, or an array does not hold
         numbers.
     ValueError
         The arrays differ in shape.

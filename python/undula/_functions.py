@@ -10,7 +10,7 @@ LIBRARY = Path(_host.__file__).parents[2] / "lib" / "libundula.so"
 
 
 def load_functions():
-    """Loads the pack. Answers all its functions and the names of those that are described."""
+    """Loads the pack. Returns all its functions and the names of those that are described."""
     descriptions = read_descriptions()
     rows = _host.load(str(LIBRARY))
     functions = {row.name: _function(row, descriptions.get(row.name)) for row in rows}
