@@ -2,6 +2,7 @@
 
 import doctest
 import inspect
+import itertools
 import runpy
 from pathlib import Path
 
@@ -80,6 +81,26 @@ def test_every_error_is_given_as_described(name, argument, message, call):
     names = [form for form in DESCRIPTIONS[name].forms if len(form) >= caught.value.argument]
     place = names[-1].index(argument) + 1 if argument else 0
     assert (caught.value.function, caught.value.message, caught.value.argument) == (name, message, place)
+
+
+@pytest.mark.parametrize("name", DESCRIPTIONS)
+def test_of_two_errors_the_one_described_first_is_given(name):
+    """Of each pair of calls the first one, with the argument that the error of the second one is about."""
+    lists = vars(undula) | {"np": np, name: lambda *arguments: list(arguments)}
+    errors = [(error, eval(error.call, lists)) for error in DESCRIPTIONS[name].errors if error.call]
+    for (error, arguments), (later, others) in itertools.combinations(errors, 2):
+        both = arguments + others[len(arguments) :]
+        names = DESCRIPTIONS[name].argument_names(len(both))
+        place = names.index(error.argument) if error.argument else -1
+        if later.argument in {"", error.argument}:
+            realness = error.message.startswith("must be real") and later.argument not in {"", "table"}
+            if realness and np.isscalar(arguments[place]) == np.isscalar(others[place]):
+                both[place] = np.add(others[place], 1j)
+        else:
+            both[names.index(later.argument)] = others[names.index(later.argument)]
+            if later.argument == "basis" and place != 0:
+                both[0] = others[0]  # the data says whether a basis is wrong
+        assert complaint(name, both) == (error.message, place + 1), (error.call, later.call)
 
 
 def test_only_errors_that_cannot_be_provoked_lack_a_call():
