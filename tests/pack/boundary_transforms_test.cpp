@@ -6,7 +6,6 @@
 
 #include "support/filter_pair.h"
 #include "support/packets.h"
-#include "support/robustness.h"
 #include "support/spline_pairs.h"
 #include "support/wrong_calls.h"
 
@@ -193,19 +192,6 @@ TEST_F(IntervalTransform, InvertsSignalsAndImages) {
         for (int level = 1; level <= 5; ++level)
             expectInverted(signal(shortest << (level - 1)), level, filter.roundTrip());
         expectInverted(image(2 * shortest, 3 * shortest), 2, 2 * filter.roundTrip());
-    }
-}
-
-// A signal polls once a level. An image polls for each column and each row; the inverse symmetric
-// transform once more for each level.
-TEST(BoundaryRobustness, PollsAsOftenAsSaidAndSurvivesEveryTrouble) {
-    for (const char* name : {"dwts", "idwts"}) {
-        expectRobust(name, {signal(37), 5, haar()}, 5);
-        expectRobust(name, {image(13, 7), 2, haar()}, 13 + 7 + 7 + 4 + (name[0] == 'i' ? 2 : 0));
-    }
-    for (const char* name : {"dwti", "idwti"}) {
-        expectRobust(name, {signal(32), 3, daublet4}, 3);
-        expectRobust(name, {image(16, 16), 2, daublet4}, 16 + 16 + 8 + 8);
     }
 }
 

@@ -5,7 +5,6 @@
 #include <numeric>
 
 #include "support/packets.h"
-#include "support/robustness.h"
 #include "support/wrong_calls.h"
 
 using efihost::Callback;
@@ -160,14 +159,6 @@ TEST_F(CosinePackets, MergesSegmentsOfOddLength) {
     }
 }
 
-TEST_F(CosinePackets, ReadDataWhereverItLies) {
-    const Value read = strided(8, 16, noise(8 * 16));
-    const Value basis = basisOfLevel(2, 1);
-    EXPECT_TRUE(same(call("cpt", read, 1), call("cpt", image(8, 16), 1)));
-    EXPECT_TRUE(same(call("icpt", read, 1, basis), call("icpt", image(8, 16), 1, basis)));
-    EXPECT_EQ(numbers("icpt", Value::adopt(8, 1, nullptr), 1, basisOfLevel(1, 1)), Numbers(8));
-}
-
 // One bell for all segments and levels; a taller image has one more, for its rows.
 TEST_F(CosinePackets, SampleTheBellOnceForEachHalfLength) {
     Numbers points;
@@ -255,16 +246,6 @@ TEST(CosinePacketsWithOtherTransforms, ReadPartsThatAreNotThereAsZeros) {
     const Value data = signal(3 * 16);
     EXPECT_EQ(host.call(pack(), "cpt", {data, 3}).nested(3, 0).reals(), Numbers(3 * 16));
     EXPECT_EQ(host.call(pack(), "icpt", {data, 4, basisOfLevel(1, 4)}).reals(), Numbers(3 * 16));
-}
-
-TEST(Robustness, OfCosinePackets) {
-    const Value bell = bellOf(smooth);
-    expectRobust("cpt", {signal(8), 2}, 1);
-    expectRobust("lct", {image(8, 4), 1, bell}, 2);
-    const Value mixed = basisOf(1, {{2, 0}, {1, 1}, {2, 1}, {1, 1}, {2, 0}});
-    expectRobust("icpt", {signal(8), 2, mixed}, 3);
-    expectRobust("icpt", {signal(6), 1, basisOfLevel(1, 1)}, 2);
-    expectRobust("ilct", {image(8, 4), 1, basisOfLevel(2, 1), bell});
 }
 
 namespace {

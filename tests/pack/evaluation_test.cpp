@@ -6,7 +6,6 @@
 
 #include "support/function_table.h"
 #include "support/packets.h"
-#include "support/robustness.h"
 #include "support/spline_pairs.h"
 #include "support/wrong_calls.h"
 
@@ -284,17 +283,6 @@ TEST_F(UnreachedWorkers, EvaluateTheSelectedWavelet) {
         EXPECT_EQ(complaintOf(worker(name, {0, 0.5, 0.5, -1})), "invalid level (4)");
         EXPECT_EQ(complaintOf(worker(name + "2d", {0, 0, 0, 0, twoTo31, 0, 0})), "invalid level (5)");
     }
-}
-
-TEST(EvaluationRobustness, SurvivesEveryTrouble) {
-    expectRobust("father", {0.5, "bl2"});
-    expectRobust("dlmother", {0.5, -1, 0, "bs24"}, 1);
-    expectRobust("dlfather2d", {0.5, 0.5, "symm8"});
-    expectRobust("mother2d", {0.5, 0.5, 1, 0, 0, "coif6", "D"}, 2);
-    expectRobustWithNewFilter("wavelet", {0.5, 0, 0, 9}, 4);
-    expectRobustWithNewFilter("dlwavelet", {0.5, 0, 0, 1}, 1, {1, 1});
-    expectRobustWithNewFilter("wavelet2d", {0.5, 0.2, 0, 0, 0, 5, 2}, 5);
-    expectRobustWithNewFilter("dlwavelet2d", {0.5, 0.2, 0, 0, 0, 1, 0}, 1, {1});
 }
 
 namespace {

@@ -3,7 +3,6 @@
 #include <numbers>
 
 #include "support/packets.h"
-#include "support/robustness.h"
 #include "support/spline_pairs.h"
 #include "support/wrong_calls.h"
 
@@ -131,13 +130,6 @@ TEST_F(WaveletBasis, ListsSmoothPacketAndDetailsFromTheCoarsest) {
     expectRows(0, 2, {{0, 0, 0}});
     expectRows(3, 1, {{3, 0}, {3, 1}, {2, 1}, {1, 1}});
     expectRows(2, 2, {{2, 0, 0}, {2, 0, 1}, {2, 1, 0}, {2, 1, 1}, {1, 0, 1}, {1, 1, 0}, {1, 1, 1}});
-}
-
-TEST(SplineRobustness, SurvivesEveryTrouble) {
-    expectRobust("Bspline", {3, 9});
-    expectRobust({"bl", [](int variant) { return std::vector<Value>{variant % 7}; }});
-    expectRobust("wavebs", {5, 1}, 5);
-    expectRobust("wavebs", {5, 2}, 5);
 }
 
 namespace {

@@ -4,7 +4,6 @@
 #include <numeric>
 
 #include "support/packets.h"
-#include "support/robustness.h"
 #include "support/wrong_calls.h"
 
 namespace {
@@ -32,13 +31,6 @@ Value sum() {
         for (const double x : packet.reals()) total += x;
         return Value(total);
     });
-}
-
-Value tableOf(int rows, int cols, int deepest) {
-    std::vector<Value> cells;
-    for (int j = 0; j <= deepest; ++j)
-        cells.push_back(noisyGrid(rows, cols, static_cast<unsigned>(j + 1)).value());
-    return Value::table(cells);
 }
 
 Value packetOf(const Value& data, const TestPacket& packet) {
@@ -331,20 +323,5 @@ std::vector<ErrorCase> functionErrors() {
 }
 
 INSTANTIATE_TEST_SUITE_P(PacketFunctions, Errors, testing::ValuesIn(functionErrors()), nameOfError);
-
-// --- troubles ---
-
-TEST(PacketFunctionRobustness, PollsAsOftenAsSaidAndSurvivesEveryTrouble) {
-    const Value rows = basisRows({{1, 1}, {2, 0}, {2, 1}});
-    const Value blocks = basisOfLevel(2, 1);
-    for (const Value& f : {unchanged(), sum()}) {
-        expectRobust("evaltbl", {tableOf(5, 1, 2), f});
-        expectRobust("evalbs", {image(4, 5), blocks, f});
-    }
-    expectRobust("applytbl", {tableOf(4, 5, 1), unchanged()});
-    expectRobust("applybs", {signal(5), rows, unchanged()});
-    expectRobust("extract_basis", {tableOf(5, 1, 2), rows}, 3);
-    expectRobust("basis_display2d", {blocks}, 4);
-}
 
 }  // namespace

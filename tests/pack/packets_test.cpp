@@ -4,7 +4,6 @@
 
 #include "support/failing_new.h"
 #include "support/packets.h"
-#include "support/robustness.h"
 #include "support/wrong_calls.h"
 
 namespace {
@@ -324,26 +323,6 @@ TEST_F(Packets, AbsurdBasesCostNoMoreThanTheirRows) {
             }
         }
     }
-}
-
-// --- troubles ---
-
-TEST(PacketRobustness, PollsAsOftenAsSaidAndSurvivesEveryTrouble) {
-    const Value deep = basisRows({{1, 0}, {2, 3}, {3, 4}, {3, 5}});
-    Tiling mixed = {{1, 1, 1}, {1, 0, 1}, {1, 1, 0}, {2, 0, 0}, {2, 0, 1}, {2, 1, 0}, {2, 1, 1}};
-    const Value blocks = basisOf(2, mixed);
-
-    expectRobustWithNewFilter("wpt", {signal(16), 3}, 4);
-    expectRobustWithNewFilter("wpt", {signal(16), 0}, 1);
-    expectRobustWithNewFilter("wpt", {image(8, 4), 2}, 1);
-    expectRobustWithNewFilter("wpt", {signal(16), deep}, 4);
-    expectRobustWithNewFilter("wpt", {image(8, 4), blocks}, 3);
-    expectRobustWithNewFilter("iwpt", {signal(16), deep}, 3);
-    expectRobustWithNewFilter("iwpt", {image(8, 4), blocks}, 2);
-    expectRobust("wpts", {image(5, 7), 2, haar()}, 1);
-    expectRobust("iwpts", {signal(13), deep, haar()}, 3);
-    expectRobust("wpti", {image(16, 16), blocks, column(daublet4)}, 3);
-    expectRobust("iwpti", {signal(64), deep, column(daublet4)}, 3);
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 #include <algorithm>
 
 #include "support/packets.h"
-#include "support/robustness.h"
 #include "support/wrong_calls.h"
 
 namespace {
@@ -79,14 +78,6 @@ TEST_F(Subbands, OfImagesLieWhereTheHalvingsOfBothSidesPutThem) {
     }
 }
 
-TEST_F(Subbands, TreatAbsentArraysAsZeros) {
-    EXPECT_EQ(numbers("get_subband", Value::adopt(8, 1, nullptr), 1, 1), Numbers(4));
-    EXPECT_EQ(numbers("put_smooth", Value::adopt(4, 1, nullptr), 1, column({1, 2})), (Numbers{1, 2, 0, 0}));
-    EXPECT_EQ(numbers("put_smooth", column({1, 2, 3, 4}), 1, Value::adopt(2, 1, nullptr)),
-              (Numbers{0, 0, 3, 4}));
-    EXPECT_EQ(numbers("get_subband", column({1, 2}), -0.0, -0.0), (Numbers{1, 2}));
-}
-
 TEST_F(Subbands, AreListed) {
     const auto expectList = [this](int level, int dimension) {
         host.clear();
@@ -96,26 +87,6 @@ TEST_F(Subbands, AreListed) {
     };
     for (const int level : {0, 1, 2, 3, 5, 13, 20}) expectList(level, 1);
     for (const int level : {0, 1, 2, 4, 10}) expectList(level, 2);
-}
-
-TEST(SubbandRobustness, SurvivesEveryTrouble) {
-    const Value vector = signal(12);
-    const Value half = signal(6);
-    expectRobust("get_subband", {vector, 2, 3});
-    expectRobust("put_subband", {vector, 1, 1, half});
-    for (const char* get : {"get_smooth", "get_detail"}) expectRobust(get, {vector, 1});
-    for (const char* put : {"put_smooth", "put_detail"}) expectRobust(put, {vector, 1, half});
-    expectRobust("create_level", {3, 1}, 8);
-    expectRobust("create_level", {2, 2}, 16);
-
-    const Value matrix = image(6, 4);
-    const Value part = image(3, 2);
-    expectRobust("get_subband2d", {matrix, 1, 1, 0});
-    expectRobust("get_smooth2d", {matrix, 0});
-    expectRobust("get_detail2d", {matrix, 1, "D"});
-    expectRobust("put_subband2d", {matrix, 1, 1, 0, part});
-    expectRobust("put_smooth2d", {matrix, 1, part});
-    expectRobust("put_detail2d", {matrix, 1, part, "V"});
 }
 
 namespace {

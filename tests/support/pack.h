@@ -12,6 +12,12 @@
 using efihost::Value;
 
 using Numbers = std::vector<double>;
+using Arguments = std::vector<Value>;
+
+inline Arguments joined(Arguments first, const Arguments& last) {
+    first.insert(first.end(), last.begin(), last.end());
+    return first;
+}
 
 inline const efihost::Pack& pack() {
     static const efihost::Pack loaded(UNDULA_PACK_PATH);

@@ -9,8 +9,6 @@
 
 #include "support/error_cases.h"
 
-using Arguments = std::vector<Value>;
-
 inline constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
 inline constexpr double inf = std::numeric_limits<double>::infinity();
 inline constexpr double twoTo31 = 0x1p31;
@@ -41,11 +39,6 @@ inline Value unrealRows() {
 }
 inline Value nestedColumn() {
     return Value::table({1, column({1, 2}), 3, 4});
-}
-
-inline Arguments joined(Arguments first, const Arguments& last) {
-    first.insert(first.end(), last.begin(), last.end());
-    return first;
 }
 
 // Appends calls of a function to a table of errors; `last` follows the arguments of each.
