@@ -6,7 +6,6 @@
 
 #include "support/failing_new.h"
 #include "support/packets.h"
-#include "support/wrong_calls.h"
 
 namespace {
 
