@@ -1,5 +1,4 @@
 // evaltbl, evalbs, applytbl, applybs with user functions of all kinds, and basis_display2d.
-#include <algorithm>
 #include <numeric>
 
 #include "support/packets.h"
