@@ -4,6 +4,7 @@
 // as they must be, nothing has leaked, the caller's floating-point state is untouched, and the same call
 // succeeds.
 #include <cmath>
+#include <ostream>
 
 #include "support/failing_new.h"
 #include "support/floating_point.h"
@@ -17,6 +18,10 @@ struct GoodCall {
     Arguments arguments;
     int polls;  // how often the call asks whether to stop
 };
+
+void PrintTo(const GoodCall& call, std::ostream* out) {
+    *out << call.function;
+}
 
 // Each stands for a wavelet that the pack does not know yet.
 const Value newFilter = column({0.5, 0.5, 0.25});  // from 0 to 2, the high-pass filter from -1 to 1
