@@ -6,9 +6,7 @@
 
 #include "support/filter_pair.h"
 #include "support/packets.h"
-#include "support/robustness.h"
 #include "support/spline_pairs.h"
-#include "support/wrong_calls.h"
 
 namespace {
 
@@ -195,67 +193,6 @@ TEST_F(IntervalTransform, InvertsSignalsAndImages) {
         expectInverted(image(2 * shortest, 3 * shortest), 2, 2 * filter.roundTrip());
     }
 }
-
-// A signal polls once a level. An image polls for each column and each row; the inverse symmetric
-// transform once more for each level.
-TEST(BoundaryRobustness, PollsAsOftenAsSaidAndSurvivesEveryTrouble) {
-    for (const char* name : {"dwts", "idwts"}) {
-        expectRobust(name, {signal(37), 5, haar()}, 5);
-        expectRobust(name, {image(13, 7), 2, haar()}, 13 + 7 + 7 + 4 + (name[0] == 'i' ? 2 : 0));
-    }
-    for (const char* name : {"dwti", "idwti"}) {
-        expectRobust(name, {signal(32), 3, daublet4}, 3);
-        expectRobust(name, {image(16, 16), 2, daublet4}, 16 + 16 + 8 + 8);
-    }
-}
-
-namespace {
-
-// What both kinds of transforms refuse, with a wavelet that does not suit. Where two arguments are
-// wrong, the message shows which is looked at first.
-void addCommon(const WrongCalls& wrong, const Value& unsuited) {
-    const Value none = Value::matrix(2, 2, Numbers{1, 2, 3, NaN});
-    wrong.give(notArray, 3, {{unrealColumn(), 9, unrealColumn()}});
-    wrong.give(noFilter, 3, {{unrealColumn(), 9, none}});
-    wrong.give(notArray, 1, {{unrealColumn(), -1.0 + unreal, unsuited}});
-    wrong.give(notReal, 2, {{signal(7), -1.0 + unreal, unsuited}});
-    wrong.give(noLevel, 2, {{signal(7), -0.5, unsuited}, {signal(7), twoTo32 - 0.5, unsuited}});
-    wrong.give(notWhole, 2, {{signal(7), 2.5, unsuited}});
-}
-
-void addSymmetric(const WrongCalls& wrong) {
-    addCommon(wrong, daublet4);
-    wrong.give(noLevel, 2,
-               {{signal(7), 3, daublet4}, {signal(7), twoTo32 - 1, haar()}, {column({1}), 1, haar()}});
-    wrong.give(noLevel, 2, {{image(7, 8), 3, haar()}, {image(8, 7), 3, haar()}, {image(1, 8), 1, haar()}});
-    wrong.give(notSymmetric, 3, {{signal(7), 2, daublet4}, {signal(7), 0, daublet4}});
-    wrong.give(notSymmetric, 3, {{signal(7), 2, column({0.25, 0.5, 0.25})}, {signal(7), 2, image(5, 2)}});
-}
-
-void addInterval(const WrongCalls& wrong) {
-    addCommon(wrong, haar());
-    wrong.give(noInterval, 3,
-               {{signal(7), 3, haar()}, {signal(7), 1, signal(4)}, {signal(7), 1, image(4, 2)}});
-    const auto refuse = [&](const Value& data, double level) {
-        wrong.give(noLevel, 2, {{data, level, daublet4}});
-    };
-    for (const int n : {6, 7}) refuse(signal(n), 1);
-    for (const int level : {3, 4}) refuse(signal(16), level);  // 3: refused by the third step
-    refuse(column({1}), 0);
-    refuse(signal(8), twoTo32 - 1);
-    for (const auto& [rows, cols] : {std::pair(16, 4), {4, 16}, {16, 17}}) refuse(image(rows, cols), 1);
-}
-
-std::vector<ErrorCase> boundaryErrors() {
-    std::vector<ErrorCase> table;
-    for (const char* name : {"dwts", "idwts"}) addSymmetric({table, name});
-    for (const char* name : {"dwti", "idwti"}) addInterval({table, name});
-    return cases(table);
-}
-
-}  // namespace
-
-INSTANTIATE_TEST_SUITE_P(Boundary, Errors, testing::ValuesIn(boundaryErrors()), nameOfError);
 
 // Which of the built-in filters are refused for what they are.
 TEST_F(PackTest, BoundaryTransformsTakeTheWaveletsThatFitThem) {

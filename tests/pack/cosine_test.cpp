@@ -1,13 +1,11 @@
 // lct, cpt and their inverses: the tables against their definition, every admissible basis there and
-// back, bells and transforms that misbehave, errors in their order.
+// back, bells and transforms that misbehave.
 #include <cmath>
 #include <numbers>
 #include <numeric>
 
 #include "cosine/bell.h"
 #include "support/packets.h"
-#include "support/robustness.h"
-#include "support/wrong_calls.h"
 
 using efihost::Callback;
 using efihost::RealCallback;
@@ -207,14 +205,6 @@ TEST_F(CosinePackets, OverflowWhereTheirValuesDo) {
     expectScaled("icpt", 2 * 35, 1, {1, basisOfLevel(1, 1)});
 }
 
-TEST_F(CosinePackets, ReadDataWhereverItLies) {
-    const Value read = strided(8, 16, noise(8 * 16));
-    const Value basis = basisOfLevel(2, 1);
-    EXPECT_TRUE(same(call("cpt", read, 1), call("cpt", image(8, 16), 1)));
-    EXPECT_TRUE(same(call("icpt", read, 1, basis), call("icpt", image(8, 16), 1, basis)));
-    EXPECT_EQ(numbers("icpt", Value::adopt(8, 1, nullptr), 1, basisOfLevel(1, 1)), Numbers(8));
-}
-
 // One bell for all segments and levels; a taller image has one more, for its rows.
 TEST_F(CosinePackets, SampleTheBellOnceForEachHalfLength) {
     Numbers points;
@@ -321,73 +311,3 @@ TEST(CosinePacketsWithOtherTransforms, ReadPartsThatAreNotThereAsZeros) {
     EXPECT_EQ(host.call(pack(), "cpt", {data, 3}).nested(3, 0).reals(), Numbers(3 * 16));
     EXPECT_EQ(host.call(pack(), "icpt", {data, 4, basisOfLevel(1, 4)}).reals(), Numbers(3 * 16));
 }
-
-TEST(Robustness, OfCosinePackets) {
-    const Value bell = bellOf(smooth);
-    expectRobust("cpt", {signal(8), 2}, 1);
-    expectRobust("lct", {image(8, 4), 1, bell}, 2);
-    const Value mixed = basisOf(1, {{2, 0}, {1, 1}, {2, 1}, {1, 1}, {2, 0}});
-    expectRobust("icpt", {signal(8), 2, mixed}, 3);
-    expectRobust("icpt", {signal(6), 1, basisOfLevel(1, 1)}, 2);
-    expectRobust("ilct", {image(8, 4), 1, basisOfLevel(2, 1), bell});
-}
-
-namespace {
-
-void addForward(const WrongCalls& wrong) {
-    wrong.give(notArray, 1, {{unrealColumn(), unreal}, {nestedColumn(), -1}});
-    wrong.give(notReal, 2, {{signal(3), unreal}, {signal(3), std::complex(-1.0, NaN)}});
-    for (const double level : {-0.5, NaN, inf, twoTo32 + 0.5}) wrong.give(noLevel, 2, {{signal(3), level}});
-    for (const double level : {2.5, 1e-300}) wrong.give(notWhole, 2, {{signal(3), level}});
-    for (const double level : {4.0, 63.0, twoTo32 - 1}) wrong.give(noLevel, 2, {{signal(16), level}});
-    for (const Value& odd : {signal(7), image(1, 8), image(8, 7)}) wrong.give(noLevel, 2, {{odd, 0}});
-    wrong.give(noLevel, 2, {{image(8, 6), 1}, {image(6, 8), 1}, {column({}), 1}, {image(4, 0), 63}});
-}
-
-void addInverse(const WrongCalls& wrong) {
-    wrong.give(notArray, 1, {{unrealColumn(), unreal, unrealRows()}, {nestedColumn(), unreal, unrealRows()}});
-    wrong.give(notReal, 2, {{signal(16), unreal, unrealRows()}});
-    wrong.give(notArray, 3, {{signal(16), -1, unrealRows()}, {signal(16), -1, nestedColumn()}});
-    wrong.give(notOneDimensional, 3, {{signal(16), -1, basisRows({{0.5, 0.5, 0}})}});
-    wrong.give(notTwoDimensional, 3, {{image(16, 16), -1, basisRows({{0.5, 0.5}})}});
-    for (const int dimensions : {1, 2}) {
-        const auto give = [&](const char* message, int index, const Value& level, const Value& basis) {
-            wrong.give(message, index, {{square(dimensions, 16), level, basis}});
-        };
-        const auto rows = [=](const std::vector<Numbers>& packets) { return basisRows(dimensions, packets); };
-        // The entries, before the level.
-        give(notWhole, 3, -1, rows({{0.5, 0}, {1, -1}}));
-        give(noBasis, 3, 2.5, rows({{1, -1}, {0.5, 0}}));
-        give(noBasis, 3, 2.5, rows({{1, 2}}));
-        // The level, before the basis's depth and tiling.
-        const Value deepGap = rows({{5, 0}});
-        for (const double level : {2.5, -0.5, NaN}) give(notWhole, 2, level, deepGap);
-        for (const double level : {-1.0, inf, 5.0, 64.0, twoTo32 - 1}) give(noLevel, 2, level, deepGap);
-        give(dimensions == 1 ? noLevel : tooDeep, 3, 4, deepGap);
-        give(dimensions == 1 ? noLevel : tooDeep, 3, 0, rows({{twoTo32 - 1, 0}}));
-        give(noBasis, 3, 0, rows({{4, 0}}));
-        // Last, packets shorter than the two halves of the bell.
-        give(tooDeep, 3, 0, basisOfLevel(dimensions, 1));
-        give(tooDeep, 3, 3, basisOfLevel(dimensions, 4));
-    }
-    for (const Value& data : {image(16, 8), image(8, 16)})
-        wrong.give(tooDeep, 3, {{data, 0, basisOfLevel(2, 1)}});
-    for (const Value& data : {image(16, 12), image(12, 16)})
-        wrong.give(noLevel, 2, {{data, 3, basisOfLevel(2, 0)}});
-    wrong.give(tooDeep, 3, {{image(16, 12), 2, basisOfLevel(2, 3)}});
-}
-
-std::vector<ErrorCase> cosineErrors() {
-    std::vector<ErrorCase> table;
-    // The bell is not looked at before all else is right.
-    const Value bell = constantBell(2.0);
-    addForward({table, "cpt"});
-    addForward({table, "lct", {bell}});
-    addInverse({table, "icpt"});
-    addInverse({table, "ilct", {bell}});
-    return cases(table);
-}
-
-}  // namespace
-
-INSTANTIATE_TEST_SUITE_P(CosinePackets, Errors, testing::ValuesIn(cosineErrors()), nameOfError);

@@ -6,14 +6,13 @@
 
 #include "support/function_table.h"
 #include "support/packets.h"
-#include "support/robustness.h"
 #include "support/spline_pairs.h"
-#include "support/wrong_calls.h"
 
 namespace {
 
 constexpr double denormal = std::numeric_limits<double>::denorm_min();
 constexpr double rootOfTwo = 1.4142135623730951;
+constexpr double twoTo31 = 0x1p31;
 
 struct Placed {
     Numbers taps;
@@ -285,107 +284,3 @@ TEST_F(UnreachedWorkers, EvaluateTheSelectedWavelet) {
         EXPECT_EQ(complaintOf(worker(name + "2d", {0, 0, 0, 0, twoTo31, 0, 0})), "invalid level (5)");
     }
 }
-
-TEST(EvaluationRobustness, SurvivesEveryTrouble) {
-    expectRobust("father", {0.5, "bl2"});
-    expectRobust("dlmother", {0.5, -1, 0, "bs24"}, 1);
-    expectRobust("dlfather2d", {0.5, 0.5, "symm8"});
-    expectRobust("mother2d", {0.5, 0.5, 1, 0, 0, "coif6", "D"}, 2);
-    expectRobustWithNewFilter("wavelet", {0.5, 0, 0, 9}, 4);
-    expectRobustWithNewFilter("dlwavelet", {0.5, 0, 0, 1}, 1, {1, 1});
-    expectRobustWithNewFilter("wavelet2d", {0.5, 0.2, 0, 0, 0, 5, 2}, 5);
-    expectRobustWithNewFilter("dlwavelet2d", {0.5, 0.2, 0, 0, 0, 1, 0}, 1, {1});
-}
-
-namespace {
-
-constexpr const char* noName = "invalid filter wavelet string";
-constexpr const char* noType = "invalid 2d wavelet string";
-
-// Where several arguments are wrong, the message shows which is looked at first.
-void addNamed(std::vector<ErrorCase>& table) {
-    const WrongCalls father(table, "father");
-    father.give(notReal, 1, {{unreal, "no"}, {unreal, unreal, unreal, "no"}});
-    father.give(notReal, 2, {{0, unreal, unreal, "no"}});
-    father.give(notReal, 3, {{0, 0.5, unreal, "no"}});
-    father.give(noName, 2, {{0, "no"}});
-    father.give(noName, 4, {{0, 0.5, 0.5, "no"}});
-    father.give(noFilter, 4, {{0, 0.5, 0.5, "daub22"}});
-    father.give(notWhole, 3, {{0, 0.5, 0.5, "haar"}});
-    father.give(noLevel, 3, {{0, 0.5, twoTo31, "haar"}});
-    father.give(notWhole, 2, {{0, NaN, 0, "haar"}});
-    father.give(noLevel, 2, {{0, -twoTo31 - 1, 0, "haar"}});
-    father.give("non-scalar value", 2, {{0, column({1}), 0, 4}});
-    father.give("must be string", 4, {{0, 0, 0, 4}});
-}
-
-// `type` is empty for the scaling function.
-void addNamedInThePlane(std::vector<ErrorCase>& table, const char* f, const Arguments& type,
-                        const Arguments& wrongType) {
-    const WrongCalls early(table, f, wrongType);
-    early.give(notReal, 1, {{unreal, unreal, "no"}});
-    early.give(notReal, 2, {{0, unreal, unreal, unreal, unreal, "no"}});
-    early.give(notReal, 3, {{0, 0, unreal, unreal, unreal, "no"}});
-    early.give(notReal, 4, {{0, 0, 0.5, unreal, unreal, "no"}});
-    early.give(notReal, 5, {{0, 0, 0.5, 0.5, unreal, "no"}});
-    early.give(noName, 3, {{0, 0, "no"}});
-    early.give(noFilter, 6, {{0, 0, 0.5, 0.5, 0.5, "daub22"}});
-    const WrongCalls late(table, f, type);
-    late.give(notWhole, 3, {{0, 0, 0.5, 0.5, 0.5, "haar"}, {0, 0, twoTo31, 0.5, 0.5, "haar"}});
-    late.give(notWhole, 4, {{0, 0, 0, 0.5, twoTo31, "haar"}});
-    late.give(noLevel, 5, {{0, 0, 0, 0, -twoTo31 - 1, "haar"}});
-}
-
-// The wavelet as arrays after so many scalars.
-void addArrays(std::vector<ErrorCase>& table, const char* f, int scalars) {
-    const Arguments wrong(static_cast<std::size_t>(scalars), unreal);
-    addWrongWavelets({table, f}, wrong);
-    for (const Arguments& wavelet : {Arguments{haar()}, {haar(), 0}, {haar(), 0, 1}}) {
-        Arguments arguments = joined(wrong, wavelet);
-        for (int i = 1; i <= scalars; ++i) {
-            WrongCalls(table, f).give(notReal, i, {arguments});
-            arguments[static_cast<std::size_t>(i - 1)] = 0.5;
-        }
-    }
-}
-
-std::vector<ErrorCase> evaluationErrors() {
-    std::vector<ErrorCase> table;
-    addNamed(table);
-    addNamedInThePlane(table, "father2d", {}, {});
-    addNamedInThePlane(table, "mother2d", {"D"}, {"x"});
-    const WrongCalls mother2d(table, "mother2d");
-    for (const char* type : {"", "h", "HV", "A"})
-        mother2d.give(noType, 7, {{0, 0, 0.5, 0.5, 0.5, "haar", type}});
-    mother2d.give(noType, 4, {{0, 0, "haar", "X"}});
-    for (const char* f : {"wavelet", "dlwavelet"}) addArrays(table, f, 4);
-    for (const char* f : {"wavelet2d", "dlwavelet2d"}) addArrays(table, f, 7);
-
-    const WrongCalls wavelet(table, "wavelet", {haar()});
-    for (const double packet : {0.5, NaN, twoTo32 + 0.5}) wavelet.give(notWhole, 4, {{0, 0.5, 0.5, packet}});
-    for (const double packet : {-1.0, twoTo32, inf}) wavelet.give(noLevel, 4, {{0, 0.5, 0.5, packet}});
-    wavelet.give(notWhole, 3, {{0, 0.5, NaN, 0}});
-    for (const double shift : {twoTo31, -twoTo31 - 1}) wavelet.give(noLevel, 3, {{0, 0.5, shift, 0}});
-    wavelet.give(notWhole, 2, {{0, 0.5, 0, twoTo32 - 1}});
-    wavelet.give(noLevel, 2, {{0, -inf, 0, 0}});
-    wavelet.give(noMemory, 0, {{0, 0, 0, twoTo32 - 1}, {0, 0, 0, 0x1p27}});
-
-    const WrongCalls plane(table, "wavelet2d", {haar()});
-    for (const double packet : {0.5, -1.0, NaN}) {
-        plane.give(notPositive, 6, {{0, 0, 0.5, 0.5, 0.5, packet, -1}});
-        plane.give(notPositive, 7, {{0, 0, 0.5, 0.5, 0.5, twoTo32, packet}});
-    }
-    for (const double level : {0.5, -twoTo31 - 1})
-        plane.give(notWhole, 3, {{0, 0, level, 0.5, 0.5, twoTo32, twoTo32}});
-    plane.give(noLevel, 6, {{0, 0, 0, 0.5, 0.5, twoTo32, twoTo32}});
-    plane.give(noLevel, 7, {{0, 0, 0, 0, 0.5, 0, inf}});
-    plane.give(notWhole, 4, {{0, 0, 0, 0.5, 0.5, 0, twoTo32}});
-    plane.give(noLevel, 4, {{0, 0, 0, twoTo31, 0.5, 0, 0}});
-    plane.give(notWhole, 5, {{0, 0, 0, 0, NaN, 0, 0}});
-    plane.give(noMemory, 0, {{0, 0, 0, 0, 0.5, twoTo32 - 1, 0}, {0, 0, 0, 0, 0, 0, twoTo32 - 1}});
-    return cases(table);
-}
-
-}  // namespace
-
-INSTANTIATE_TEST_SUITE_P(Evaluation, Errors, testing::ValuesIn(evaluationErrors()), nameOfError);

@@ -3,9 +3,7 @@
 #include <numbers>
 
 #include "support/packets.h"
-#include "support/robustness.h"
 #include "support/spline_pairs.h"
-#include "support/wrong_calls.h"
 
 namespace {
 
@@ -132,44 +130,3 @@ TEST_F(WaveletBasis, ListsSmoothPacketAndDetailsFromTheCoarsest) {
     expectRows(3, 1, {{3, 0}, {3, 1}, {2, 1}, {1, 1}});
     expectRows(2, 2, {{2, 0, 0}, {2, 0, 1}, {2, 1, 0}, {2, 1, 1}, {1, 0, 1}, {1, 1, 0}, {1, 1, 1}});
 }
-
-TEST(SplineRobustness, SurvivesEveryTrouble) {
-    expectRobust("Bspline", {3, 9});
-    expectRobust({"bl", [](int variant) { return std::vector<Value>{variant % 7}; }});
-    expectRobust("wavebs", {5, 1}, 5);
-    expectRobust("wavebs", {5, 2}, 5);
-}
-
-namespace {
-
-// Where two arguments are wrong, the message shows which is looked at first.
-std::vector<ErrorCase> splineErrors() {
-    std::vector<ErrorCase> table;
-    const WrongCalls pair(table, "Bspline");
-    pair.give(notReal, 1, {{1.0 + unreal, 1.0 + unreal}});
-    pair.give(notReal, 2, {{-1, 1.0 + unreal}});
-    pair.give(notPositive, 1, {{0, 1}, {-0.5, -1}});
-    pair.give(notPositive, 2, {{1.5, 0}});
-    pair.give(notWhole, 1, {{1.5, 1.5}, {NaN, 1}});
-    pair.give(notWhole, 2, {{4, 1.5}});
-    pair.give(noFilter, 1, {{4, 11}, {inf, 1}});
-    pair.give(noFilter, 2, {{1, 11}});
-    pair.give(noFilter, 0, {{1, 2}, {2, 3}, {2, 10}, {3, 10}});
-    const WrongCalls single(table, "bl");
-    single.give(notReal, 1, {{1.5 + unreal}});
-    single.give(notWhole, 1, {{-1.5}, {NaN}});
-    single.give(noLevel, 1, {{-1}, {twoTo32}});
-    single.give(noFilter, 1, {{twoTo32 - 1}, {7}});
-    const WrongCalls basis(table, "wavebs");
-    basis.give(notReal, 1, {{0.5 + unreal, 3.0 + unreal}});
-    basis.give(notReal, 2, {{0.5, 3.0 + unreal}});
-    basis.give("invalid dimension", 2, {{-1.5, 3}, {2, 1.5}, {2, 0}});
-    basis.give(notWhole, 1, {{2.5, 1}});
-    basis.give(noLevel, 1, {{-1, 1}, {twoTo32, 2}});
-    basis.give("out of memory", 0, {{twoTo32 - 1, 1}, {twoTo32 - 1, 2}});
-    return cases(table);
-}
-
-}  // namespace
-
-INSTANTIATE_TEST_SUITE_P(Splines, Errors, testing::ValuesIn(splineErrors()), nameOfError);

@@ -8,13 +8,12 @@
 #include "frame/host_services.h"
 #include "frame/user_function.h"
 #include "support/failing_new.h"
+#include "support/floating_point.h"
 #include "support/function_table.h"
-#include "support/robustness.h"
+#include "support/pack.h"
 
 namespace {
 
-constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
-constexpr double inf = std::numeric_limits<double>::infinity();
 constexpr double largest = std::numeric_limits<double>::max();
 
 // Workers behind the pack's dispatcher. Each computes with its argument. A product that is kept is
@@ -55,18 +54,6 @@ class FloatingPoint : public PackTest {
         return undula::dispatch<S(S)>(worker, call.context(), argument.raw());
     }
 };
-
-// By arithmetic, as the C library may raise a flag where the pack does not look.
-void raiseFaults() {
-    volatile double zero = 0.0;
-    volatile double large = largest;
-    volatile double result = 1.0 / zero;
-    result = large * large;
-    result = result - result;
-}
-void clearFlags() {
-    std::feclearexcept(FE_ALL_EXCEPT);
-}
 
 Value haar() {
     return column({0.7071067811865475, 0.7071067811865475});
@@ -126,16 +113,12 @@ TEST_F(FloatingPoint, NamesThePlatformsExceptions) {
 
 // Services may raise flags, or clear them, as somebody else's code may.
 TEST_F(FloatingPoint, BlamesNobodyForFlagsOfTheHost) {
-    const Value image = Value::matrix(4, 4, noise(16));
-    const Value expected = call("idwt", image, 1, haar());
-    host.doAlways(raiseFaults);
-    EXPECT_TRUE(same(call("idwt", image, 1, haar()), expected));
-    EXPECT_EQ(complaint("dwt", image, 1, haar(), 0.5), "filter unimplemented (3)");
-    EXPECT_EQ(complaint("create_level", 1, 1), "no error");
+    host.doAlways([](Service) { raiseFaults(); });
+    EXPECT_EQ(complaint("dwt", column({1, 2}), 1, haar(), 0.5), "filter unimplemented (3)");
     EXPECT_EQ(outcome(add, 1.0), "no error");
 
     // Nor does a host that clears flags hide a fault.
-    host.doAlways(clearFlags);
+    host.doAlways([](Service) { std::feclearexcept(FE_ALL_EXCEPT); });
     EXPECT_EQ(complaint("dwt", column({inf, -inf, 1, 1}), 1, haar()), "floating point error (0)");
     EXPECT_EQ(outcome(square, largest), "overflow (0)");
 }
@@ -167,7 +150,7 @@ TEST_F(FloatingPoint, RoundsToNearestWhateverIsLeftBehind) {
     EXPECT_TRUE(same(call("lct", signal, 2, bell(roundUp)), table));
     const Value filter = call("daublet", 8);
     const Value transformed = call("dwt", signal, 3, filter);
-    host.doAlways(roundUp);
+    host.doAlways([roundUp](Service) { roundUp(); });
     EXPECT_TRUE(same(call("dwt", signal, 3, filter), transformed));
 }
 

@@ -1,11 +1,7 @@
-// evaltbl, evalbs, applytbl, applybs with user functions of all kinds, extract_basis and
-// basis_display2d; and what they say to tables and bases that a user has damaged.
-#include <algorithm>
+// evaltbl, evalbs, applytbl, applybs with user functions of all kinds, and basis_display2d.
 #include <numeric>
 
 #include "support/packets.h"
-#include "support/robustness.h"
-#include "support/wrong_calls.h"
 
 namespace {
 
@@ -32,13 +28,6 @@ Value sum() {
         for (const double x : packet.reals()) total += x;
         return Value(total);
     });
-}
-
-Value tableOf(int rows, int cols, int deepest) {
-    std::vector<Value> cells;
-    for (int j = 0; j <= deepest; ++j)
-        cells.push_back(noisyGrid(rows, cols, static_cast<unsigned>(j + 1)).value());
-    return Value::table(cells);
 }
 
 Value packetOf(const Value& data, const TestPacket& packet) {
@@ -224,17 +213,6 @@ TEST_F(PacketFunctions, EndAtTheFirstFailure) {
     }
 }
 
-TEST_F(PacketFunctions, MayCallTheLibrary) {
-    const Value table = tableOf(8, 8, 2);
-    const Value busy = functionOf([&](const Value& packet) {
-        call("wpt", signal(16), 2, column({0.5, 0.5 + packet.reals()[0], 0.1}));
-        call("applybs", packet, basisOfLevel(2, 0), unchanged());
-        return packet;
-    });
-    EXPECT_TRUE(same(call("applytbl", table, busy), table));
-    EXPECT_TRUE(same(call("evaltbl", table, busy), call("evaltbl", table, unchanged())));
-}
-
 // --- basis_display2d ---
 
 // A frame, and of every block the left and the lower side.
@@ -257,127 +235,6 @@ TEST_F(PacketFunctions, PicturesShowTheBlocks) {
     tilings.back().push_back(tilings.back().front());
     for (const Tiling& tiling : tilings)
         EXPECT_TRUE(same(call("basis_display2d", basisOf(2, tiling)), pictureOf(tiling).value()));
-}
-
-// --- errors ---
-
-constexpr const char* noTable = "invalid packet table";
-constexpr const char* noArray = "must be array";
-constexpr const char* notVector = "must be real vector";
-constexpr const char* tooMany = "too many levels to be displayed";
-
-// A table of two levels with a number where one of them should be.
-Value withNumber(int level) {
-    Value table = column({5, 5});
-    table.nest(1 - level, 0, signal(8));
-    return table;
-}
-
-// As a user might damage a table of a signal of 8 samples and two levels, or of an 8 x 4 image.
-void addTables(const WrongCalls& wrong) {
-    const Value eight = signal(8);
-    Value strange = Value::column(Numbers{0, 0}, Numbers{0, 1});
-    strange.nest(0, 0, eight);
-    wrong.give(notVector, 1, {{unrealColumn()}, {strange}});
-    wrong.give(noTable, 1, {{column({})}, {eight}, {withNumber(0)}, {withNumber(1)}});
-    // The last has a scalar value where numbers might stand.
-    for (const Arguments& cells : {Arguments{"text", eight, eight, eight, eight},
-                                   {eight, eight, "text"},
-                                   {eight, "text", signal(7)},
-                                   {eight, 5, eight}})
-        wrong.give(noArray, 1, {{Value::table(cells)}});
-    for (const Arguments& cells : {Arguments{eight, signal(7), "text"},
-                                   {eight, row(noise(8))},
-                                   {image(8, 4), image(4, 8)},
-                                   {image(8, 4), eight},
-                                   {Value::table({eight, eight})},
-                                   {eight, "text", eight, eight, eight}})
-        wrong.give(noTable, 1, {{Value::table(cells)}});
-    for (const auto& [count, cell] : {std::pair(5u, eight),
-                                      {33u, eight},
-                                      {5000u, eight},
-                                      {3u, image(8, 2)},
-                                      {4u, image(3, 8)},
-                                      {2u, row(noise(8))},
-                                      {2u, column({})}})
-        wrong.give(noTable, 1, {{Value::table(Arguments(count, cell))}});
-}
-
-// Bases of no data, or too deep for what is given with them.
-void addBases(const WrongCalls& wrong, const Value& data, int dimensions) {
-    const auto give = [&](const char* message, const std::vector<Numbers>& rows) {
-        wrong.give(message, 2, {{data, basisRows(dimensions, rows)}});
-    };
-    give(notWhole, {{20, 0.5}});
-    give(noBasis, {{20, 0}});
-    give(noBasis, {{1, 0}, {1, 2}});
-}
-
-void addPictures(const WrongCalls& picture) {
-    picture.give(notArray, 1, {{unrealRows()}});
-    for (const Value& basis : {column({NaN}), basisRows({{9, NaN}}), Value::matrix(1, 4, Numbers(4))})
-        picture.give(notTwoDimensional, 1, {{basis}});
-    for (const double level : {8.0, 8.5, 1e300, inf, twoTo32})
-        picture.give(tooMany, 1, {{basisRows({{NaN, 0, 0}, {level, NaN, -1}})}});
-    for (const Numbers& packet : {Numbers{7.5, 0, 0}, {NaN, 0, 0}, {7, NaN, 128}})
-        picture.give(notWhole, 1, {{basisRows({packet})}});
-    for (const Numbers& packet : {Numbers{7, 128, NaN}, {7, 127, 127}, {-1, 0, 0}})
-        picture.give(noBasis, 1, {{basisRows({packet})}});
-}
-
-void addExtractions(const WrongCalls& wrong) {
-    const Value damaged = withNumber(1);
-    wrong.give(notVector, 1, {{unrealColumn(), unrealRows()}});
-    wrong.give(notArray, 2, {{damaged, unrealRows()}, {damaged, nestedColumn()}});
-    for (const Value& basis : {column({NaN}), Value::matrix(1, 4, Numbers(4, NaN)), image(2, 0)})
-        wrong.give(noBasis, 2, {{damaged, basis}});
-    for (const int dimensions : {1, 2}) {
-        // The basis before the table, but the table before the depth.
-        addBases(wrong, damaged, dimensions);
-        wrong.give(noTable, 1, {{damaged, basisOfLevel(dimensions, 4)}});
-        wrong.give(tooDeep, 2, {{tableOf(8, 1, 1), basisOfLevel(dimensions, 2)}});
-    }
-    // The other dimension, after the depth.
-    wrong.give(notOneDimensional, 2, {{tableOf(8, 1, 3), basisOfLevel(2, 1)}});
-    wrong.give(notTwoDimensional, 2, {{tableOf(8, 4, 2), basisOfLevel(1, 1)}});
-}
-
-std::vector<ErrorCase> functionErrors() {
-    std::vector<ErrorCase> table;
-    const Value f = always("never called with success");
-    for (const char* name : {"best_basis", "evaltbl", "applytbl"}) addTables({table, name, {f}});
-    addTables({table, "extract_basis", {basisOfLevel(1, 0)}});
-    addExtractions({table, "extract_basis"});
-    addPictures({table, "basis_display2d"});
-    for (const char* name : {"evalbs", "applybs"}) {
-        const WrongCalls wrong(table, name, {f});
-        wrong.give(notArray, 1, {{unrealColumn(), unrealRows()}});
-        wrong.give(notArray, 2, {{signal(8), unrealRows()}, {signal(8), nestedColumn()}});
-        wrong.give(notOneDimensional, 2, {{signal(8), basisRows({{NaN, 0, 0}})}});
-        wrong.give(notTwoDimensional, 2, {{row({1, 2}), basisRows({{NaN, 0}})}});
-        addBases(wrong, signal(15), 1);
-        addBases(wrong, image(8, 3), 2);
-        wrong.give(tooDeep, 2, {{signal(15), basisOfLevel(1, 4)}, {column({}), basisOfLevel(1, 1)}});
-        wrong.give(tooDeep, 2, {{image(8, 3), basisOfLevel(2, 2)}, {image(3, 8), basisOfLevel(2, 2)}});
-    }
-    return cases(table);
-}
-
-INSTANTIATE_TEST_SUITE_P(PacketFunctions, Errors, testing::ValuesIn(functionErrors()), nameOfError);
-
-// --- troubles ---
-
-TEST(PacketFunctionRobustness, PollsAsOftenAsSaidAndSurvivesEveryTrouble) {
-    const Value rows = basisRows({{1, 1}, {2, 0}, {2, 1}});
-    const Value blocks = basisOfLevel(2, 1);
-    for (const Value& f : {unchanged(), sum()}) {
-        expectRobust("evaltbl", {tableOf(5, 1, 2), f});
-        expectRobust("evalbs", {image(4, 5), blocks, f});
-    }
-    expectRobust("applytbl", {tableOf(4, 5, 1), unchanged()});
-    expectRobust("applybs", {signal(5), rows, unchanged()});
-    expectRobust("extract_basis", {tableOf(5, 1, 2), rows}, 3);
-    expectRobust("basis_display2d", {blocks}, 4);
 }
 
 }  // namespace

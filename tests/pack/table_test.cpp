@@ -245,16 +245,5 @@ TEST_P(Kinds, AreCheckedInOrder) {
     }
 }
 
-TEST_P(Kinds, AreCountedWhereTheNumberVaries) {
-    std::set<std::size_t> counts;
-    for (const auto which : function.forms) counts.insert(which.size());
-    for (std::size_t count = 0; function.variadic() && count <= efihost::Host::maxArguments; ++count) {
-        if (counts.contains(count)) continue;
-        const std::vector<Value> some(count, Value::ofTag(16));
-        EXPECT_EQ(PackTest::complaintOf(host.callRaw(pack(), function.name, some)),
-                  "Wrong number of Arguments (0)");
-    }
-}
-
 INSTANTIATE_TEST_SUITE_P(Table, Kinds, testing::ValuesIn(documentedFunctions()),
                          [](const auto& row) { return std::string(row.param.name); });

@@ -99,27 +99,6 @@ TEST_F(Transforms, CopyAtLevelZero) {
     }
 }
 
-TEST_F(Transforms, ReadStridesAbsentArraysAndImaginaryZeros) {
-    const Numbers values = noise(32);
-    const Numbers taps = {0.3, 0.1, 0.2, 0.4};
-    const std::vector<Value> apart = {strided(8, 4, values), 2, strided(2, 2, taps), strided(1, 2, {1, -1}),
-                                      strided(1, 2, {0, 1})};
-    const Value null = Value::adopt(1, 1, nullptr);
-    for (const char* name : {"dwt", "idwt"}) {
-        EXPECT_TRUE(same(host.call(pack(), name, apart),
-                         call(name, Value::matrix(8, 4, values), std::complex(2.0, -0.0),
-                              Value::matrix(2, 2, taps), row({1, -1}), row({0, 1}))));
-        EXPECT_EQ(apart[0].reals(), values);
-        EXPECT_EQ(apart[2].reals(), taps);
-
-        EXPECT_EQ(numbers(name, Value::adopt(8, 1, nullptr), 3, haar()), Numbers(8));
-        EXPECT_EQ(numbers(name, Value::adopt(4, 4, nullptr), 2, haar()), Numbers(16));
-        EXPECT_EQ(numbers(name, column({1, 2, 3, 4}), 1, Value::adopt(3, 1, nullptr)), Numbers(4));
-        EXPECT_TRUE(same(call(name, column(values), 2, haar(), null, null),
-                         call(name, column(values), 2, haar(), 0, column({0}))));
-    }
-}
-
 TEST_F(Selection, RecognisesBuiltInFilters) {
     for (const auto& [family, taps] :
          {std::pair("daublet", 4), {"symmlet", 8}, {"coiflet", 12}, {"daublet", 2}}) {
@@ -161,10 +140,12 @@ TEST_F(Selection, ComparesTapsThatAreZeroOrTiny) {
 TEST_F(Selection, TakesFarOffsets) {
     const Value filter = column({0.5, 0.25, 0.125});
     const Value x = column(noise(8));
+    const long before = allocatedBytes();
     for (const double offset : {0x1p24, -0x1p24, 8000.0}) {
         EXPECT_EQ(fingerprint({filter, offset}), fingerprint({filter, 0})) << offset;
         expectNear(numbers("idwt", x, 1, filter, offset), numbers("idwt", x, 1, filter, 0), 1e-15);
     }
+    EXPECT_LT(allocatedBytes() - before, 100000);
 }
 
 // Though others come in between.

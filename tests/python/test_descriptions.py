@@ -2,6 +2,7 @@
 
 import doctest
 import inspect
+import itertools
 import runpy
 from pathlib import Path
 
@@ -79,6 +80,45 @@ def test_every_error_is_given_as_described(name, argument, message, call):
     names = [form for form in DESCRIPTIONS[name].forms if len(form) >= caught.value.argument]
     place = names[-1].index(argument) + 1 if argument else 0
     assert (caught.value.function, caught.value.message, caught.value.argument) == (name, message, place)
+
+
+def examples(name):
+    """The errors that have a call, each with the arguments of its call."""
+    lists = vars(undula) | {"np": np, name: lambda *arguments: list(arguments)}
+    return [(error, eval(error.call, lists)) for error in DESCRIPTIONS[name].errors if error.call]
+
+
+@pytest.mark.parametrize("name", DESCRIPTIONS)
+def test_of_two_errors_the_one_described_first_is_given(name):
+    """Of each pair of calls the first one, with the argument that the error of the second one is about."""
+    for (error, arguments), (later, others) in itertools.combinations(examples(name), 2):
+        both = arguments + others[len(arguments) :]
+        names = DESCRIPTIONS[name].argument_names(len(both))
+        place = names.index(error.argument) if error.argument else -1
+        if later.argument in {"", error.argument}:
+            realness = error.message.startswith("must be real") and later.argument not in {"", "table"}
+            if realness and np.isscalar(arguments[place]) == np.isscalar(others[place]):
+                both[place] = np.add(others[place], 1j)
+        else:
+            both[names.index(later.argument)] = others[names.index(later.argument)]
+            if later.argument == "basis" and place != 0:
+                both[0] = others[0]  # the data says whether a basis is wrong
+        assert complaint(name, both) == (error.message, place + 1), (error.call, later.call)
+
+
+@pytest.mark.parametrize("name", DESCRIPTIONS)
+def test_of_a_number_neither_whole_nor_in_range_the_error_described_first_is_given(name):
+    first = {}
+    for error, arguments in examples(name):
+        if error.argument and not error.message.startswith("must be real"):
+            first.setdefault(error.argument, (error, arguments))
+    for argument, (error, arguments) in first.items():
+        if not DESCRIPTIONS[name].kind_of(argument).startswith("scalar"):
+            continue
+        place = DESCRIPTIONS[name].argument_names(len(arguments)).index(argument)
+        for number in [-0.5] if name == "Bspline" else [-0.5, np.nan]:  # NaN is not below 1 either
+            arguments[place] = number
+            assert complaint(name, arguments) == (error.message, place + 1)
 
 
 def test_only_errors_that_cannot_be_provoked_lack_a_call():

@@ -2,8 +2,15 @@
 
 #include <algorithm>
 #include <cstring>
-#include <limits>
 #include <random>
+
+Value unrealColumn() {
+    return Value::column(Numbers{1, 2, 3, 4}, Numbers{0, 0, 0, 1});
+}
+
+Value nestedColumn() {
+    return Value::table({1, column({1, 2}), 3, 4});
+}
 
 Numbers noise(std::size_t count, unsigned seed) {
     std::mt19937 random(seed);
@@ -21,8 +28,7 @@ Value strided(int rows, int cols, const Numbers& values) {
     };
     const int stride = rows + gap;
     const auto size = static_cast<std::size_t>(stride * cols);
-    auto memory = std::make_shared<Memory>(
-        Memory{Numbers(size, std::numeric_limits<double>::quiet_NaN()), Numbers(size, 7.0)});
+    auto memory = std::make_shared<Memory>(Memory{Numbers(size, NaN), Numbers(size, 7.0)});
     for (int c = 0; c < cols; ++c) {
         std::copy_n(values.begin() + c * rows, rows, memory->re.begin() + c * stride);
         std::fill_n(memory->im.begin() + c * stride, rows, -0.0);

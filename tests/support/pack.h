@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -12,6 +13,15 @@
 using efihost::Value;
 
 using Numbers = std::vector<double>;
+using Arguments = std::vector<Value>;
+
+inline constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
+inline constexpr double inf = std::numeric_limits<double>::infinity();
+
+inline Arguments joined(Arguments first, const Arguments& last) {
+    first.insert(first.end(), last.begin(), last.end());
+    return first;
+}
 
 inline const efihost::Pack& pack() {
     static const efihost::Pack loaded(UNDULA_PACK_PATH);
@@ -55,6 +65,10 @@ inline Value column(const Numbers& values) {
 inline Value row(const Numbers& values) {
     return Value::matrix(1, static_cast<int>(values.size()), values);
 }
+
+// Columns of four cells that are no arrays of real numbers.
+Value unrealColumn();
+Value nestedColumn();
 
 // Numbers in [-1, 1] that show no pattern, different for each seed.
 Numbers noise(std::size_t count, unsigned seed = 1);

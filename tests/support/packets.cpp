@@ -4,8 +4,6 @@
 #include <cmath>
 #include <random>
 
-#include "support/robustness.h"
-
 namespace {
 
 // The packet itself, or its children and what they become.
@@ -148,6 +146,13 @@ Value image(int rows, int cols) {
     return noisyGrid(rows, cols).value();
 }
 
+Value tableOf(int rows, int cols, int levels) {
+    std::vector<Value> cells;
+    for (int j = 0; j <= levels; ++j)
+        cells.push_back(noisyGrid(rows, cols, static_cast<unsigned>(j + 1)).value());
+    return Value::table(cells);
+}
+
 Value square(int dimensions, int side) {
     return dimensions == 1 ? signal(side) : image(side, side);
 }
@@ -160,16 +165,4 @@ Grid picked(const Value& table, const Tiling& tiling) {
         result.put(place, Grid::of(table.nested(packet.level, 0)).part(place));
     }
     return result;
-}
-
-void expectRobustWithNewFilter(const char* function, const std::vector<Value>& before, int polls,
-                               const std::vector<Value>& last) {
-    const auto arguments = [&](int variant) {
-        std::vector<Value> all = before;
-        all.push_back(column({0.5, 0.5 + 1e-3 * variant, 0.25}));
-        all.insert(all.end(), last.begin(), last.end());
-        return all;
-    };
-    const std::string refused = "filter unimplemented (" + std::to_string(before.size() + 1) + ")";
-    expectRobust({function, arguments, polls, refused});
 }

@@ -66,13 +66,10 @@ Grid outer(const Numbers& down, const Numbers& along);
 Value haar();
 Value signal(int n);
 Value image(int rows, int cols);
+// A table with so many levels besides the data, which is a signal or an image.
+Value tableOf(int rows, int cols, int levels);
 // A signal, or an image with equal sides.
 Value square(int dimensions, int side);
 
 // The coefficients of a tiling, each packet's from its level of a table.
 Grid picked(const Value& table, const Tiling& tiling);
-
-// As expectRobust(), between the other arguments with a filter of the user's that the pack does not
-// know yet: 3 taps from 0 to 2, and as many for the high-pass filter, from -1 to 1.
-void expectRobustWithNewFilter(const char* function, const std::vector<Value>& before, int polls,
-                               const std::vector<Value>& last = {});

@@ -28,7 +28,7 @@ void TestHost::give(Order order) {
 }
 
 TestHost::Trouble TestHost::arrive(Service service) {
-    always_();
+    always_(service);
     ++calls_[static_cast<std::size_t>(service)];
     if (!order_ || (!order_->services.empty() && !order_->services.contains(service))) return Trouble::none;
     if (--order_->countdown > 0) return Trouble::none;

@@ -66,7 +66,7 @@ class TestHost : public efihost::Host {
     void clear();
 
     // Done at each call of a service from now on.
-    void doAlways(std::function<void()> action) { always_ = std::move(action); }
+    void doAlways(std::function<void(Service)> action) { always_ = std::move(action); }
 
     // Whether the service that the order is for was reached.
     bool happened() const { return happened_; }
@@ -154,7 +154,7 @@ class TestHost : public efihost::Host {
     std::array<int, serviceCount> calls_{};
     std::optional<Order> order_;
     bool happened_ = false;
-    std::function<void()> always_ = [] {};
+    std::function<void(Service)> always_ = [](Service) {};
     std::size_t valuesAtFirst_;
 };
 
