@@ -202,7 +202,8 @@ TEST_F(HostServices, FreesWhatACallMadeExceptItsResult) {
         aComplex* scalar = nullptr;
         context.allocator->newScalar(&scalar);
         *scalar = {{TagScalar}, 1.0, 0.0};
-        Cons::mk(context.allocator, scalar, Cons::mk(context.allocator, column, nullptr));
+        const Cons* list = Cons::mk(context.allocator, scalar, Cons::mk(context.allocator, column, nullptr));
+        EXPECT_EQ(list->next->value, column);
         mkError(&context, "text", 3, 0);
         EXPECT_EQ(efiWriteNested(&context, table, 1, 0, column), 0);
         result = inProgress.finish(table);

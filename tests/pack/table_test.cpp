@@ -193,7 +193,7 @@ TEST_F(PackTest, KindsAreCheckedInOrder) {
     EXPECT_EQ(complaint("put_subband", wrong, wrong, wrong, illegal), "illegal context (4)");
     EXPECT_EQ(complaint("father2d", wrong, illegal, illegal), "illegal context (2)");
     EXPECT_EQ(complaint("father2d", 0, 0, wrong), "must be string (3)");
-    for (const std::size_t count : {0, 2, 6, 12}) {
+    for (const std::size_t count : {0u, 2u, 6u, 12u}) {
         EXPECT_EQ(complaintOf(host.callRaw(pack(), "dwt", std::vector<Value>(count, illegal))),
                   "Wrong number of Arguments (0)");
     }
