@@ -2,7 +2,7 @@
 # make demo          remove noise from a real electrocardiogram; draws out/denoise_ecg.png
 # make test          the C++ and the Python tests
 # make bench         time the kernels and transforms, also beside PyWavelets
-# make lint          check the formatting, and the code with clang-tidy
+# make lint          check the formatting, the code with clang-tidy, and the share of tests
 # make asan          the C++ tests under the address and undefined-behaviour sanitizers
 # make fuzz          random calls of every function, for SECONDS=60
 # make windows       the 32-bit Windows libraries, in build/windows/

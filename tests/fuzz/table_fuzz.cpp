@@ -55,7 +55,7 @@ class Session {
 
  private:
     void call() {
-        const auto& function = among(documentedFunctions());
+        const auto& function = among(listedFunctions());
         std::vector<Value> arguments;
         for (const char letter : among(function.forms)) {
             arguments.push_back(argument(rarely() ? "STMVF"[pick(5)] : letter, arguments.empty()));

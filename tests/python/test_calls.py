@@ -1,4 +1,4 @@
-"""Calls of several threads, calls that are stopped, and what calls leave behind."""
+"""Calls of several threads, at the end of the interpreter too, and what calls leave behind."""
 
 import subprocess
 import sys
@@ -45,24 +45,6 @@ def test_other_threads_run_during_a_call():
         time.sleep(0.001)
     thread.join()
     assert steps > 5
-
-
-def test_an_interrupt_stops_a_long_call(live_values, alarm):
-    """It is raised by the call itself, before the call would have come to its end."""
-    image = np.ones((2048, 2048), order="F")
-    w = undula.coiflet(30)
-    started = time.perf_counter()
-    undula.idwt(image, 5, w)
-    whole = time.perf_counter() - started
-    before = live_values()
-
-    started = time.perf_counter()
-    alarm(whole / 4)
-    with pytest.raises(KeyboardInterrupt):
-        undula.idwt(image, 5, w)
-    assert time.perf_counter() - started < 0.75 * whole
-    assert live_values() == before
-    assert np.array_equal(undula.daublet(4), undula.daublet(4))
 
 
 def test_calls_leave_nothing_behind(live_values):

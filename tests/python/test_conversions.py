@@ -69,24 +69,6 @@ def test_sequences_are_columns_and_matrices(given, expected):
     assert np.array_equal(result, expected)
 
 
-UNREAL = [[1j, 2], np.array([1, 1j], dtype=np.complex64), np.array([[1, 1j]], order="F"), [[1, 2], [3, 1e-300j]]]
-NESTED = [
-    [np.ones(2), np.ones(3)],
-    (np.ones((2, 2)),),
-    [1, np.ones(2)],
-    [[np.ones(2)], [np.ones(1), 3]],
-    np.array([[1, np.ones(2)], [[3], 4]], dtype=object),
-]
-
-
-@pytest.mark.parametrize("given", UNREAL + NESTED)
-def test_imaginary_parts_and_nested_arrays_arrive(given):
-    """And are refused as what they are: no array of real numbers."""
-    with pytest.raises(undula.Error, match="must be real array") as caught:
-        through(given)
-    assert caught.value.argument == 1
-
-
 def test_numbers_that_are_not_finite_pass_through():
     given = np.array([np.nan, np.inf, -np.inf, -0.0])
     assert through(given).tobytes() == given.tobytes()

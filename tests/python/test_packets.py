@@ -1,4 +1,4 @@
-"""Packet tables against another library, user functions, and what large tables need."""
+"""Packet tables against another library, and what large ones need."""
 
 import subprocess
 import sys
@@ -36,32 +36,6 @@ def test_tables_agree_with_another_library(length, rng):
             for r, row in enumerate(other.get_level(level, "freq"))
         ]
         assert np.abs(table[level] - np.block(expected)).max() < 1e-12
-
-
-@pytest.mark.parametrize("kind", [KeyError, KeyboardInterrupt])
-def test_functions_that_raise(kind, live_values):
-    table, x, basis = [np.ones(4), np.ones(4)], np.ones(4), [[1, 0], [1, 1]]
-    before = live_values()
-
-    def raising(_):
-        raise kind("none")
-
-    for function in (undula.evaltbl, undula.applytbl, undula.best_basis):
-        with pytest.raises(kind, match="none"):
-            function(table, raising)
-    for function in (undula.evalbs, undula.applybs):
-        with pytest.raises(kind, match="none"):
-            function(x, basis, raising)
-    assert live_values() == before
-
-
-def test_tables_as_users_make_and_damage_them():
-    level = np.arange(8.0)
-    for table in ([level, level], (level, level), [level.tolist(), level], [level[::-1][::-1]] * 4):
-        assert undula.applytbl(table, lambda packet: packet)[1].tolist() == level.tolist()
-    for table in ([level, 5.0], [level, level[:7]], [[level, level]], [level, [level]], []):
-        with pytest.raises(undula.Error, match="invalid packet table"):
-            undula.evaltbl(table, np.abs)
 
 
 MEMORY = """

@@ -1,34 +1,7 @@
 // A function pack of a few lines: its functions show a host what they were given.
-#include <cstdarg>
-#include <new>
-
 #include "efi/pack.h"
 
 namespace {
-
-// A column of the real parts of the scalars given, in order.
-Anyval* columnOf(EfiCallContext* context, Anyval* const* scalars, int count) {
-    const auto bytes = static_cast<unsigned>(count) * unsigned{sizeof(double)};
-    auto* re = static_cast<double*>(::operator new(bytes, std::nothrow));
-    if (!re) return mkError(context, "out of memory", 0, 0);
-    for (int i = 0; i < count; ++i) re[i] = static_cast<aComplex*>(scalars[i])->re;
-    return aMatrix::mk(context->allocator, count, 1, re, nullptr, bytes);
-}
-
-template <class... Scalars>
-Anyval* gather(EfiCallContext* context, Scalars*... scalars) {
-    Anyval* const all[] = {scalars...};
-    return columnOf(context, all, sizeof...(scalars));
-}
-
-Anyval* gatherAll(EfiCallContext* context, int count, ...) {
-    Anyval* all[64];
-    va_list arguments;
-    va_start(arguments, count);
-    for (int i = 0; i < count; ++i) all[i] = va_arg(arguments, Anyval*);
-    va_end(arguments);
-    return columnOf(context, all, count);
-}
 
 Anyval* refuse(EfiCallContext* context, Anyval*) {
     return mkError(context, "refused", 1, 0);
@@ -70,21 +43,20 @@ EfiFunction row(sFunctionInfo* shape, const sString& name, Entry* entry) {
     return {shape, 0, 0, &name, 0, reinterpret_cast<EfiEntry>(entry), 0};
 }
 
-using A = Anyval;
-const sString names[] = {{3, "gather1", 8, 0},  {3, "gather2", 8, 0}, {3, "gather", 7, 0},
-                         {3, "refuse", 7, 0},   {3, "nothing", 8, 0}, {3, "identity", 9, 0},
-                         {3, "evaluate", 9, 0}, {3, "poll", 5, 0}};
+const sString names[] = {{3, "refuse", 7, 0},
+                         {3, "nothing", 8, 0},
+                         {3, "identity", 9, 0},
+                         {3, "evaluate", 9, 0},
+                         {3, "poll", 5, 0}};
 
 const EfiGuid packId = {0x5a3f0d11, 0x7e02, 0x4c66, {0x9b, 0x21, 0x04, 0xd8, 0x3c, 0x6e, 0xf1, 0x57}};
 
 }  // namespace
 
-EfiFunction theEfi[] = {
-    row(Any_to_Any, names[0], gather<A>),      row(Any_Any_to_Any, names[1], gather<A, A>),
-    row(Variable_to_Any, names[2], gatherAll), row(Any_to_Any, names[3], refuse),
-    row(Any_to_Any, names[4], nothing),        row(Any_to_Any, names[5], identity),
-    row(Any_Any_to_Any, names[6], evaluate),   row(Any_to_Any, names[7], pollTimes)};
-const std::int32_t numFuncs = 8;
+EfiFunction theEfi[] = {row(Any_to_Any, names[0], refuse), row(Any_to_Any, names[1], nothing),
+                        row(Any_to_Any, names[2], identity), row(Any_Any_to_Any, names[3], evaluate),
+                        row(Any_to_Any, names[4], pollTimes)};
+const std::int32_t numFuncs = 5;
 
 int DllRegisterServer() {
     return RegisterEfiFunctionPack(theEfi, &packId);

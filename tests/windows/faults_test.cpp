@@ -427,8 +427,8 @@ class Extremes {
 // A fault that cannot be thrown ends the program.
 TEST_F(Faults, AreSurvivedWhereverTheyHappen) {
     int faults = 0;
-    for (const DocumentedFunction& function : documentedFunctions()) {
-        for (const auto form : function.forms) {
+    for (const ListedFunction& function : listedFunctions()) {
+        for (const auto& form : function.forms) {
             Extremes extremes(static_cast<unsigned>(form.size()));
             for (int i = 0; i < 2000; ++i) {
                 std::vector<Value> arguments;
