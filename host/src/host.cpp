@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <deque>
 #include <exception>
 #include <list>
 #include <new>
@@ -32,17 +31,20 @@ struct Root {
 
 }  // namespace
 
-// What a call owns until it ends. The results of the last evaluation and of the last transform
-// live until the next one, so that the millions of them in one call do not pile up.
+// What a call owns until it ends. Of the millions of evaluations and transforms in one call, nothing
+// piles up: results live until the next one, and matrices lent to a function until it has returned.
 struct Call::Frame {
     explicit Frame(Host::State& state);
 
     // The host's part of a user function; null for anything else.
     OwnedFunction* calleeOf(const aLambda* function);
+    // Lets go of a list and of the matrices in it. Whoever else holds one, such as the user or the
+    // result, still does.
+    void release(const Cons* list);
 
     EfiCallContext context;
     std::vector<Value> made;
-    std::deque<ListCell> lists;
+    std::list<ListCell> lists;
     Value evaluated;
     Value transformed;
     std::vector<Value> arguments;  // of the last evaluation
@@ -62,7 +64,7 @@ struct Host::State {
     RootSet rootSet;
     Evaluator evaluator;
     std::list<Root> roots;
-    std::function<bool()> question;
+    std::shared_ptr<const std::function<bool()>> question;  // shared with a poll that is under way
     FourierTransformer fourier;
     Call::Frame* frame = nullptr;
     Value outOfMemory = Value::error("out of memory", 0);  // made while there is memory
@@ -74,6 +76,26 @@ OwnedFunction* Call::Frame::calleeOf(const aLambda* function) {
     if (!function) return nullptr;
     if (callee.raw() != function) callee = Value::of(function);
     return callee.isFunction() ? &Values::get<OwnedFunction>(callee) : nullptr;
+}
+
+namespace {
+
+// Erases the last element of which the question is true: what is used last is mostly made last.
+template <class Elements, class Question>
+void eraseLast(Elements& elements, Question question) {
+    const auto found = std::find_if(elements.rbegin(), elements.rend(), question);
+    if (found != elements.rend()) elements.erase(std::next(found).base());
+}
+
+}  // namespace
+
+void Call::Frame::release(const Cons* list) {
+    arguments.clear();
+    while (list) {
+        const Cons* cell = std::exchange(list, list->next);
+        eraseLast(made, [=](const Value& value) { return value.isMatrix() && value.raw() == cell->value; });
+        eraseLast(lists, [=](const ListCell& each) { return &each.cell == cell; });
+    }
 }
 
 Call::Frame& Host::State::current() const {
@@ -223,7 +245,7 @@ Value Host::callRaw(const Function& function, std::span<const Value> arguments) 
 }
 
 void Host::setInterrupt(std::function<bool()> question) {
-    state_->question = std::move(question);
+    state_->question = std::make_shared<const std::function<bool()>>(std::move(question));
 }
 
 int Host::liveRoots() const {
@@ -290,7 +312,9 @@ void Host::removeRoot(Anyval** cell) {
 }
 
 std::int32_t Host::applyList(aLambda* function, Cons* arguments, Anyval** result) {
-    return state_->apply(function, arguments, result);
+    const std::int32_t status = state_->apply(function, arguments, result);
+    state_->current().release(arguments);
+    return status;
 }
 
 std::int32_t Host::applyOne(aLambda* function, Anyval* argument, Anyval** result) {
@@ -301,8 +325,9 @@ std::int32_t Host::applyOne(aLambda* function, Anyval* argument, Anyval** result
 std::int32_t Host::pollInterrupt() {
     Call::Frame& frame = state_->current();
     if (frame.thrown) return efiInterrupted;
-    if (!state_->question) return 0;
-    return shielded(frame.thrown, [&] { return state_->question() ? efiInterrupted : 0; });
+    const auto question = state_->question;
+    if (!question || !*question) return 0;
+    return shielded(frame.thrown, [&] { return (*question)() ? efiInterrupted : 0; });
 }
 
 namespace {
@@ -359,11 +384,10 @@ std::int32_t Host::writeNested(aMatrix* matrix, int row, int col, Anyval* value)
     }
     try {
         auto& owned = Values::get<OwnedMatrix>(outer);
-        // Who has read the value that was there may go on using it.
-        std::vector<Value>& made = state_->current().made;
-        made.emplace_back();
         Value& cell = owned.cells[owned.place(row, col)];
-        made.back() = std::exchange(cell, inner);
+        // Who has read the value that was there may go on using it.
+        if (cell) state_->current().made.push_back(cell);
+        cell = inner;
         return 0;
     } catch (const std::bad_alloc&) {
         return statusNoMemory;

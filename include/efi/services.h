@@ -74,7 +74,8 @@ class EfiRootSet : public EfiObject {
 class EfiEvaluator : public EfiObject {
  public:
     // 4: calls a function with the listed arguments. Status 1: interrupted; any other: the result
-    // is set. Null counts as a value of no kind.
+    // is set. Null counts as a value of no kind. The list and the matrices in it that the call has
+    // made may be gone afterwards, unless the result is one of them or holds it.
     virtual std::int32_t EFI_OPERATION applyList(aLambda* function, Cons* arguments, Anyval** result) = 0;
     virtual void EFI_OPERATION hostOperation5() = 0;
     virtual void EFI_OPERATION hostOperation6() = 0;
