@@ -38,36 +38,15 @@ DWORD faultCode = 0;                  // of the last fault of that thread
 DWORD withheldCode = 0;               // of the last that was not thrown
 
 bool isFloatingPoint(DWORD code) {
-    switch (code) {
-        case EXCEPTION_FLT_DENORMAL_OPERAND:
-        case EXCEPTION_FLT_DIVIDE_BY_ZERO:
-        case EXCEPTION_FLT_INEXACT_RESULT:
-        case EXCEPTION_FLT_INVALID_OPERATION:
-        case EXCEPTION_FLT_OVERFLOW:
-        case EXCEPTION_FLT_STACK_CHECK:
-        case EXCEPTION_FLT_UNDERFLOW:
-            return true;
-        default:
-            return false;
-    }
+    return EXCEPTION_FLT_DENORMAL_OPERAND <= code && code <= EXCEPTION_FLT_UNDERFLOW;
 }
 
 // What an instruction can be at fault for. Not among them: the debugger's breakpoints and steps, and
 // the end of the stack, where there is no room to throw.
 bool isFault(DWORD code) {
-    switch (code) {
-        case EXCEPTION_INT_DIVIDE_BY_ZERO:
-        case EXCEPTION_INT_OVERFLOW:
-        case EXCEPTION_ARRAY_BOUNDS_EXCEEDED:
-        case EXCEPTION_ACCESS_VIOLATION:
-        case EXCEPTION_IN_PAGE_ERROR:
-        case EXCEPTION_DATATYPE_MISALIGNMENT:
-        case EXCEPTION_ILLEGAL_INSTRUCTION:
-        case EXCEPTION_PRIV_INSTRUCTION:
-            return true;
-        default:
-            return isFloatingPoint(code);
-    }
+    const bool isArithmetic = EXCEPTION_ARRAY_BOUNDS_EXCEEDED <= code && code <= EXCEPTION_PRIV_INSTRUCTION;
+    return isArithmetic || code == EXCEPTION_ACCESS_VIOLATION || code == EXCEPTION_IN_PAGE_ERROR ||
+           code == EXCEPTION_DATATYPE_MISALIGNMENT || code == EXCEPTION_ILLEGAL_INSTRUCTION;
 }
 
 // What the unwinder knows of the function that an instruction lies in; null when it knows nothing.

@@ -370,10 +370,8 @@ std::int64_t Host::findNested(const aMatrix* matrix, std::int64_t from) {
 
 Anyval* Host::readNested(const aMatrix* matrix, int row, int col) {
     const Value value = Value::of(matrix);
-    if (!value) return nullptr;
-    const auto& owned = Values::get<OwnedMatrix>(value);
-    const auto found = owned.cells.find(owned.place(row, col));
-    return owned.has(row, col) && found != owned.cells.end() ? found->second.raw() : nullptr;
+    const bool inside = value && Values::get<OwnedMatrix>(value).has(row, col);
+    return inside ? value.nested(row, col).raw() : nullptr;
 }
 
 std::int32_t Host::writeNested(aMatrix* matrix, int row, int col, Anyval* value) {

@@ -155,11 +155,9 @@ Value Value::borrow(int rows, int cols, int stride, const double* re, const doub
                     std::shared_ptr<const void> keeper) {
     if (stride < rows) throw std::invalid_argument("columns that overlap");
     if (!keeper) throw std::invalid_argument("borrowed memory without a keeper");
-    Value value = Values::make<OwnedMatrix>(rows, cols);
+    Value value = adopt(rows, cols, const_cast<double*>(re), const_cast<double*>(im));
     auto& matrix = Values::get<OwnedMatrix>(value);
     matrix.stride = stride;
-    matrix.re = const_cast<double*>(re);
-    matrix.im = const_cast<double*>(im);
     matrix.keeper = std::move(keeper);
     return value;
 }

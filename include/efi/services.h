@@ -37,11 +37,11 @@ class EfiObject {
 
 class IqrAllocator : public EfiObject {
  public:
-    virtual void EFI_OPERATION hostOperation4() = 0;
-    virtual void EFI_OPERATION hostOperation5() = 0;
-    virtual void EFI_OPERATION hostOperation6() = 0;
-    virtual void EFI_OPERATION hostOperation7() = 0;
-    virtual void EFI_OPERATION hostOperation8() = 0;
+    virtual void EFI_OPERATION hostOperation4() {}
+    virtual void EFI_OPERATION hostOperation5() {}
+    virtual void EFI_OPERATION hostOperation6() {}
+    virtual void EFI_OPERATION hostOperation7() {}
+    virtual void EFI_OPERATION hostOperation8() {}
     // 9: stores a new scalar in `out`, or null when there is no memory. The caller fills it,
     // the tag included.
     virtual void EFI_OPERATION newScalar(aComplex** out) = 0;
@@ -54,13 +54,13 @@ class IqrAllocator : public EfiObject {
 // the caller releases it.
 class EfiRootSet : public EfiObject {
  public:
-    virtual void EFI_OPERATION hostOperation4() = 0;
-    virtual void EFI_OPERATION hostOperation5() = 0;
-    virtual void EFI_OPERATION hostOperation6() = 0;
-    virtual void EFI_OPERATION hostOperation7() = 0;
-    virtual void EFI_OPERATION hostOperation8() = 0;
-    virtual void EFI_OPERATION hostOperation9() = 0;
-    virtual void EFI_OPERATION hostOperation10() = 0;
+    virtual void EFI_OPERATION hostOperation4() {}
+    virtual void EFI_OPERATION hostOperation5() {}
+    virtual void EFI_OPERATION hostOperation6() {}
+    virtual void EFI_OPERATION hostOperation7() {}
+    virtual void EFI_OPERATION hostOperation8() {}
+    virtual void EFI_OPERATION hostOperation9() {}
+    virtual void EFI_OPERATION hostOperation10() {}
     // 11: stores in `out` a cell of the host's, or null when there is no memory. The value whose
     // pointer the caller puts into the cell lives until the cell is removed.
     virtual void EFI_OPERATION addRoot(Anyval*** out) = 0;
@@ -77,15 +77,15 @@ class EfiEvaluator : public EfiObject {
     // is set. Null counts as a value of no kind. The list and the matrices in it that the call has
     // made may be gone afterwards, unless the result is one of them or holds it.
     virtual std::int32_t EFI_OPERATION applyList(aLambda* function, Cons* arguments, Anyval** result) = 0;
-    virtual void EFI_OPERATION hostOperation5() = 0;
-    virtual void EFI_OPERATION hostOperation6() = 0;
-    virtual void EFI_OPERATION hostOperation7() = 0;
-    virtual void EFI_OPERATION hostOperation8() = 0;
-    virtual void EFI_OPERATION hostOperation9() = 0;
-    virtual void EFI_OPERATION hostOperation10() = 0;
+    virtual void EFI_OPERATION hostOperation5() {}
+    virtual void EFI_OPERATION hostOperation6() {}
+    virtual void EFI_OPERATION hostOperation7() {}
+    virtual void EFI_OPERATION hostOperation8() {}
+    virtual void EFI_OPERATION hostOperation9() {}
+    virtual void EFI_OPERATION hostOperation10() {}
     // 11: called with 1; answers 1 when the user wants to stop.
     virtual std::int32_t EFI_OPERATION pollInterrupt(std::int32_t one) = 0;
-    virtual void EFI_OPERATION hostOperation12() = 0;
+    virtual void EFI_OPERATION hostOperation12() {}
     // 13: as applyList, with one argument. The result stays valid until the next evaluation.
     virtual std::int32_t EFI_OPERATION applyOne(aLambda* function, Anyval* argument, Anyval** result) = 0;
 
