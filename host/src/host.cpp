@@ -17,13 +17,13 @@ namespace efihost {
 
 namespace {
 
-// A cell of a list, with the handle that its value lives by.
+// A cell of a list, with a handle that keeps its value alive.
 struct ListCell {
     Cons cell;
     Value value;
 };
 
-// The pack writes into the cell behind the host's back; `held` follows before anything is freed.
+// The pack writes into the cell unseen; `held` is brought up to date before anything is freed.
 struct Root {
     Anyval* cell = nullptr;
     Value held;
@@ -31,15 +31,14 @@ struct Root {
 
 }  // namespace
 
-// What a call owns until it ends. Of the millions of evaluations and transforms in one call, nothing
-// piles up: results live until the next one, and matrices lent to a function until it has returned.
+// What a call owns until it ends. A call may evaluate and transform millions of times, so results live
+// only until the next one, and matrices lent to a function until it returns.
 struct Call::Frame {
     explicit Frame(Host::State& state);
 
     // The host's part of a user function; null for anything else.
     OwnedFunction* calleeOf(const aLambda* function);
-    // Lets go of a list and of the matrices in it. Whoever else holds one, such as the user or the
-    // result, still does.
+    // Drops a list and the matrices in it. Those that the user or the result holds live on.
     void release(const Cons* list);
 
     EfiCallContext context;
@@ -49,7 +48,7 @@ struct Call::Frame {
     Value transformed;
     std::vector<Value> arguments;  // of the last evaluation
     Value callee;                  // of the last evaluation
-    std::exception_ptr thrown;     // what comes out of the call when the pack has returned
+    std::exception_ptr thrown;     // rethrown when the pack has returned
     FaultTranslation faults;
 };
 
@@ -64,7 +63,7 @@ struct Host::State {
     RootSet rootSet;
     Evaluator evaluator;
     std::list<Root> roots;
-    std::shared_ptr<const std::function<bool()>> question;  // shared with a poll that is under way
+    std::shared_ptr<const std::function<bool()>> question;  // shared with a poll in progress
     FourierTransformer fourier;
     Call::Frame* frame = nullptr;
     Value outOfMemory = Value::error("out of memory", 0);  // made while there is memory
@@ -80,7 +79,7 @@ OwnedFunction* Call::Frame::calleeOf(const aLambda* function) {
 
 namespace {
 
-// Erases the last element of which the question is true: what is used last is mostly made last.
+// Searches from the end: what is dropped was mostly made last.
 template <class Elements, class Question>
 void eraseLast(Elements& elements, Question question) {
     const auto found = std::find_if(elements.rbegin(), elements.rend(), question);
@@ -111,8 +110,8 @@ void Host::State::holdRoots() {
 
 namespace {
 
-// Only what packs know how to pass on may be thrown through them. Anything else that the user's
-// code throws is kept until the pack has returned, and looks like an interruption until then.
+// Only three things may be thrown through a pack. Anything else that user code throws is kept until
+// the pack has returned, and the pack is told that the user has interrupted.
 template <class Work>
 std::int32_t shielded(std::exception_ptr& thrown, Work work) {
     try {
@@ -138,7 +137,7 @@ auto orNull(Make make) -> decltype(make()) {
     }
 }
 
-// Scalars are copied: a pack may hand over one of its own, and change it for the next evaluation.
+// Scalars are copied: a pack may pass one of its own, and change it for the next evaluation.
 void takeArguments(std::vector<Value>& taken, const Cons* list) {
     std::size_t count = 0;
     for (; list; list = list->next, ++count) {
@@ -215,7 +214,7 @@ Host::Host() : state_(std::make_unique<State>(*this)) {}
 
 Host::~Host() = default;
 
-// Never destroyed: a call may still wait for it while the process ends.
+// Never destroyed: a call may wait for it while the process ends.
 std::unique_lock<std::recursive_mutex> Host::lock() {
     static std::recursive_mutex& theLock = *new std::recursive_mutex;
     return std::unique_lock(theLock);
@@ -332,7 +331,7 @@ std::int32_t Host::pollInterrupt() {
 
 namespace {
 
-// A complex column of that length in `slot`: the one that is there, when the slot alone holds it.
+// Reuses the column in `slot` when nothing else holds it and the length is right.
 const aMatrix& columnIn(Value& slot, int rows) {
     if (!slot.isMatrix() || !Values::isSole(slot) || slot.rows() != rows)
         slot = Values::makeMatrix(rows, 1, true);
@@ -383,7 +382,7 @@ std::int32_t Host::writeNested(aMatrix* matrix, int row, int col, Anyval* value)
     try {
         auto& owned = Values::get<OwnedMatrix>(outer);
         Value& cell = owned.cells[owned.place(row, col)];
-        // Who has read the value that was there may go on using it.
+        // The pack may still use the value that was there.
         if (cell) state_->current().made.push_back(cell);
         cell = inner;
         return 0;

@@ -9,7 +9,7 @@ namespace efihost {
 
 namespace {
 
-// The type T, once for each number of an index sequence.
+// T for each number of an index sequence.
 template <class T, std::size_t>
 using Repeated = T;
 

@@ -1,4 +1,4 @@
-// The objects through which packs reach a host: each operation goes straight to the host's.
+// The objects through which packs reach a host. Each operation forwards to the host.
 #pragma once
 
 #include "efi/host.h"

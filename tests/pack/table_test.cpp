@@ -124,13 +124,13 @@ TEST(Table, HasTheDocumentedRows) {
 }
 
 TEST(Registration, HandsOverHandleAndIdentifier) {
-    efihost::answerRegistrationsWith(-7);
+    efihost::setRegistrationStatus(-7);
     EXPECT_EQ(pack().registerServer(), -7);
-    efihost::answerRegistrationsWith(0);
+    efihost::setRegistrationStatus(0);
     EXPECT_EQ(pack().registerServer(), 0);
-    efihost::answerRegistrationsWith(5);
+    efihost::setRegistrationStatus(5);
     EXPECT_EQ(pack().unregisterServer(), 5);
-    efihost::answerRegistrationsWith(0);
+    efihost::setRegistrationStatus(0);
     EXPECT_EQ(pack().unregisterServer(), 0);
 
     const auto registered = efihost::lastRegistered();
