@@ -9,9 +9,9 @@
 
 #include "efi/faults.h"
 
-// Written in assembly for what it tells the unwinder: that it was entered by a fault. Its return
-// address is the faulting instruction itself, where a call's would be the one after it. What the
-// x87 unit holds at a fault is lost; its control word stays.
+// In assembly, as it must tell the unwinder that a fault led here: its return address is the faulting
+// instruction itself, not the one after it. The registers of the x87 unit are lost; its control word
+// is kept.
 asm(R"(
     .text
 _efihostEnterFault:
@@ -28,7 +28,7 @@ _efihostEnterFault:
 
 extern "C" void efihostEnterFault();
 
-// Of the compiler's run-time, which declares it nowhere.
+// Part of the compiler's run-time, which has no header for it.
 extern "C" const void* _Unwind_Find_FDE(void* instruction, void* (*bases)[3]);
 
 namespace {
@@ -38,48 +38,26 @@ DWORD faultCode = 0;                  // of the last fault of that thread
 DWORD withheldCode = 0;               // of the last that was not thrown
 
 bool isFloatingPoint(DWORD code) {
-    switch (code) {
-        case EXCEPTION_FLT_DENORMAL_OPERAND:
-        case EXCEPTION_FLT_DIVIDE_BY_ZERO:
-        case EXCEPTION_FLT_INEXACT_RESULT:
-        case EXCEPTION_FLT_INVALID_OPERATION:
-        case EXCEPTION_FLT_OVERFLOW:
-        case EXCEPTION_FLT_STACK_CHECK:
-        case EXCEPTION_FLT_UNDERFLOW:
-            return true;
-        default:
-            return false;
-    }
+    return EXCEPTION_FLT_DENORMAL_OPERAND <= code && code <= EXCEPTION_FLT_UNDERFLOW;
 }
 
-// What an instruction can be at fault for. Not among them: the debugger's breakpoints and steps, and
-// the end of the stack, where there is no room to throw.
+// Not among the faults: the debugger's breakpoints and steps, and the end of the stack, where there is
+// no room to throw.
 bool isFault(DWORD code) {
-    switch (code) {
-        case EXCEPTION_INT_DIVIDE_BY_ZERO:
-        case EXCEPTION_INT_OVERFLOW:
-        case EXCEPTION_ARRAY_BOUNDS_EXCEEDED:
-        case EXCEPTION_ACCESS_VIOLATION:
-        case EXCEPTION_IN_PAGE_ERROR:
-        case EXCEPTION_DATATYPE_MISALIGNMENT:
-        case EXCEPTION_ILLEGAL_INSTRUCTION:
-        case EXCEPTION_PRIV_INSTRUCTION:
-            return true;
-        default:
-            return isFloatingPoint(code);
-    }
+    const bool isArithmetic = EXCEPTION_ARRAY_BOUNDS_EXCEEDED <= code && code <= EXCEPTION_PRIV_INSTRUCTION;
+    return isArithmetic || code == EXCEPTION_ACCESS_VIOLATION || code == EXCEPTION_IN_PAGE_ERROR ||
+           code == EXCEPTION_DATATYPE_MISALIGNMENT || code == EXCEPTION_ILLEGAL_INSTRUCTION;
 }
 
-// What the unwinder knows of the function that an instruction lies in; null when it knows nothing.
+// The unwinder's record of the function around an instruction, or null.
 const void* unwindingOf(DWORD instruction) {
     void* bases[3] = {};
     return _Unwind_Find_FDE(reinterpret_cast<void*>(instruction), &bases);
 }
 
-// The x87 unit reports a fault when it is used the next time, which a compiler does not know: it
-// expects throws from those instructions alone that can be at fault, and from no function of the
-// mathematics library. Within the function where the fault arose, it counts for the instruction that
-// is at fault; elsewhere it cannot be thrown.
+// The x87 unit reports a fault when it is next used. A compiler does not know that: it expects throws
+// only from instructions that can fault, and none from the mathematics library. So a fault that is
+// reported in the function where it arose is thrown from its own instruction, and no other is thrown.
 bool goBackToOrigin(CONTEXT& context) {
     const DWORD origin = context.FloatSave.ErrorOffset;
     const void* reporting = unwindingOf(context.Eip);
@@ -88,7 +66,7 @@ bool goBackToOrigin(CONTEXT& context) {
     return true;
 }
 
-// Lets the thread go on as if nothing trapped. The fault stays in the status word.
+// Continues the thread with all faults masked. This one stays in the status word.
 void withhold(CONTEXT& context) {
     constexpr WORD all = 0x3f;
     withheldCode = faultCode;
@@ -96,7 +74,7 @@ void withhold(CONTEXT& context) {
     context.ExtendedRegisters[0] |= all;
 }
 
-// Has the thread go on in efihostEnterFault, as if the faulting instruction had called that.
+// Continues the thread in efihostEnterFault, as if the faulting instruction had called it.
 void divert(CONTEXT& context) {
     context.Esp -= sizeof(DWORD);
     *reinterpret_cast<DWORD*>(context.Esp) = context.Eip;
@@ -118,7 +96,7 @@ LONG CALLBACK translate(EXCEPTION_POINTERS* exception) {
     return EXCEPTION_CONTINUE_EXECUTION;
 }
 
-// Installed for as long as the library is loaded.
+// Installed while the library is loaded.
 struct Translator {
     Translator() : handle(AddVectoredExceptionHandler(1, &translate)) {}
     ~Translator() { RemoveVectoredExceptionHandler(handle); }

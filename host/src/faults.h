@@ -5,11 +5,11 @@ namespace efihost {
 
 // While one lives, faults of the thread that made it (a division by zero, an access violation) are
 // thrown as SE_FPE_Exception where they happen, with the platform's code. A fault of the arithmetic
-// that comes to light where it cannot be thrown is withheld: it stays in the status word, and traps
-// no more.
+// that is reported where it cannot be thrown is withheld: it stays in the status word, and faults
+// are masked from then on.
 //
-// Calls do not overlap, so that only nested ones live at a time, all on one thread. Without effect
-// where the platform reports faults otherwise, like the functions below.
+// Calls do not overlap, so those that live at a time are nested, on one thread. This and the functions
+// below do nothing where the processor does not trap.
 class FaultTranslation {
  public:
     FaultTranslation();
@@ -24,8 +24,7 @@ class FaultTranslation {
 #endif
 };
 
-// Throws the fault that has been withheld since forgetWithheldFault(), for code that hears of its
-// faults in no other way.
+// Throws the fault that was withheld since forgetWithheldFault(), for code that would not notice it.
 void forgetWithheldFault();
 void throwWithheldFault();
 

@@ -15,8 +15,8 @@ using Complex = std::complex<double>;
 // The butterflies take time proportional to a prime factor at each of the n points.
 constexpr std::size_t largestDirectFactor = 50;
 
-// Plans take 16 to 150 bytes a point. One of more than `longestKept` points is not kept, and all are
-// dropped when they would have more than `pointsKept` together.
+// Plans take 16 to 150 bytes a point. Those of more than `longestKept` points are not kept, and all
+// are dropped before they exceed `pointsKept` points together.
 constexpr std::size_t longestKept = std::size_t{1} << 17;
 constexpr std::size_t pointsKept = std::size_t{1} << 19;
 

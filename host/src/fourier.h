@@ -10,7 +10,7 @@
 
 namespace efihost {
 
-// Room that transforms share, so that it is not looked for every time.
+// Memory that transforms share, so that it is not allocated every time.
 struct FourierRoom {
     std::vector<std::complex<double>> numbers;  // to be transformed, and then the result
     std::vector<std::complex<double>> spare;
@@ -31,12 +31,11 @@ struct FourierColumn {
     Number* im;
 };
 
-// Transforms, and keeps the plans of modest lengths for the next time: a few lengths are
-// transformed again and again.
+// Keeps the plans of modest lengths, as a few lengths are transformed again and again.
 class FourierTransformer {
  public:
     // Writes for each m the sum of x[k] exp(-2 pi i m k / n), or of x[k] exp(+2 pi i m k / n) when
-    // inverse, n >= 1. A part of x that is null is zeros; the result may take its place. Throws
+    // inverse, n >= 1. A null part of x reads as zeros. The result may overwrite x. Throws
     // std::bad_alloc.
     void transform(const FourierColumn<const double>& x, bool inverse, const FourierColumn<double>& result);
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <deque>
 #include <exception>
 #include <list>
 #include <new>
@@ -18,13 +17,13 @@ namespace efihost {
 
 namespace {
 
-// A cell of a list, with the handle that its value lives by.
+// A cell of a list, with a handle that keeps its value alive.
 struct ListCell {
     Cons cell;
     Value value;
 };
 
-// The pack writes into the cell behind the host's back; `held` follows before anything is freed.
+// The pack writes into the cell unseen; `held` is brought up to date before anything is freed.
 struct Root {
     Anyval* cell = nullptr;
     Value held;
@@ -32,22 +31,24 @@ struct Root {
 
 }  // namespace
 
-// What a call owns until it ends. The results of the last evaluation and of the last transform
-// live until the next one, so that the millions of them in one call do not pile up.
+// What a call owns until it ends. A call may evaluate and transform millions of times, so results live
+// only until the next one, and matrices lent to a function until it returns.
 struct Call::Frame {
     explicit Frame(Host::State& state);
 
     // The host's part of a user function; null for anything else.
     OwnedFunction* calleeOf(const aLambda* function);
+    // Drops a list and the matrices in it. Those that the user or the result holds live on.
+    void release(const Cons* list);
 
     EfiCallContext context;
     std::vector<Value> made;
-    std::deque<ListCell> lists;
+    std::list<ListCell> lists;
     Value evaluated;
     Value transformed;
     std::vector<Value> arguments;  // of the last evaluation
     Value callee;                  // of the last evaluation
-    std::exception_ptr thrown;     // what comes out of the call when the pack has returned
+    std::exception_ptr thrown;     // rethrown when the pack has returned
     FaultTranslation faults;
 };
 
@@ -62,7 +63,7 @@ struct Host::State {
     RootSet rootSet;
     Evaluator evaluator;
     std::list<Root> roots;
-    std::function<bool()> question;
+    std::shared_ptr<const std::function<bool()>> question;  // shared with a poll in progress
     FourierTransformer fourier;
     Call::Frame* frame = nullptr;
     Value outOfMemory = Value::error("out of memory", 0);  // made while there is memory
@@ -74,6 +75,26 @@ OwnedFunction* Call::Frame::calleeOf(const aLambda* function) {
     if (!function) return nullptr;
     if (callee.raw() != function) callee = Value::of(function);
     return callee.isFunction() ? &Values::get<OwnedFunction>(callee) : nullptr;
+}
+
+namespace {
+
+// Searches from the end: what is dropped was mostly made last.
+template <class Elements, class Question>
+void eraseLast(Elements& elements, Question question) {
+    const auto found = std::find_if(elements.rbegin(), elements.rend(), question);
+    if (found != elements.rend()) elements.erase(std::next(found).base());
+}
+
+}  // namespace
+
+void Call::Frame::release(const Cons* list) {
+    arguments.clear();
+    while (list) {
+        const Cons* cell = std::exchange(list, list->next);
+        eraseLast(made, [=](const Value& value) { return value.isMatrix() && value.raw() == cell->value; });
+        eraseLast(lists, [=](const ListCell& each) { return &each.cell == cell; });
+    }
 }
 
 Call::Frame& Host::State::current() const {
@@ -89,8 +110,8 @@ void Host::State::holdRoots() {
 
 namespace {
 
-// Only what packs know how to pass on may be thrown through them. Anything else that the user's
-// code throws is kept until the pack has returned, and looks like an interruption until then.
+// Only three things may be thrown through a pack. Anything else that user code throws is kept until
+// the pack has returned, and the pack is told that the user has interrupted.
 template <class Work>
 std::int32_t shielded(std::exception_ptr& thrown, Work work) {
     try {
@@ -116,7 +137,7 @@ auto orNull(Make make) -> decltype(make()) {
     }
 }
 
-// Scalars are copied: a pack may hand over one of its own, and change it for the next evaluation.
+// Scalars are copied: a pack may pass one of its own, and change it for the next evaluation.
 void takeArguments(std::vector<Value>& taken, const Cons* list) {
     std::size_t count = 0;
     for (; list; list = list->next, ++count) {
@@ -193,7 +214,7 @@ Host::Host() : state_(std::make_unique<State>(*this)) {}
 
 Host::~Host() = default;
 
-// Never destroyed: a call may still wait for it while the process ends.
+// Never destroyed: a call may wait for it while the process ends.
 std::unique_lock<std::recursive_mutex> Host::lock() {
     static std::recursive_mutex& theLock = *new std::recursive_mutex;
     return std::unique_lock(theLock);
@@ -223,7 +244,7 @@ Value Host::callRaw(const Function& function, std::span<const Value> arguments) 
 }
 
 void Host::setInterrupt(std::function<bool()> question) {
-    state_->question = std::move(question);
+    state_->question = std::make_shared<const std::function<bool()>>(std::move(question));
 }
 
 int Host::liveRoots() const {
@@ -290,7 +311,9 @@ void Host::removeRoot(Anyval** cell) {
 }
 
 std::int32_t Host::applyList(aLambda* function, Cons* arguments, Anyval** result) {
-    return state_->apply(function, arguments, result);
+    const std::int32_t status = state_->apply(function, arguments, result);
+    state_->current().release(arguments);
+    return status;
 }
 
 std::int32_t Host::applyOne(aLambda* function, Anyval* argument, Anyval** result) {
@@ -301,13 +324,14 @@ std::int32_t Host::applyOne(aLambda* function, Anyval* argument, Anyval** result
 std::int32_t Host::pollInterrupt() {
     Call::Frame& frame = state_->current();
     if (frame.thrown) return efiInterrupted;
-    if (!state_->question) return 0;
-    return shielded(frame.thrown, [&] { return state_->question() ? efiInterrupted : 0; });
+    const auto question = state_->question;
+    if (!question || !*question) return 0;
+    return shielded(frame.thrown, [&] { return (*question)() ? efiInterrupted : 0; });
 }
 
 namespace {
 
-// A complex column of that length in `slot`: the one that is there, when the slot alone holds it.
+// Reuses the column in `slot` when nothing else holds it and the length is right.
 const aMatrix& columnIn(Value& slot, int rows) {
     if (!slot.isMatrix() || !Values::isSole(slot) || slot.rows() != rows)
         slot = Values::makeMatrix(rows, 1, true);
@@ -345,10 +369,8 @@ std::int64_t Host::findNested(const aMatrix* matrix, std::int64_t from) {
 
 Anyval* Host::readNested(const aMatrix* matrix, int row, int col) {
     const Value value = Value::of(matrix);
-    if (!value) return nullptr;
-    const auto& owned = Values::get<OwnedMatrix>(value);
-    const auto found = owned.cells.find(owned.place(row, col));
-    return owned.has(row, col) && found != owned.cells.end() ? found->second.raw() : nullptr;
+    const bool inside = value && Values::get<OwnedMatrix>(value).has(row, col);
+    return inside ? value.nested(row, col).raw() : nullptr;
 }
 
 std::int32_t Host::writeNested(aMatrix* matrix, int row, int col, Anyval* value) {
@@ -359,11 +381,10 @@ std::int32_t Host::writeNested(aMatrix* matrix, int row, int col, Anyval* value)
     }
     try {
         auto& owned = Values::get<OwnedMatrix>(outer);
-        // Who has read the value that was there may go on using it.
-        std::vector<Value>& made = state_->current().made;
-        made.emplace_back();
         Value& cell = owned.cells[owned.place(row, col)];
-        made.back() = std::exchange(cell, inner);
+        // The pack may still use the value that was there.
+        if (cell) state_->current().made.push_back(cell);
+        cell = inner;
         return 0;
     } catch (const std::bad_alloc&) {
         return statusNoMemory;

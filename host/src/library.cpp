@@ -11,7 +11,7 @@
 
 namespace efihost {
 
-// A bare file name would be searched for among the system's libraries; this one is a path.
+// Made absolute, as a bare file name would be searched for among the system's libraries.
 void* loadLibrary(const std::filesystem::path& path) {
     const std::filesystem::path file = std::filesystem::absolute(path);
 #ifdef _WIN32

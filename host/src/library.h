@@ -5,10 +5,10 @@
 
 namespace efihost {
 
-// Throws LoadError. The library keeps its symbols to itself and is never unloaded.
+// Throws LoadError. The library's symbols are not visible to others, and it is never unloaded.
 void* loadLibrary(const std::filesystem::path& path);
 
-// Null when the library exports no such symbol.
+// Returns null when the library exports no such symbol.
 void* findSymbol(void* library, const char* name);
 
 }  // namespace efihost

@@ -8,7 +8,7 @@ namespace {
 
 std::optional<Registration> registered;
 std::optional<Registration> unregistered;
-int answer = 0;
+int status = 0;
 
 }  // namespace
 
@@ -18,8 +18,8 @@ std::optional<Registration> lastRegistered() {
 std::optional<Registration> lastUnregistered() {
     return unregistered;
 }
-void answerRegistrationsWith(int status) {
-    answer = status;
+void setRegistrationStatus(int newStatus) {
+    status = newStatus;
 }
 
 }  // namespace efihost
@@ -27,11 +27,11 @@ void answerRegistrationsWith(int status) {
 int RegisterEfiFunctionPack(void* moduleHandle, const EfiGuid* packId) {
     const auto lock = efihost::Host::lock();
     efihost::registered = {moduleHandle, *packId};
-    return efihost::answer;
+    return efihost::status;
 }
 
 int UnregisterEfiFunctionPack(const EfiGuid* packId) {
     const auto lock = efihost::Host::lock();
     efihost::unregistered = {nullptr, *packId};
-    return efihost::answer;
+    return efihost::status;
 }

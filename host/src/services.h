@@ -1,4 +1,4 @@
-// The objects through which packs reach a host: each operation goes straight to the host's.
+// The objects through which packs reach a host. Each operation forwards to the host.
 #pragma once
 
 #include "efi/host.h"
@@ -57,11 +57,6 @@ class Allocator final : public Service<IqrAllocator> {
         *out = roots;
         return 0;
     }
-    void EFI_OPERATION hostOperation4() override {}
-    void EFI_OPERATION hostOperation5() override {}
-    void EFI_OPERATION hostOperation6() override {}
-    void EFI_OPERATION hostOperation7() override {}
-    void EFI_OPERATION hostOperation8() override {}
     void EFI_OPERATION newScalar(aComplex** out) override { *out = host().makeScalar(); }
 };
 
@@ -74,13 +69,6 @@ class RootSet final : public Service<EfiRootSet> {
         if (sameId(interfaceId, efiRootSetId)) return hand(out);
         return allocator_.QueryInterface(interfaceId, out);
     }
-    void EFI_OPERATION hostOperation4() override {}
-    void EFI_OPERATION hostOperation5() override {}
-    void EFI_OPERATION hostOperation6() override {}
-    void EFI_OPERATION hostOperation7() override {}
-    void EFI_OPERATION hostOperation8() override {}
-    void EFI_OPERATION hostOperation9() override {}
-    void EFI_OPERATION hostOperation10() override {}
     void EFI_OPERATION addRoot(Anyval*** out) override { *out = host().addRoot(); }
     void EFI_OPERATION removeRoot(Anyval** cell) override { host().removeRoot(cell); }
 
@@ -98,14 +86,7 @@ class Evaluator final : public Service<EfiEvaluator> {
     std::int32_t EFI_OPERATION applyList(aLambda* function, Cons* arguments, Anyval** result) override {
         return host().applyList(function, arguments, result);
     }
-    void EFI_OPERATION hostOperation5() override {}
-    void EFI_OPERATION hostOperation6() override {}
-    void EFI_OPERATION hostOperation7() override {}
-    void EFI_OPERATION hostOperation8() override {}
-    void EFI_OPERATION hostOperation9() override {}
-    void EFI_OPERATION hostOperation10() override {}
     std::int32_t EFI_OPERATION pollInterrupt(std::int32_t) override { return host().pollInterrupt(); }
-    void EFI_OPERATION hostOperation12() override {}
     std::int32_t EFI_OPERATION applyOne(aLambda* function, Anyval* argument, Anyval** result) override {
         return host().applyOne(function, argument, result);
     }

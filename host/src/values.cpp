@@ -59,9 +59,8 @@ bool fits(std::span<const double> numbers, const aMatrix& matrix) {
     return numbers.size() == matrix.bytes / sizeof(double);
 }
 
-// Matrices that nothing else holds, down to the deepest, are freed one after the other: the depth
-// of a user's nesting is no reason to run out of stack. Only without memory for the list of what
-// is left does one free the next.
+// Frees nested matrices in a loop, as deep nesting would overflow the stack in a recursion. It falls
+// back to recursion only when there is no memory for the list of what is left.
 void freeCells(Cells cells) try {
     std::vector<Cells> left;
     left.push_back(std::move(cells));
@@ -102,7 +101,7 @@ OwnedError::OwnedError(std::string_view text, int argument) : Listed(TagError), 
 
 bool Values::isSole(const Value& value) {
     const bool sole = value.value_.use_count() == 1;
-    // Pairs with the release by which another thread let go of its handle.
+    // Pairs with the release by which another thread dropped its handle.
     std::atomic_thread_fence(std::memory_order_acquire);
     return sole;
 }
@@ -155,11 +154,9 @@ Value Value::borrow(int rows, int cols, int stride, const double* re, const doub
                     std::shared_ptr<const void> keeper) {
     if (stride < rows) throw std::invalid_argument("columns that overlap");
     if (!keeper) throw std::invalid_argument("borrowed memory without a keeper");
-    Value value = Values::make<OwnedMatrix>(rows, cols);
+    Value value = adopt(rows, cols, const_cast<double*>(re), const_cast<double*>(im));
     auto& matrix = Values::get<OwnedMatrix>(value);
     matrix.stride = stride;
-    matrix.re = const_cast<double*>(re);
-    matrix.im = const_cast<double*>(im);
     matrix.keeper = std::move(keeper);
     return value;
 }

@@ -1,4 +1,4 @@
-// What stands behind a Value: a record of the border, followed by what only the host knows of it.
+// What a Value points to: a record of the border, followed by the host's own fields.
 #pragma once
 
 #include <map>
@@ -9,8 +9,8 @@
 
 namespace efihost {
 
-// Every value that exists, by its address. This tells a value of the host from any other pointer,
-// so that nothing is ever read beside a record that is not the host's own.
+// All values that exist, by address. A pointer that is not listed is not the host's, and nothing is
+// read beyond the record that it points to.
 class Registry {
  public:
     void add(const std::shared_ptr<Anyval>& value);
@@ -19,7 +19,7 @@ class Registry {
     std::size_t size() const noexcept;
 
  private:
-    // Held for a look-up only, never while anything else is waited for or called.
+    // Held only for a look-up, never while waiting for or calling anything else.
     mutable std::mutex mutex_;
     std::unordered_map<const Anyval*, std::weak_ptr<Anyval>> values_;
 };
@@ -55,7 +55,7 @@ struct OwnedMatrix : Listed<aMatrix> {
     bool has(int row, int col) const { return row >= 0 && row < rows && col >= 0 && col < cols; }
 
     Cells cells;
-    std::shared_ptr<const void> keeper;  // of borrowed arrays; the others are the matrix's own
+    std::shared_ptr<const void> keeper;  // of borrowed arrays; null when the matrix owns its arrays
 };
 
 struct OwnedFunction : Listed<aLambda> {
@@ -95,10 +95,10 @@ class Values {
     // A matrix with arrays of its own, not yet filled.
     static Value makeMatrix(int rows, int cols, bool isComplex);
 
-    // Makes a scalar in `slot`: in place, when the slot alone holds a scalar already.
+    // Sets `slot` to a scalar, reusing one that nothing else holds.
     static void putScalar(Value& slot, std::complex<double> number);
 
-    // Whether the handle is the only one, so that the value may be written to.
+    // Whether the handle is the only one, so the value may be changed.
     static bool isSole(const Value& value);
 };
 

@@ -6,8 +6,8 @@
 
 #include "efi/pack.h"
 
-// The values inherit their tag, so offsetof on them is "conditionally supported": by every
-// compiler used here.
+// The values inherit their tag, so offsetof on them is only "conditionally supported". Every compiler
+// used here does support it.
 #if defined(__GNUC__)
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Winvalid-offsetof"

@@ -16,8 +16,7 @@ struct sString {
 // The entry of a row, to be cast to its exact type before it is called:
 //   n fixed arguments   Anyval* (*)(EfiCallContext*, Anyval* x n)
 //   Variable_to_Any     Anyval* (*)(EfiCallContext*, int count, ...), count pointers to Anyval
-// The result is never owned by the caller of the entry but by the host. It is an error value
-// (tag 0) where the call failed.
+// The host owns the result, which is an error value (tag 0) where the call failed.
 using EfiEntry = void (*)();
 
 // A row of the table.
@@ -35,7 +34,7 @@ extern "C" {
 EFI_PACK extern EfiFunction theEfi[];
 EFI_PACK extern const std::int32_t numFuncs;
 
-// Registers the pack with the host, or takes it back; both return the host's status.
+// Register the pack with the host, and remove it again. Both return the host's status.
 EFI_PACK int DllRegisterServer();
 EFI_PACK int DllUnregisterServer();
 }

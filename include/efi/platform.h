@@ -1,5 +1,5 @@
-// What depends on the platform: how a symbol leaves or enters a library, and how the operations
-// of a host object are called. No other header of the border knows the platform.
+// What depends on the platform: how symbols are exported and imported, and how the operations of a
+// host object are called. No other header of the border knows the platform.
 #pragma once
 
 #if defined(_WIN32)

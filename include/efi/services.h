@@ -26,7 +26,7 @@ inline constexpr std::int32_t efiInterrupted = 1;
 // Operations 1 to 3 of every object.
 class EfiObject {
  public:
-    // Stores the interface in `out` and answers a status that is negative on failure.
+    // Stores the interface in `out`. Returns a status that is negative on failure.
     virtual std::int32_t EFI_OPERATION QueryInterface(const EfiGuid& interfaceId, void** out) = 0;
     virtual std::uint32_t EFI_OPERATION AddRef() = 0;
     virtual std::uint32_t EFI_OPERATION Release() = 0;
@@ -37,34 +37,34 @@ class EfiObject {
 
 class IqrAllocator : public EfiObject {
  public:
-    virtual void EFI_OPERATION hostOperation4() = 0;
-    virtual void EFI_OPERATION hostOperation5() = 0;
-    virtual void EFI_OPERATION hostOperation6() = 0;
-    virtual void EFI_OPERATION hostOperation7() = 0;
-    virtual void EFI_OPERATION hostOperation8() = 0;
-    // 9: stores a new scalar in `out`, or null when there is no memory. The caller fills it,
-    // the tag included.
+    virtual void EFI_OPERATION hostOperation4() {}
+    virtual void EFI_OPERATION hostOperation5() {}
+    virtual void EFI_OPERATION hostOperation6() {}
+    virtual void EFI_OPERATION hostOperation7() {}
+    virtual void EFI_OPERATION hostOperation8() {}
+    // 9: stores a new scalar in `out`, or null when there is no memory. The caller fills it in,
+    // tag included.
     virtual void EFI_OPERATION newScalar(aComplex** out) = 0;
 
  protected:
     ~IqrAllocator() = default;
 };
 
-// Cells that keep a value alive. Obtained from the allocator's QueryInterface with efiRootSetId;
+// Cells that keep values alive. It comes from the allocator's QueryInterface with efiRootSetId, and
 // the caller releases it.
 class EfiRootSet : public EfiObject {
  public:
-    virtual void EFI_OPERATION hostOperation4() = 0;
-    virtual void EFI_OPERATION hostOperation5() = 0;
-    virtual void EFI_OPERATION hostOperation6() = 0;
-    virtual void EFI_OPERATION hostOperation7() = 0;
-    virtual void EFI_OPERATION hostOperation8() = 0;
-    virtual void EFI_OPERATION hostOperation9() = 0;
-    virtual void EFI_OPERATION hostOperation10() = 0;
-    // 11: stores in `out` a cell of the host's, or null when there is no memory. The value whose
+    virtual void EFI_OPERATION hostOperation4() {}
+    virtual void EFI_OPERATION hostOperation5() {}
+    virtual void EFI_OPERATION hostOperation6() {}
+    virtual void EFI_OPERATION hostOperation7() {}
+    virtual void EFI_OPERATION hostOperation8() {}
+    virtual void EFI_OPERATION hostOperation9() {}
+    virtual void EFI_OPERATION hostOperation10() {}
+    // 11: stores a cell of the host in `out`, or null when there is no memory. The value whose
     // pointer the caller puts into the cell lives until the cell is removed.
     virtual void EFI_OPERATION addRoot(Anyval*** out) = 0;
-    // 12: gives the cell back.
+    // 12: removes the cell.
     virtual void EFI_OPERATION removeRoot(Anyval** cell) = 0;
 
  protected:
@@ -74,17 +74,18 @@ class EfiRootSet : public EfiObject {
 class EfiEvaluator : public EfiObject {
  public:
     // 4: calls a function with the listed arguments. Status 1: interrupted; any other: the result
-    // is set. Null counts as a value of no kind.
+    // is set. Null counts as a value of no kind. The host may free the list when this returns, and
+    // with it the matrices that the pack made for it, except those that the result is or contains.
     virtual std::int32_t EFI_OPERATION applyList(aLambda* function, Cons* arguments, Anyval** result) = 0;
-    virtual void EFI_OPERATION hostOperation5() = 0;
-    virtual void EFI_OPERATION hostOperation6() = 0;
-    virtual void EFI_OPERATION hostOperation7() = 0;
-    virtual void EFI_OPERATION hostOperation8() = 0;
-    virtual void EFI_OPERATION hostOperation9() = 0;
-    virtual void EFI_OPERATION hostOperation10() = 0;
-    // 11: called with 1; answers 1 when the user wants to stop.
+    virtual void EFI_OPERATION hostOperation5() {}
+    virtual void EFI_OPERATION hostOperation6() {}
+    virtual void EFI_OPERATION hostOperation7() {}
+    virtual void EFI_OPERATION hostOperation8() {}
+    virtual void EFI_OPERATION hostOperation9() {}
+    virtual void EFI_OPERATION hostOperation10() {}
+    // 11: called with 1. Returns 1 when the user wants to stop.
     virtual std::int32_t EFI_OPERATION pollInterrupt(std::int32_t one) = 0;
-    virtual void EFI_OPERATION hostOperation12() = 0;
+    virtual void EFI_OPERATION hostOperation12() {}
     // 13: as applyList, with one argument. The result stays valid until the next evaluation.
     virtual std::int32_t EFI_OPERATION applyOne(aLambda* function, Anyval* argument, Anyval** result) = 0;
 
@@ -92,7 +93,7 @@ class EfiEvaluator : public EfiObject {
     ~EfiEvaluator() = default;
 };
 
-// Handed to every entry of a pack as the first argument; valid for that call.
+// The first argument of every entry of a pack, valid for that call.
 struct EfiCallContext {
     IqrAllocator* allocator;
     EfiEvaluator* evaluator;

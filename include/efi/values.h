@@ -1,9 +1,9 @@
-// The values that a host and a function pack hand to each other.
+// The values that a host and a function pack exchange.
 //
 // Every value begins with a 32-bit tag that tells its type. Integers are 32 bits wide, numbers
 // are IEEE doubles, pointers are the platform's. All values belong to the host: a pack makes them
 // through the host's operations (host.h, services.h), never frees one, and keeps no pointer to
-// one after the call in which it met it.
+// one beyond the call.
 #pragma once
 
 #include <cstdint>
@@ -27,7 +27,7 @@ struct Anyval {
     std::int32_t tag;
 };
 
-// A message and the argument that it is about. What follows these fields is the host's own.
+// A message and the argument that it is about. The host may add fields after these.
 struct aError : Anyval {
     std::int32_t hostField;
     std::int32_t argIndex;  // 1-based position of the argument at fault; 0: the call as a whole
@@ -57,8 +57,8 @@ struct aMatrix : Anyval {
     std::int32_t cols;
 
     // Makes a rows x cols matrix around the arrays, which it then owns; both come from the global
-    // operator new. `bytes` is 8 * rows * cols; `im` is null for a real matrix. Answers null, or
-    // throws, when it cannot: it has then adopted nothing.
+    // operator new. `bytes` is 8 * rows * cols; `im` is null for a real matrix. On failure it returns
+    // null or throws, and the arrays are still the caller's.
     EFI_HOST static aMatrix* mk(IqrAllocator* allocator, int rows, int cols, double* re, double* im,
                                 unsigned bytes);
 };
@@ -66,14 +66,14 @@ struct aMatrix : Anyval {
 // An aMatrix with one column.
 struct aVector : aMatrix {};
 
-// A user's function. A pack only hands it back to the host's evaluator (services.h).
+// A user's function. A pack can only pass it to the host's evaluator (services.h).
 struct aLambda : Anyval {};
 
-// A cell of a list of arguments. Opaque to packs.
+// A cell of a list of arguments, opaque to packs.
 struct Cons {
     Anyval* value;
     Cons* next;
 
-    // Makes a cell; null, or a throw, when it cannot.
+    // Makes a cell. On failure it returns null or throws.
     EFI_HOST static Cons* mk(IqrAllocator* allocator, Anyval* value, Cons* next);
 };

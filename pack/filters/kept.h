@@ -14,10 +14,13 @@ namespace undula {
 // must fault again.
 template <class Kept, class Construct>
 const Kept* keep(Array<double>& storage, Construct construct) {
-    const FaultWatch watch;
+    // Faults that the pack, or whoever calls a worker without the frame, has raised before do not count.
+    HostServiceScope constructing;
     Kept* wavelet = storage ? construct() : nullptr;
+    const bool faulted = raisedFaults() != 0;
+    constructing.keepFaults();
     if (wavelet == nullptr) return nullptr;
-    if (watch.faulted()) {
+    if (faulted) {
         delete wavelet;
         return nullptr;
     }

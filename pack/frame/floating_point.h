@@ -36,10 +36,10 @@ class FloatingPointFrame {
 // The message of the fault that the pack's arithmetic has raised in this call, or null.
 const char* pendingFault();
 
-// The same as FE_ flags.
+// All of its faults, as FE_ flags.
 unsigned raisedFaults();
 
-// Keeps the pack's faults and modes apart from the host's while a host service runs.
+// Keeps the pack's faults and modes apart from those of others, such as a host service, while it lives.
 class HostServiceScope {
  public:
     HostServiceScope();
@@ -47,29 +47,15 @@ class HostServiceScope {
     HostServiceScope(const HostServiceScope&) = delete;
     HostServiceScope& operator=(const HostServiceScope&) = delete;
 
+    // Makes the faults that were raised meanwhile the pack's.
+    void keepFaults();
+
 #if defined(__SSE2_MATH__)
  private:
     unsigned state;
 #elif !defined(_WIN32)
  private:
     std::fenv_t state;
-#endif
-};
-
-// Tells the faults that the pack raises while it lives from those that stood before. What it sees,
-// the call reports all the same.
-class FaultWatch {
- public:
-    FaultWatch();
-    ~FaultWatch();
-    FaultWatch(const FaultWatch&) = delete;
-    FaultWatch& operator=(const FaultWatch&) = delete;
-
-    bool faulted() const;
-
-#if !defined(_WIN32)
- private:
-    unsigned before;
 #endif
 };
 

@@ -30,24 +30,14 @@ FloatingPointFrame::~FloatingPointFrame() {
 unsigned raisedFaults() {
     return _mm_getcsr() & allFaults;
 }
-
-namespace {
-
-void clearFaults() {
-    _mm_setcsr(_mm_getcsr() & ~allFaults);
-}
-void raiseFaults(unsigned faults) {
-    _mm_setcsr(_mm_getcsr() | faults);
-}
-
-}  // namespace
-
 HostServiceScope::HostServiceScope() : state(_mm_getcsr()) {
-    _mm_setcsr(state & ~unsigned{FE_ALL_EXCEPT});
+    _mm_setcsr(state & ~allFaults);
 }
-// The rounding mode, too, is the pack's again.
 HostServiceScope::~HostServiceScope() {
     _mm_setcsr(state);
+}
+void HostServiceScope::keepFaults() {
+    state |= raisedFaults();
 }
 
 #else
@@ -55,37 +45,17 @@ HostServiceScope::~HostServiceScope() {
 unsigned raisedFaults() {
     return static_cast<unsigned>(std::fetestexcept(allFaults));
 }
-
-namespace {
-
-void clearFaults() {
-    std::feclearexcept(FE_ALL_EXCEPT);
-}
-void raiseFaults(unsigned faults) {
-    std::feraiseexcept(static_cast<int>(faults));
-}
-
-}  // namespace
-
 HostServiceScope::HostServiceScope() : state() {
-    std::fegetenv(&state);
-    std::feclearexcept(FE_ALL_EXCEPT);
+    std::feholdexcept(&state);
 }
-// The rounding mode, too, is the pack's again.
 HostServiceScope::~HostServiceScope() {
     std::fesetenv(&state);
 }
+void HostServiceScope::keepFaults() {
+    std::feupdateenv(&state);
+    std::fegetenv(&state);
+}
 
 #endif
-
-FaultWatch::FaultWatch() : before(raisedFaults()) {
-    clearFaults();
-}
-FaultWatch::~FaultWatch() {
-    raiseFaults(before);
-}
-bool FaultWatch::faulted() const {
-    return raisedFaults() != 0;
-}
 
 }  // namespace undula

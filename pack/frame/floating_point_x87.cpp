@@ -34,14 +34,16 @@ void loadControlWord(const unsigned short& word) {
 
 // The unit reports a fault when it is used the next time. That must not be by the host, nor must the
 // host's fault be met by the pack. A host masks what it cannot throw, and it or a user function may
-// round otherwise: from here on faults trap again, and results are rounded to nearest. Without a
-// frame the state is the caller's.
+// change modes: from here on the pack's are in force. For a worker without the frame, faults are
+// forgotten, and the modes are its caller's.
 void setFaultsAside() {
-    if (!insideFrame) return;
-    if (const unsigned faults = statusWord()) {
-        setAside |= faults;
-        asm volatile("fninit");
+    const unsigned faults = statusWord();
+    if (!insideFrame) {
+        asm volatile("fnclex");
+        return;
     }
+    setAside |= faults;
+    if (faults != 0) asm volatile("fninit");
     loadControlWord(packControlWord);
 }
 
@@ -75,15 +77,7 @@ HostServiceScope::~HostServiceScope() {
     setFaultsAside();
 }
 
-FaultWatch::FaultWatch() {
-    setFaultsAside();
-    asm volatile("fnclex");
-}
-FaultWatch::~FaultWatch() = default;
-
-bool FaultWatch::faulted() const {
-    asm volatile("fwait");
-    return statusWord() != 0;
-}
+// They are set aside, and reported in any case.
+void HostServiceScope::keepFaults() {}
 
 }  // namespace undula

@@ -8,7 +8,7 @@ namespace undula {
 
 namespace {
 
-// What Python knows this thread by, while the thread has let go of the lock; null while it holds it.
+// Python's state of this thread while the thread has released the lock; null while it holds it.
 thread_local PyThreadState* released = nullptr;
 
 void release() {

@@ -1,7 +1,7 @@
-// The interpreter lock. An interpreter that ends gives it to no other thread any more: it ends a thread
-// that asks (pthread_exit), by unwinding its stack. That would meet the host and the pack, which no
-// unwinding may leave so, and destructors that use Python without the lock. So every thread is caught
-// at the very call that asks for the lock, and sleeps until the process is gone.
+// The interpreter lock. While the interpreter ends, a thread that asks for the lock is ended
+// (pthread_exit) by unwinding its stack. That must not unwind the host and the pack, nor run
+// destructors that use Python without the lock. So the unwinding is caught at the call that asks for
+// the lock, and the thread sleeps until the process is gone.
 #pragma once
 
 #include <cxxabi.h>
@@ -16,8 +16,8 @@ bool interpreterEnds();
 
 [[noreturn]] void sleepForEver();
 
-// Does what may ask for the lock, if only because Python code runs that lets others have it at times.
-// `work` owns nothing: what it leaves is not destroyed.
+// Does work that may ask for the lock, as any Python code does from time to time. `work` owns nothing,
+// since its objects would not be destroyed.
 template <class Work>
 auto askingForLock(Work work) {
     try {
@@ -27,7 +27,7 @@ auto askingForLock(Work work) {
     }
 }
 
-// The same for work that answers a new reference, or null with a Python error set.
+// The same for work that returns a new reference, or null with a Python error set.
 template <class Work>
 py::object newReference(Work work) {
     PyObject* const made = askingForLock(work);
@@ -37,7 +37,7 @@ py::object newReference(Work work) {
     return py::reinterpret_steal<py::object>(made);
 }
 
-// Lets go of the lock, which the thread holds, for as long as it lives.
+// Releases the lock, which the thread holds, while it lives.
 class LockReleased {
  public:
     LockReleased();
@@ -46,7 +46,7 @@ class LockReleased {
     LockReleased& operator=(const LockReleased&) = delete;
 };
 
-// Holds the lock for as long as it lives, whether or not the thread is inside a LockReleased.
+// Holds the lock while it lives, whether or not the thread is inside a LockReleased.
 class LockHeld {
  public:
     LockHeld();

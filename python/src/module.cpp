@@ -21,15 +21,15 @@ namespace {
 using efihost::Function;
 using efihost::Host;
 
-// An error value as the answer of a call.
+// An error value as the result of a call.
 struct ErrorValue {
     std::string message;
     int argument;
     std::optional<std::size_t> element = std::nullopt;  // which of many calls has failed
 };
 
-// Answers false or raises what the handler of a pending signal raises, such as KeyboardInterrupt.
-// Packs poll often, and taking the interpreter lock is slow: most polls only look at the clock.
+// Returns false, or raises what the handler of a pending signal raises, such as KeyboardInterrupt.
+// Packs poll often and taking the interpreter lock is slow, so most polls only look at the clock.
 bool checkSignals() {
     using Clock = std::chrono::steady_clock;
     constexpr auto period = std::chrono::milliseconds(20);
@@ -56,9 +56,9 @@ Host& host() {
     return instance;
 }
 
-// A thread waits for its turn without the interpreter lock, which whoever has the turn may need
-// for a user function. When the interpreter ends, whoever has the turn may sleep for ever: nothing
-// waits then.
+// A thread waits for its turn without the interpreter lock, which the thread that has the turn may
+// need for a user function. While the interpreter ends nothing waits, as that thread may sleep for
+// ever.
 std::unique_lock<std::recursive_mutex> takeTurn() {
     static std::recursive_mutex& turns = *Host::lock().mutex();
     if (!interpreterEnds()) {
@@ -111,7 +111,7 @@ py::object call(const Function& function, const py::tuple& arguments, const py::
 
 using Numbers = py::array_t<std::complex<double>, py::array::c_style>;
 
-// An argument that is another number in each of many calls.
+// An argument that differs in each of many calls.
 struct Varying {
     std::size_t place;
     const std::complex<double>* numbers;
@@ -123,8 +123,8 @@ struct Refusal {
     std::size_t element;
 };
 
-// All calls are one turn, in which no other thread selects another wavelet. Functions that do not
-// poll are as easily stopped as others.
+// All calls are one turn, so no other thread selects another wavelet meanwhile. Functions that do not
+// poll can be interrupted between calls.
 std::optional<Refusal> callManyInTurn(const Function& function, std::vector<Value>& arguments,
                                       const std::vector<Varying>& varying, std::size_t count, double* out) {
     const LockReleased unlocked;
@@ -134,16 +134,16 @@ std::optional<Refusal> callManyInTurn(const Function& function, std::vector<Valu
         for (const Varying& argument : varying) {
             arguments[argument.place] = argument.numbers[i];
         }
-        Value answer = host().callRaw(function, arguments);
-        if (answer.isError()) {
-            return Refusal{std::move(answer), i};
+        Value result = host().callRaw(function, arguments);
+        if (result.isError()) {
+            return Refusal{std::move(result), i};
         }
-        out[i] = answer.real();
+        out[i] = result.real();
     }
     return std::nullopt;
 }
 
-// What stands in `arguments` at the places of arrays does not matter.
+// The arrays replace the arguments at the places.
 py::object callMany(const Function& function, const py::tuple& arguments, const py::tuple& names,
                     const std::vector<std::size_t>& places, const std::vector<Numbers>& arrays) {
     Lent lent;
@@ -168,7 +168,7 @@ PYBIND11_MODULE(_host, module) {
     module.attr("__version__") = UNDULA_VERSION;
     module.def("live_values", &efihost::liveValues, "How many values of the host exist.");
 
-    py::class_<ErrorValue>(module, "ErrorValue", "The answer of a call that has failed.")
+    py::class_<ErrorValue>(module, "ErrorValue", "The result of a call that has failed.")
         .def_readonly("message", &ErrorValue::message)
         .def_readonly("argument", &ErrorValue::argument)
         .def_readonly("element", &ErrorValue::element);
@@ -181,11 +181,11 @@ PYBIND11_MODULE(_host, module) {
         .def("call_many", &callMany, py::arg("arguments"), py::arg("names"), py::arg("places"),
              py::arg("arrays"),
              "Calls a function whose result is a real number for each element of equally long arrays, "
-             "which are the arguments at the places; answers the results as an array.");
+             "which are the arguments at the places; returns the results as an array.");
 
     module.def(
         "load", [](const std::string& path) { return efihost::Pack(path).functions(); }, py::arg("path"),
-        "Loads a pack; answers its functions in the order of its table.");
+        "Loads a pack; returns its functions in the order of its table.");
 }
 
 }  // namespace undula

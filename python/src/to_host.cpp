@@ -28,7 +28,7 @@ Block makeBlock(std::size_t count) {
     return Block(static_cast<double*>(::operator new(count * sizeof(double))));
 }
 
-// Ends a descent into objects that hold each other with a RecursionError, not with a full stack.
+// Makes objects that contain each other end in a RecursionError, not in a stack overflow.
 class Descent {
  public:
     Descent() {
@@ -45,7 +45,7 @@ std::string typeName(py::handle object) {
     return Py_TYPE(object.ptr())->tp_name;
 }
 
-// An array of no dimension is a number, if it is anything.
+// An array of no dimension counts as a number.
 bool isArray(py::handle object) {
     return py::isinstance<py::array>(object) && py::reinterpret_borrow<py::array>(object).ndim() > 0;
 }
@@ -65,7 +65,7 @@ bool isNumberKind(char kind) {
     return std::string_view("biufc").find(kind) != std::string_view::npos;
 }
 
-// Whether an array stands anywhere in a sequence: it is a table then, else rows or numbers.
+// Whether a sequence contains an array at any depth: then it is a table, else rows or numbers.
 bool holdsArray(const py::tuple& items) {
     const Descent descent;
     for (const py::handle item : items) {
@@ -215,8 +215,8 @@ class Reader {
         return block;
     }
 
-    // Whether the memory of an array reads as a matrix of the host: doubles, columns apart by a
-    // whole number of them.
+    // Whether the host can read the memory of an array as a matrix: doubles, with columns a whole
+    // number of them apart.
     static bool isBorrowable(const py::array& source) {
         if (!py::isinstance<py::array_t<double>>(source) ||
             (source.flags() & py::detail::npy_api::NPY_ARRAY_ALIGNED_) == 0) {
@@ -228,7 +228,7 @@ class Reader {
                step / wordSize >= rows && step / wordSize <= std::numeric_limits<std::int32_t>::max();
     }
 
-    // Bytes from column to column; NumPy leaves it open where there is only one.
+    // Bytes from column to column; NumPy does not define it for a single column.
     static py::ssize_t strideOf(const py::array& source) {
         return colsOf(source) > 1 ? source.strides(1) : wordSize * source.shape(0);
     }

@@ -43,7 +43,7 @@ std::vector<py::ssize_t> stepsOf(const Value& matrix, py::ssize_t elementSize, p
     return {elementSize, elementSize * stride};
 }
 
-// Copies here and not by NumPy, which would let go of the interpreter lock meanwhile.
+// Not copied by NumPy, which would release the interpreter lock meanwhile.
 py::array copyOf(const Value& matrix) {
     py::array_t<double> result(shapeOf(matrix), stepsOf(matrix, wordSize, matrix.rows()));
     double* out = result.mutable_data();
@@ -121,7 +121,7 @@ py::object toPython(const Value& value, const Lent* lent) {
         return py::reinterpret_steal<py::object>(PyUnicode_DecodeLatin1(text.data(), size, nullptr));
     }
     if (!value.isMatrix()) {
-        throw py::type_error("the pack has answered a value that Python has no object for");
+        throw py::type_error("the pack has returned a value that Python has no object for");
     }
     if (value.anyNested()) {
         return cells(value, lent);

@@ -1,5 +1,5 @@
-// A Python callable as a user function. What it raises travels through the host as a C++
-// exception; the host sees to it that the pack is not unwound.
+// A Python callable as a user function. What it raises passes through the host as a C++ exception,
+// which the host keeps from unwinding the pack.
 #include "conversion.h"
 #include "interpreter_lock.h"
 
@@ -13,17 +13,17 @@ std::shared_ptr<PyObject> keep(py::handle object) {
 }
 
 Value userFunction(py::handle callable, const std::string& place) {
-    const auto answerOf = [callable = keep(callable), place](const std::vector<Value>& arguments) {
+    const auto call = [callable = keep(callable), place](const std::vector<Value>& arguments) {
         const LockHeld lock;
         py::tuple converted(arguments.size());
         for (std::size_t i = 0; i < arguments.size(); ++i) {
             converted[i] = toPython(arguments[i]);
         }
-        const py::object answer =
+        const py::object result =
             newReference([&] { return PyObject_CallObject(callable.get(), converted.ptr()); });
-        return toHost(answer, place + ", its result");
+        return toHost(result, place + ", its result");
     };
-    return Value::function(efihost::Callback(answerOf));
+    return Value::function(efihost::Callback(call));
 }
 
 }  // namespace undula

@@ -180,6 +180,44 @@ TEST_F(HostEvaluation, RecyclesResultsThatNothingHolds) {
     EXPECT_EQ(host.leaks().values, 2 + 5 + 1);  // functions, holder, and what is nested in it
 }
 
+// Each but those that the user holds, that are part of a result that lives, and that a root holds.
+TEST_F(HostEvaluation, FreesWhatItLentInAList) {
+    std::vector<Value> taken;
+    const Value function = Value::function([&](const std::vector<Value>& arguments) {
+        if (arguments.at(1).real() == 3) taken.push_back(arguments.at(0));
+        return arguments.at(1).real() == 4 ? Value::table({arguments.at(0)}) : arguments.at(0);
+    });
+    Value nested;
+    {
+        Call inProgress(host);
+        EfiCallContext& context = *inProgress.context();
+        Anyval** cell = host.addRoot();
+        const Value number(0);
+        const auto evaluate = [&](double x) {
+            aMatrix* lent = aMatrix::mk(context.allocator, 1, 1, new double(x), nullptr, 8);
+            aComplex argument{{TagScalar}, x, 0.0};
+            if (x == 2) *cell = lent;
+            Cons* list = Cons::mk(context.allocator, lent, Cons::mk(context.allocator, &argument, nullptr));
+            Anyval* result = nullptr;
+            EXPECT_EQ(context.evaluator->applyList(static_cast<aLambda*>(function.raw()), list, &result), 0);
+            return Value::of(result);
+        };
+        for (int i = 0; i < 1000; ++i) {
+            const Value result = evaluate(i);
+            if (i == 4) nested = result;
+            EXPECT_EQ((i == 4 ? result.nested(0, 0) : result).at(0, 0).real(), i);
+        }
+        EXPECT_EQ(Value::of(*cell).at(0, 0).real(), 2.0);
+        EXPECT_LT(host.leaks().values, 12);
+        host.removeRoot(cell);
+    }
+    EXPECT_EQ(taken.at(0).at(0, 0).real(), 3.0);
+    EXPECT_EQ(nested.nested(0, 0).at(0, 0).real(), 4.0);
+    taken.clear();
+    nested = {};
+    EXPECT_EQ(host.leaks().values, 1);
+}
+
 TEST_F(HostEvaluation, AsksForInterruption) {
     int left = 3;
     host.setInterrupt([&] { return --left == 0; });
@@ -189,6 +227,14 @@ TEST_F(HostEvaluation, AsksForInterruption) {
     host.setInterrupt([]() -> bool { throw std::range_error("asked"); });
     EXPECT_THROW(call("poll", 10), std::range_error);
     host.setInterrupt(nullptr);
+    EXPECT_EQ(call("poll", 10).real(), 10.0);
+
+    // One that another replaces while it is asked goes on to its end.
+    const std::vector<int> numbers(100, 1);
+    host.setInterrupt([this, numbers] {
+        host.setInterrupt(nullptr);
+        return std::accumulate(numbers.begin(), numbers.end(), 0) != 100;
+    });
     EXPECT_EQ(call("poll", 10).real(), 10.0);
 }
 

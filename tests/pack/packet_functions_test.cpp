@@ -96,6 +96,25 @@ TEST(HostWithoutErrors, GetsNoResult) {
     }
 }
 
+// However many packets there are, few values are alive at a time: neither packets nor lists pile up.
+TEST_F(PacketFunctions, LendOnePacketAtATime) {
+    const Value table = tableOf(256, 1, 8);
+    const Value basis = basisOfLevel(1, 8);
+    std::size_t most = 0;
+    const auto watched = [&](const Value& function) {
+        return functionOf([&most, function](const Value& packet) {
+            most = std::max(most, efihost::liveValues());
+            return function ? function : packet;
+        });
+    };
+    const std::size_t before = efihost::liveValues();
+    call("evaltbl", table, watched(7));
+    call("evalbs", signal(256), basis, watched(7));
+    call("applytbl", table, watched({}));
+    call("applybs", signal(256), basis, watched({}));
+    EXPECT_LT(most, before + 10);
+}
+
 TEST_F(PacketFunctions, AreEvaluatedOnEveryPacketOfATable) {
     for (const auto& [rows, cols, levels] : sizes) {
         const Value table = tableOf(rows, cols, levels);

@@ -119,7 +119,7 @@ TEST(Table, HasItsRowsInOrder) {
 
 TEST(Registration, HandsOverHandleAndIdentifier) {
     for (const int status : {-7, 5, 0}) {
-        efihost::answerRegistrationsWith(status);
+        efihost::setRegistrationStatus(status);
         EXPECT_EQ(pack().registerServer(), status);
         EXPECT_EQ(pack().unregisterServer(), status);
     }

@@ -1,4 +1,4 @@
-// What goes wrong with a call, and with loading a pack.
+// The exceptions of the host.
 #pragma once
 
 #include <stdexcept>
@@ -8,7 +8,7 @@
 
 namespace efihost {
 
-// A call that came to nothing: the pack's error value, or a call that the host could not make.
+// A failed call: the pack returned an error value, or the host could not make the call.
 // Its text reads `dwt: must be real array (argument 1)`.
 class EFI_HOST Error : public std::runtime_error {
  public:
@@ -25,7 +25,7 @@ class EFI_HOST Error : public std::runtime_error {
     int argument_;
 };
 
-// A library that is not there, or is not a function pack.
+// A library that does not exist or is not a function pack.
 class EFI_HOST LoadError : public std::runtime_error {
  public:
     using std::runtime_error::runtime_error;

@@ -6,8 +6,8 @@
 //     Value w = host.call(pack, "daublet", 4);
 //     Value y = host.call(pack, "dwt", Value::column(samples), 3, w);
 //
-// Packs have state of their own, so no two calls overlap, in the whole process: a call waits for
-// the one lock there is. The lock is recursive; a user function may call the library again.
+// Packs have state, so no two calls in the process overlap: there is one lock, and every call takes
+// it. It is recursive, so a user function may call the library again.
 #pragma once
 
 #include <concepts>
@@ -35,8 +35,8 @@ class EFI_HOST Host {
     Host& operator=(const Host&) = delete;
 
     // Calls a function. Throws Error when the result is an error value, when the pack has no such
-    // function, or when a function of fixed arity is given another number of arguments; and
-    // whatever a user function or the interruption question threw on the way, as it was thrown.
+    // function, or when the number of arguments is wrong for a function of fixed arity. What a user
+    // function or the interruption question throws comes out unchanged.
     Value call(const Function& function, std::span<const Value> arguments);
     Value call(const Pack& pack, std::string_view name, const std::vector<Value>& arguments) {
         return call(pack.function(name), arguments);
@@ -56,21 +56,20 @@ class EFI_HOST Host {
     // The most arguments that a call may have.
     static constexpr int maxArguments = 12;
 
-    // Takes the lock that every call takes. Whoever holds another lock that user functions need
-    // (an interpreter's) lets go of it, takes this one, and then calls.
+    // Takes the lock that every call takes. A caller who holds another lock that user functions need,
+    // such as an interpreter's, must release that one first.
     static std::unique_lock<std::recursive_mutex> lock();
 
     // Asked whenever a pack polls for interruption; true ends the call with "interrupted". What it
-    // throws comes out of the call.
+    // throws comes out of the call. It may set another question, or none.
     void setInterrupt(std::function<bool()> question);
 
-    // Root cells taken and not given back, and references to the services taken and not released.
+    // Root cells not removed, and references to the services not released.
     int liveRoots() const;
     int heldInterfaces() const;
 
-    // The services, as packs reach them through include/efi: a derived host may change any.
-    // Each may throw the three things that a service may throw; null, or a failing status, says
-    // that there is no memory.
+    // The services that packs reach through include/efi. A derived host may override any. Each may
+    // throw what include/efi allows; null, or a failing status, means that there is no memory.
     virtual aMatrix* makeMatrix(int rows, int cols, double* re, double* im, unsigned bytes);
     virtual aComplex* makeScalar();
     virtual Cons* makeCell(Anyval* value, Cons* next);
@@ -81,7 +80,6 @@ class EFI_HOST Host {
     virtual std::int32_t applyList(aLambda* function, Cons* arguments, Anyval** result);
     virtual std::int32_t applyOne(aLambda* function, Anyval* argument, Anyval** result);
     virtual std::int32_t pollInterrupt();
-    // The result is another column: packs keep the one they hand over, and use what it holds again.
     virtual aMatrix* transform(Anyval* column, bool inverse);
     virtual std::int64_t findNested(const aMatrix* matrix, std::int64_t from);
     virtual Anyval* readNested(const aMatrix* matrix, int row, int col);
@@ -93,8 +91,8 @@ class EFI_HOST Host {
     std::unique_ptr<State> state_;
 };
 
-// A call in progress, for those who call what a pack exports by themselves: holds the lock, lends
-// the context, and owns what is made until it ends.
+// A call in progress, for calling the exports of a pack directly: holds the lock, provides the
+// context, and owns what is made in the call.
 class EFI_HOST Call {
  public:
     explicit Call(Host& host);
@@ -104,8 +102,8 @@ class EFI_HOST Call {
 
     EfiCallContext* context() const;
 
-    // Shares a result of the pack with the caller, beyond the call. Empty for null. Throws
-    // instead what a user function or the interruption question threw meanwhile.
+    // The result of the pack as a value that outlives the call; empty for null. Rethrows what a user
+    // function or the interruption question threw meanwhile.
     Value finish(Anyval* result);
 
  private:

@@ -18,11 +18,11 @@ struct Function {
     EfiEntry entry;
 };
 
-// The functions of a loaded library, which stays loaded for the life of the process: a pack has
-// no way to undo what it did when it was loaded. Copies are cheap enough and equal.
+// The functions of a loaded library. It stays loaded for the life of the process: a pack cannot undo
+// what it did when it was loaded. Copies are cheap and equivalent.
 class EFI_HOST Pack {
  public:
-    // Throws LoadError when there is no such library, or when it is not a function pack.
+    // Throws LoadError.
     explicit Pack(const std::filesystem::path& path);
 
     // In table order.
@@ -37,8 +37,8 @@ class EFI_HOST Pack {
     // The address of any exported symbol; null when there is none.
     void* symbol(const char* name) const;
 
-    // Has the pack register itself with the host (registration.h), or take that back. The result
-    // is the pack's answer.
+    // Have the pack register itself with the host (registration.h), and unregister itself. Both return
+    // the status that the pack returns.
     int registerServer() const { return register_(); }
     int unregisterServer() const { return unregister_(); }
 

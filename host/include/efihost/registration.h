@@ -8,7 +8,7 @@
 namespace efihost {
 
 struct Registration {
-    void* module;  // the handle handed over; null for a pack that takes itself back
+    void* module;  // null for a pack that unregisters itself
     EfiGuid id;
 };
 
@@ -16,7 +16,7 @@ struct Registration {
 EFI_HOST std::optional<Registration> lastRegistered();
 EFI_HOST std::optional<Registration> lastUnregistered();
 
-// What both answer from now on; 0 at first.
-EFI_HOST void answerRegistrationsWith(int status);
+// The status that both functions return from now on; 0 at first.
+EFI_HOST void setRegistrationStatus(int status);
 
 }  // namespace efihost

@@ -1,4 +1,4 @@
-// The values that go into a call and come out of it.
+// The arguments and results of calls.
 #pragma once
 
 #include <complex>
@@ -18,14 +18,13 @@ namespace efihost {
 
 class Value;
 
-// A user's function. What it throws comes back out of the call during which it was called.
+// A user's function. What it throws comes out of the call in progress.
 using Callback = std::function<Value(const std::vector<Value>& arguments)>;
-// The same for a real function of one real variable: called without any allocation.
+// A real function of one real variable, called without any allocation.
 using RealCallback = std::function<double(double)>;
 
-// A handle to a host value. Copies share the value, and with it everything nested in it; the
-// last handle frees it, on whatever thread, without waiting for a call in progress. An empty
-// handle stands for no value at all.
+// A handle to a host value. Copies share the value and everything nested in it. The last handle frees
+// it, on any thread, even during a call. An empty handle stands for no value.
 //
 // Factories that take numbers throw std::invalid_argument when sizes do not fit together,
 // std::length_error for an array of 4 GiB or more, and std::bad_alloc; accessors throw
@@ -43,16 +42,16 @@ class EFI_HOST Value {
     Value(const char* text) : Value(std::string_view(text)) {}
     Value(const std::string& text) : Value(std::string_view(text)) {}
 
-    // Matrices that copy the numbers, which lie by columns; without imaginary parts they are real.
+    // Matrices that copy the numbers, given by columns. Without imaginary parts they are real.
     static Value column(std::span<const double> re, std::span<const double> im = {});
     static Value matrix(int rows, int cols, std::span<const double> re, std::span<const double> im = {});
 
-    // A matrix that takes over arrays of rows * cols doubles made with the global operator new.
-    // Either may be null: zeros. When this throws, the arrays are still the caller's.
+    // A matrix that takes over arrays of rows * cols doubles made with the global operator new. A null
+    // array reads as zeros. When this throws, the arrays are still the caller's.
     static Value adopt(int rows, int cols, double* re, double* im = nullptr);
 
-    // A matrix around memory that `keeper` keeps alive, its columns `stride` doubles apart.
-    // Packs do not write to arguments.
+    // A matrix around memory that `keeper` keeps alive, its columns `stride` doubles apart. Packs
+    // do not write to it.
     static Value borrow(int rows, int cols, int stride, const double* re, const double* im,
                         std::shared_ptr<const void> keeper);
 
@@ -67,7 +66,7 @@ class EFI_HOST Value {
     static Value error(std::string_view message, int argument);
     static Value ofTag(std::int32_t tag);
 
-    // The handle of a value that a pack points to; empty when it is null or not the host's.
+    // The handle of a value that a pack points to; empty for null and for what the host did not make.
     static Value of(const Anyval* value);
 
     explicit operator bool() const { return value_ != nullptr; }
@@ -88,7 +87,7 @@ class EFI_HOST Value {
     std::string message() const;
     int argument() const;
 
-    // Matrices. The memory behind them stays where it is for as long as a handle lives.
+    // Matrices. Their memory does not move while a handle lives.
     const aMatrix& matrix() const;
     int rows() const { return matrix().rows; }
     int cols() const { return matrix().cols; }
@@ -100,7 +99,7 @@ class EFI_HOST Value {
     std::vector<double> reals() const;
     std::vector<double> imaginaries() const;
 
-    // Nested values. A cell holds a number, or a value in its place.
+    // Nested values. A cell holds a number or a value.
     bool anyNested() const;
     Value nested(int row, int col) const;  // empty where the cell holds a number
     void nest(int row, int col, Value value);
