@@ -2,6 +2,7 @@
 #include <atomic>
 #include <chrono>
 #include <future>
+#include <numeric>
 #include <stdexcept>
 #include <thread>
 
