@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "dwt/rows.h"
+#include "dwt/signal_steps.h"
 
 namespace undula {
 
@@ -134,15 +134,15 @@ Failure splitImage(const BoundaryTreatment& boundary, const FilterBank& bank, co
     const auto lowAt = [&](Index k) { return lowColumns.column(static_cast<std::uint64_t>(k)); };
     const auto highAt = [&](Index k) { return highColumns.column(static_cast<std::uint64_t>(k)); };
 
+    SignalAnalysis columns(ends, bank, in.rows);
     RowPolls rowPolls(poll, in.rows, rows.count());
     Row row;
     Index next = rows.begin();
     for (Index col = 0; col < count; ++col) {
         if (poll()) return Code::Interrupted;
         double* line = lineAt(col);
-        if (auto failure = boundary.analysis(bank, in.column(static_cast<std::uint64_t>(col)), in.rows,
-                                             line + down.low.start, line + down.high.start))
-            return failure;
+        columns.run(in.column(static_cast<std::uint64_t>(col)), line + down.low.start,
+                    line + down.high.start);
         const bool allThere = col == count - 1;
         if (ring.keepsAll(count) && !allThere) continue;
         for (; next < rows.end() && (allThere || 2 * next + rows.last() <= col); ++next) {
@@ -220,23 +220,24 @@ Failure mergeImage(const BoundaryTreatment& boundary, const FilterBank& bank, co
         if (swaps.inRows) smoothColumns = partOf(buffer, {down.low, {0, buffer.cols}});
     }
     const auto sampleAt = [&](Index p) { return out.column(static_cast<std::uint64_t>(p)); };
-    const auto makeLine = [&](Channel channel, Index k) -> Failure {
-        if (poll()) return Code::Interrupted;
+    SignalSynthesis columnSteps(ends, bank, in.rows);
+    const auto makeLine = [&](Channel channel, Index k) {
         const auto col = static_cast<std::uint64_t>(k);
         const Block& columns = channel == Channel::Low ? lowColumns : highColumns;
         const double* lowPart =
             channel == Channel::Low ? smoothColumns.column(col) : columns.column(col) + down.low.start;
-        return boundary.synthesis(bank, lowPart, columns.column(col) + down.high.start, in.rows,
-                                  lineAt(channel, k));
+        columnSteps.run(lowPart, columns.column(col) + down.high.start, lineAt(channel, k));
     };
 
     RowPolls rowPolls(poll, in.rows, rows.count());
     Row row;
     Index next = rows.end() - 1;
     for (Index k = count - 1; k >= 0; --k) {
-        if (auto failure = makeLine(Channel::Low, k)) return failure;
+        if (poll()) return Code::Interrupted;
+        makeLine(Channel::Low, k);
         if (k < rows.coefficients(Channel::High)) {
-            if (auto failure = makeLine(Channel::High, k)) return failure;
+            if (poll()) return Code::Interrupted;
+            makeLine(Channel::High, k);
         }
         const bool allThere = k == 0;
         if (ring.keepsAll(count) && !allThere) continue;

@@ -56,6 +56,21 @@ SynthesisRows::SynthesisRows(const SynthesisEnds& dataEnds, Index samples)
     }
 }
 
+void SynthesisRows::gather(Channel channel, const double* from, Index first, Index count, double* out) const {
+    const CoefficientExtension& extension = channel == Channel::Low ? low : high;
+    const Index before = std::clamp(-first, Index{0}, count);
+    const Index copied =
+        std::clamp(std::min(extension.length, first + count) - (first + before), Index{0}, count);
+    std::fill_n(out, before, 0.0);
+    std::copy_n(from + first + before, copied, out + before);
+    const Index wholePeriod = extension.period();
+    for (Index i = before + copied; i < count; ++i) {
+        const Index k = first + i;
+        const Index source = k < wholePeriod ? extension.source(k) : -1;
+        out[i] = source < 0 ? 0.0 : extension.sign * from[source];
+    }
+}
+
 void SynthesisRows::addTap(Index shift, Channel channel, const Filter& filter) {
     const Index even = 2 * shift - filter.offset;
     const auto has = [&](Index tap) { return 0 <= tap && tap < filter.count; };

@@ -27,6 +27,9 @@ class AnalysisRows {
  public:
     AnalysisRows(const AnalysisEnds& dataEnds, Index samples);
 
+    Index samples() const { return n; }
+    // Rows at either end that are boundary filters.
+    Index edgeRows() const { return edges.rows; }
     // Output pairs; of an odd number of samples the last one is a low-pass coefficient alone.
     Index count() const { return ceilHalf(n); }
     bool isPair(Index k) const { return 2 * k + 1 < n; }
@@ -36,6 +39,11 @@ class AnalysisRows {
     Index end() const { return std::max(interiorBegin, interiorEnd); }
     Index first() const { return channels.first(); }
     Index last() const { return channels.last(); }
+
+    // The sample that stands for one at any position.
+    Index inside(Index position) const {
+        return position < 0 || position >= n ? extension(position, n) : position;
+    }
 
     // The taps of every inner row; at(d) is where the sample 2k + first() + d stands.
     template <class At>
@@ -80,9 +88,7 @@ class AnalysisRows {
         for (int i = 0; i < tapCount; ++i) {
             const auto& [offset, low, high, sums] = taps[i];
             if (!pair && sums == Term::Second) continue;
-            Index position = 2 * k + offset;
-            if (position < 0 || position >= n) position = extension(position, n);
-            row.add(sampleAt(position), low, high, pair ? sums : Term::First);
+            row.add(sampleAt(inside(2 * k + offset)), low, high, pair ? sums : Term::First);
         }
     }
 
@@ -124,6 +130,18 @@ class SynthesisRows {
     Outside after() const { return {period, period + std::max<Index>(channels.last(), -1)}; }
     Index target(Index position) const { return modulo(position, period); }
     const EdgeFilterRows& edgeFilters() const { return edges; }
+
+    // The taps of every inner row, where coefficient q of each channel stands at the given places.
+    void fillInner(const double* lowAt, const double* highAt, Row& row) const {
+        row.count = 0;
+        for (int i = 0; i < tapCount; ++i) {
+            const auto& [shift, channel, first, second, sums] = taps[i];
+            row.add((channel == Channel::Low ? lowAt : highAt) - shift, first, second, sums);
+        }
+    }
+
+    // Coefficients `first` to `first` + `count` - 1 of a channel, extended, and zeros beyond the period.
+    void gather(Channel channel, const double* from, Index first, Index count, double* out) const;
 
     // The row of a pair, inside or outside; at(channel, k) is where coefficient k of a channel stands.
     template <class At>
