@@ -5,10 +5,18 @@
 // (A K Peters, 1994), chapter 4.
 #pragma once
 
+#include <cstddef>
+
 #include "cosine/bell.h"
-#include "dwt/steps.h"
 
 namespace undula {
+
+// Signals side by side: sample p of signal s is origin[p * stride + s].
+struct Lines {
+    double* origin;
+    std::ptrdiff_t stride = 1;
+    std::ptrdiff_t count = 1;
+};
 
 // Samples start .. start + length - 1 of a period.
 struct CosineSegment {

@@ -13,6 +13,9 @@ namespace {
 
 using Index = std::ptrdiff_t;
 
+// Rows that are gathered at once: whole cache lines of each column.
+constexpr std::uint32_t batchRows = 16;
+
 CosineSegment segmentOf(const Segment& segment) {
     return {static_cast<Index>(segment.start), static_cast<Index>(segment.length)};
 }

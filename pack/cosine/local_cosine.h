@@ -6,7 +6,8 @@
 
 #include "cosine/bell.h"
 #include "cosine/dct4.h"
-#include "dwt/separable.h"
+#include "dwt/block.h"
+#include "frame/poll.h"
 #include "packets/basis.h"
 
 namespace undula {

@@ -2,14 +2,16 @@
 // differ.
 #pragma once
 
+#include "dwt/ends.h"
 #include "dwt/steps.h"
 #include "filters/wavelet.h"
 
 namespace undula {
 
 struct BoundaryTreatment {
-    Step* analysis;
-    Step* synthesis;
+    AnalysisStep* analysis;
+    SynthesisStep* synthesis;
+    const Ends* ends;
 
     // The property that a wavelet must have, null for none, and what is said of one without it.
     std::int32_t (Wavelet::*suits)() const;
@@ -20,8 +22,8 @@ struct BoundaryTreatment {
 
     // Transforms look at the wavelet before the levels, or after them.
     bool waveletFirst;
-    // Where image transforms poll: before each column and row of a forward transform, and once
-    // more before each level of an inverse one, whose columns and rows always poll.
+    // Where image transforms poll: for each column and row of a forward transform, and once more
+    // before each level of an inverse one, which always polls for its columns and rows.
     bool pollsForwardLines;
     bool pollsInverseLevels;
 };

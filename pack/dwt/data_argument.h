@@ -14,6 +14,19 @@ bool admitsSides(const BoundaryTreatment& boundary, const FilterBank& bank, cons
 // A copy of the data as a block.
 Block blockOf(const aMatrix* data, const Array<double>& copy);
 
+// The data where it stands, for those who only read it. An array that is absent reads as zeros.
+class DataView {
+ public:
+    static Result<DataView> of(const aMatrix* data);
+    const Block& block() const { return view; }
+
+    DataView() = default;
+
+ private:
+    Block view = {};
+    Array<double> zeros;
+};
+
 // Copies part of an array into a block of that size.
 void copyPart(const aMatrix* array, const Rectangle& place, const Block& out);
 

@@ -30,11 +30,13 @@ Result<aMatrix*> transform(EfiCallContext* context, const BoundaryTreatment& bou
     const auto bank = selectWavelet(context, wavelet);
     if (!bank) return bank.failure();
     if (auto failure = checkTransform(context, boundary, *bank, data, levels)) return failure;
-    auto result = copyOfElements(data);
+    const auto view = DataView::of(data);
+    if (!view) return view.failure();
+    auto result = newElements(view->block().rows, view->block().cols);
     if (!result) return Code::OutOfMemory;
     Workspace workspace;
-    const Failure failure = transformLevels(boundary, *bank, blockOf(data, result), asIndex(levels->re),
-                                            direction, pollOf(context), workspace);
+    const Failure failure = transformLevels(boundary, *bank, view->block(), blockOf(data, result),
+                                            asIndex(levels->re), direction, pollOf(context), workspace);
     if (failure) return stepFailure(failure, Code::InvalidLevel, levelPosition);
     return newMatrix(context, data->rows, data->cols, result);
 }

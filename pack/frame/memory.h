@@ -10,6 +10,10 @@
 
 namespace undula {
 
+// Tells the system that a block will be used as a whole: one fault for each large page, not for each
+// small one, is what fresh memory then costs. A hint, and nothing where the system has no such pages.
+void adviseLargePages(void* block, std::size_t bytes);
+
 // An array of plain numbers from the global operator new, freed when its owner goes. An array that
 // could not be had is false; every maker of one looks.
 template <class T>
@@ -26,6 +30,7 @@ class Array {
         if (count <= PTRDIFF_MAX / sizeof(T)) {
             const auto bytes = static_cast<std::size_t>(count) * sizeof(T);
             array.elements.reset(static_cast<T*>(::operator new(bytes, std::nothrow)));
+            if (array) adviseLargePages(array.data(), bytes);
         }
         return array;
     }

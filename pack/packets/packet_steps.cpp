@@ -1,5 +1,6 @@
 #include "packets/packet_steps.h"
 
+#include <algorithm>
 #include <iterator>
 
 namespace undula {
@@ -7,46 +8,96 @@ namespace undula {
 namespace {
 
 // The parities of a packet's positions tell whether its high-pass part stands first.
-Failure apply(Step* step, const FilterBank& bank, const Block& data, const PacketIndex& packet,
-              Workspace& workspace) {
-    const Block block = partOf(data, packetPlace(data.rows, data.cols, packet));
-    const bool oddRow = packet.row % 2 != 0;
-    const bool oddCol = packet.col % 2 != 0;
-    if (data.cols == 1) return step(bank, {block.origin}, block.rows, oddRow, workspace);
-    return separableStep(step, bank, block, oddRow, oddCol, {}, workspace);
+Swaps swapsOf(const PacketIndex& packet) {
+    return {packet.row % 2 != 0, packet.col % 2 != 0};
 }
+
+Block packetOf(const Block& data, const PacketIndex& packet) {
+    return partOf(data, packetPlace(data.rows, data.cols, packet));
+}
+
+// Where the two parts of n coefficients start.
+struct Starts {
+    std::uint32_t low;
+    std::uint32_t high;
+
+    Starts(std::uint32_t n, bool swap) : low(swap ? n / 2 : 0), high(swap ? 0 : n - n / 2) {}
+};
+
+Failure split(const BoundaryTreatment& boundary, const FilterBank& bank, const Block& from, const Block& to,
+              const PacketIndex& packet, Workspace& workspace) {
+    const Block in = packetOf(from, packet);
+    const Block out = packetOf(to, packet);
+    const Swaps swaps = swapsOf(packet);
+    if (from.cols != 1) return splitImage(boundary, bank, in, out, swaps, {}, workspace);
+    const auto [low, high] = Starts(out.rows, swaps.inColumns);
+    return boundary.analysis(bank, in.origin, in.rows, out.origin + low, out.origin + high);
+}
+
+// A signal's packet goes through scratch.
+const double* setAside(const Block& signal, Workspace& workspace) {
+    double* scratch = workspace.room(signal.rows);
+    if (scratch != nullptr) std::copy_n(signal.origin, signal.rows, scratch);
+    return scratch;
+}
+
+Failure splitInPlace(const BoundaryTreatment& boundary, const FilterBank& bank, const Block& data,
+                     const PacketIndex& packet, Workspace& workspace) {
+    if (data.cols != 1) return split(boundary, bank, data, data, packet, workspace);
+    const Block place = packetOf(data, packet);
+    const double* samples = setAside(place, workspace);
+    if (samples == nullptr) return Code::OutOfMemory;
+    const auto [low, high] = Starts(place.rows, swapsOf(packet).inColumns);
+    return boundary.analysis(bank, samples, place.rows, place.origin + low, place.origin + high);
+}
+
+Failure mergeInPlace(const BoundaryTreatment& boundary, const FilterBank& bank, const Block& data,
+                     const PacketIndex& packet, Workspace& workspace) {
+    const Block place = packetOf(data, packet);
+    const Swaps swaps = swapsOf(packet);
+    if (data.cols != 1)
+        return mergeImage(boundary, bank, place, smoothPart(place, swaps), place, swaps, {}, workspace);
+    const double* coefficients = setAside(place, workspace);
+    if (coefficients == nullptr) return Code::OutOfMemory;
+    const auto [low, high] = Starts(place.rows, swaps.inColumns);
+    return boundary.synthesis(bank, coefficients + low, coefficients + high, place.rows, place.origin);
+}
+
+using InPlace = Failure(const BoundaryTreatment& boundary, const FilterBank& bank, const Block& data,
+                        const PacketIndex& packet, Workspace& workspace);
 
 // Applies a step to packets, polling wherever a new level begins.
 template <class Iterator>
-Failure applyByLevels(Step* step, const FilterBank& bank, const Block& data, Iterator packet, Iterator end,
-                      const Poll& poll, Workspace& workspace) {
+Failure applyByLevels(InPlace* step, const BoundaryTreatment& boundary, const FilterBank& bank,
+                      const Block& data, Iterator packet, Iterator end, const Poll& poll,
+                      Workspace& workspace) {
     double level = -1.0;
     for (; packet != end; ++packet) {
         if (packet->level != level && poll()) return Code::Interrupted;
         level = packet->level;
-        if (auto failure = apply(step, bank, data, packet->index(), workspace)) return failure;
+        if (auto failure = step(boundary, bank, data, packet->index(), workspace)) return failure;
     }
     return {};
 }
 
 }  // namespace
 
-Failure splitLevel(const BoundaryTreatment& boundary, const FilterBank& bank, const Block& data,
-                   std::uint32_t level, Workspace& workspace) {
-    return forPacketsOfLevel(data.cols == 1, level, [&](const PacketIndex& packet) {
-        return apply(boundary.analysis, bank, data, packet, workspace);
+Failure splitLevel(const BoundaryTreatment& boundary, const FilterBank& bank, const Block& packets,
+                   std::uint32_t level, const Block& next, Workspace& workspace) {
+    return forPacketsOfLevel(packets.cols == 1, level, [&](const PacketIndex& packet) {
+        return split(boundary, bank, packets, next, packet, workspace);
     });
 }
 
 Failure splitPackets(const BoundaryTreatment& boundary, const FilterBank& bank, const Block& data,
                      const PacketList& splits, const Poll& poll, Workspace& workspace) {
-    return applyByLevels(boundary.analysis, bank, data, std::make_reverse_iterator(splits.end()),
+    return applyByLevels(splitInPlace, boundary, bank, data, std::make_reverse_iterator(splits.end()),
                          std::make_reverse_iterator(splits.begin()), poll, workspace);
 }
 
 Failure mergePackets(const BoundaryTreatment& boundary, const FilterBank& bank, const Block& data,
                      const PacketList& splits, const Poll& poll, Workspace& workspace) {
-    return applyByLevels(boundary.synthesis, bank, data, splits.begin(), splits.end(), poll, workspace);
+    return applyByLevels(mergeInPlace, boundary, bank, data, splits.begin(), splits.end(), poll, workspace);
 }
 
 }  // namespace undula

@@ -43,8 +43,8 @@ Result<aMatrix*> packetTable(const PacketCall& call, const FilterBank& bank, con
     Workspace workspace;
     for (std::uint32_t j = 1; j <= levels; ++j) {
         if (call.data->cols == 1 && interrupted(call.context)) return Code::Interrupted;
-        copyBlock(table->level(j - 1), table->level(j));
-        if (auto failure = splitLevel(call.boundary, bank, table->level(j), j - 1, workspace))
+        if (auto failure =
+                splitLevel(call.boundary, bank, table->level(j - 1), j - 1, table->level(j), workspace))
             return stepFailure(failure, Code::InvalidLevel, formPosition);
     }
     return tableValue(call.context, *table);

@@ -1,13 +1,16 @@
-// The steps against plain loops, bit for bit.
+// The steps against plain loops, bit for bit, for each instruction set.
 #include "dwt/steps.h"
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstring>
+#include <limits>
 #include <list>
 #include <random>
 
-#include "dwt/separable.h"
+#include "dwt/image_steps.h"
+#include "dwt/kernels.h"
 #include "support/plain_steps.h"
 
 using namespace undula;
@@ -49,115 +52,185 @@ struct RandomBank : FilterBank {
     }
 };
 
-Signal randomSignal(std::size_t n, std::size_t seed) {
+// Numbers with zeros of both signs and subnormals among them, and, if asked for, infinities and NaN.
+Signal randomSignal(std::size_t n, std::size_t seed, bool finite = true) {
     std::mt19937 random(static_cast<unsigned>(seed));
     std::normal_distribution<double> value;
+    constexpr double inf = std::numeric_limits<double>::infinity();
+    const double rare[] = {0.0, -0.0, 4e-310, -4e-320, inf, -inf, std::nan("")};
     Signal x(n);
-    for (double& v : x) v = value(random);
+    for (double& v : x) v = random() % 8 == 0 ? rare[random() % (finite ? 4 : 7)] : value(random);
     return x;
 }
 
+// Any NaN equals any NaN.
 void expectSameBits(const Signal& actual, const Signal& expected) {
     ASSERT_EQ(actual.size(), expected.size());
     for (std::size_t i = 0; i < actual.size(); ++i) {
+        if (std::isnan(actual[i]) && std::isnan(expected[i])) continue;
         ASSERT_EQ(std::memcmp(&actual[i], &expected[i], sizeof(double)), 0)
             << "at " << i << ": " << actual[i] << " for " << expected[i];
     }
 }
 
-// Signals side by side, far apart in memory, among numbers that must stay.
-void expectLines(Step* step, plain::Step* plainStep, const FilterBank& bank, std::size_t n, bool swap,
-                 std::size_t count, std::size_t stride) {
-    Signal all(n * stride, 7.25);
-    for (std::size_t s = 0; s < count; ++s) {
-        const Signal x = randomSignal(n, s);
-        for (std::size_t p = 0; p < n; ++p) all[p * stride + s] = x[p];
-    }
-    const Lines lines = {all.data(), static_cast<std::ptrdiff_t>(stride), static_cast<std::ptrdiff_t>(count)};
-    Workspace workspace;
-    ASSERT_FALSE(step(bank, lines, static_cast<std::uint32_t>(n), swap, workspace));
-    for (std::size_t s = 0; s < stride; ++s) {
-        Signal line(n);
-        for (std::size_t p = 0; p < n; ++p) line[p] = all[p * stride + s];
-        expectSameBits(line, s < count ? plainStep(bank, randomSignal(n, s), swap) : Signal(n, 7.25));
+// A treatment of the ends, and its plain loops.
+struct Treatment {
+    const BoundaryTreatment& boundary;
+    plain::Step* analysis;
+    plain::Step* synthesis;
+};
+
+const Treatment periodic = {periodicBoundary, plain::periodicAnalysis, plain::periodicSynthesis};
+const Treatment symmetric = {symmetricBoundary, plain::symmetricAnalysis, plain::symmetricSynthesis};
+const Treatment interval = {intervalBoundary, plain::intervalAnalysis, plain::intervalSynthesis};
+
+void expectPlain(const Treatment& treatment, const FilterBank& bank, std::size_t n, bool finite = true) {
+    SCOPED_TRACE(testing::Message() << kernels().name << ", n " << n << ", taps " << bank.La << " and "
+                                    << bank.Lb << ", offsets " << bank.oa << " and " << bank.ob);
+    const Signal x = randomSignal(n, n, finite);
+    const auto size = static_cast<std::uint32_t>(n);
+    for (const bool swap : {false, true}) {
+        const long low = plain::lowPlace(0, static_cast<long>(n), swap);
+        const long high = plain::highPlace(0, static_cast<long>(n), swap);
+        Signal out(n);
+        ASSERT_FALSE(treatment.boundary.analysis(bank, x.data(), size, out.data() + low, out.data() + high));
+        expectSameBits(out, treatment.analysis(bank, x, swap));
+        ASSERT_FALSE(treatment.boundary.synthesis(bank, x.data() + low, x.data() + high, size, out.data()));
+        expectSameBits(out, treatment.synthesis(bank, x, swap));
     }
 }
 
-void expectPlain(Step* step, plain::Step* plainStep, const FilterBank& bank, std::size_t n) {
-    for (const bool swap : {false, true}) {
-        SCOPED_TRACE(testing::Message() << "n " << n << " swap " << swap << " taps " << bank.La << ", "
-                                        << bank.Lb << " offset " << bank.oa);
-        expectLines(step, plainStep, bank, n, swap, 1, 1);
-        expectLines(step, plainStep, bank, n, swap, 5, 9);
+// Runs the test with each instruction set that the machine has.
+template <class Test>
+void withAllKernels(Test test) {
+    const std::string before = kernels().name;
+    for (const Kernels* const* set = availableKernels(); *set != nullptr; ++set) {
+        ASSERT_TRUE(useKernels((*set)->name));
+        test();
     }
+    useKernels(before.c_str());
 }
+
+// Offsets: of the analysis filters a and b, of the synthesis filters s and g.
+const int shapes[][6] = {{2, 2, 0, 0, 0, 0},     {4, 4, -1, -1, -1, -1},    {20, 20, -9, -9, -9, -9},
+                         {5, 3, -2, 0, -1, -1},  {9, 3, -4, 0, -1, -3},     {40, 40, -19, -19, -19, -19},
+                         {1, 1, 0, 0, 0, 0},     {6, 4, 7, -12, 3, 5},      {3, 8, -20, -30, -40, -25},
+                         {7, 5, 11, 40, 23, 12}, {100, 99, -50, 2, 1, -49}, {4, 6, 9, 900, -700, 3}};
 
 }  // namespace
 
 // Lengths around the blocks in which outputs are computed, and filters longer than the signal.
 TEST(Steps, PeriodicAndSymmetricEqualPlainLoops) {
-    const std::size_t lengths[] = {2, 3, 4, 5, 7, 8, 15, 16, 31, 32, 33, 63, 64, 66, 130, 257, 514};
-    const int shapes[][6] = {{2, 2, 0, 0, 0, 0},     {4, 4, -1, -1, -1, -1},   {20, 20, -9, -9, -9, -9},
-                             {5, 3, -2, 0, -1, -1},  {9, 3, -4, 0, -1, -3},    {40, 40, -19, -19, -19, -19},
-                             {1, 1, 0, 0, 0, 0},     {6, 4, 7, -12, 3, 5},     {3, 8, -20, -30, -40, -25},
-                             {7, 5, 11, 40, 23, 12}, {100, 99, -50, 2, 1, -49}};
-    for (const auto& s : shapes) {
-        const RandomBank bank(s[0], s[1], s[2], s[3], s[4], s[5]);
-        for (const std::size_t n : lengths) {
-            expectPlain(periodic_analysis_step, plain::periodicAnalysis, bank, n);
-            expectPlain(periodic_synthesis_step, plain::periodicSynthesis, bank, n);
-            expectPlain(symmetric_analysis_step, plain::symmetricAnalysis, bank, n);
-            expectPlain(symmetric_synthesis_step, plain::symmetricSynthesis, bank, n);
-            if (HasFatalFailure()) return;
+    withAllKernels([] {
+        for (const auto& s : shapes) {
+            const RandomBank bank(s[0], s[1], s[2], s[3], s[4], s[5]);
+            for (std::size_t n = 2; n < 1200; n += n < 70 ? 1 : n / 8) {
+                expectPlain(periodic, bank, n);
+                expectPlain(symmetric, bank, n);
+                if (HasFatalFailure()) return;
+            }
         }
-    }
+    });
+}
+
+TEST(Steps, InfinitiesAndNaNGoWhereThePlainLoopsTakeThem) {
+    withAllKernels([] {
+        for (const auto& s : shapes) {
+            const RandomBank bank(s[0], s[1], s[2], s[3], s[4], s[5]);
+            for (const std::size_t n : {7, 64, 700}) {
+                expectPlain(periodic, bank, n, false);
+                expectPlain(symmetric, bank, n, false);
+            }
+        }
+    });
 }
 
 TEST(Steps, IntervalEqualsPlainLoops) {
-    for (const int taps : {2, 4, 6, 8, 12, 16}) {
-        const int offset = 1 - taps / 2;
-        const RandomBank bank(taps, taps, offset, offset, offset, offset);
-        for (const int n : {2, 4, 8, 10, 12, 14, 16, 24, 32, 34, 66, 128, 258}) {
-            if (n / 2 < taps) continue;
-            expectPlain(interval_analysis_step, plain::intervalAnalysis, bank, static_cast<std::size_t>(n));
-            expectPlain(interval_synthesis_step, plain::intervalSynthesis, bank, static_cast<std::size_t>(n));
-            if (HasFatalFailure()) return;
+    withAllKernels([] {
+        for (const int taps : {2, 4, 6, 8, 12, 16}) {
+            const int offset = 1 - taps / 2;
+            const RandomBank bank(taps, taps, offset, offset, offset, offset);
+            for (int n = 2 * taps; n < 1200; n += n < 70 ? 2 : n / 16 * 2) {
+                expectPlain(interval, bank, static_cast<std::size_t>(n));
+                if (HasFatalFailure()) return;
+            }
         }
-    }
+    });
 }
 
 TEST(Steps, RefuseWhatIsTooShortWithoutLookingAtIt) {
     const RandomBank bank(4, 4, -1, -1, -1, -1);
-    Workspace workspace;
-    const auto expectRefusal = [&](Step* step, std::uint32_t n) {
-        EXPECT_EQ(step(bank, {nullptr}, n, false, workspace).code, Code::InvalidLevel);
+    const auto expectRefusal = [&](const BoundaryTreatment& boundary, std::uint32_t n) {
+        EXPECT_EQ(boundary.analysis(bank, nullptr, n, nullptr, nullptr).code, Code::InvalidLevel);
+        EXPECT_EQ(boundary.synthesis(bank, nullptr, nullptr, n, nullptr).code, Code::InvalidLevel);
     };
-    for (Step* step : {periodic_analysis_step, periodic_synthesis_step, symmetric_analysis_step,
-                       symmetric_synthesis_step}) {
-        expectRefusal(step, 1);
-        expectRefusal(step, 0);
-    }
-    expectRefusal(interval_analysis_step, 6);
-    expectRefusal(interval_synthesis_step, 6);
+    expectRefusal(periodicBoundary, 1);
+    expectRefusal(symmetricBoundary, 0);
+    expectRefusal(intervalBoundary, 6);
+    Workspace workspace;
     for (const Block& block : {Block{nullptr, 1, 1, 8}, Block{nullptr, 8, 8, 1}})
-        EXPECT_EQ(periodic_analysis_step_2d(bank, block, false, false, workspace).code, Code::InvalidLevel);
+        EXPECT_EQ(periodic_analysis_step_2d(bank, block, block, {}, workspace).code, Code::InvalidLevel);
 }
 
-TEST(Steps, BlockOfAnImageLeavesTheRestAlone) {
-    const RandomBank bank(6, 4, -2, -1, -2, -1, 11);
-    constexpr std::size_t rows = 50;
-    constexpr std::size_t height = 40;
-    constexpr std::size_t width = 22;
-    const Signal image = randomSignal(rows * 30, 2);
-    Signal actual = image;
-    Workspace workspace;
-    const Block inside = {actual.data() + 3 * rows + 5, rows, height, width};
-    ASSERT_FALSE(periodic_analysis_step_2d(bank, inside, true, false, workspace));
+namespace {
 
-    Signal expected = image;
-    double* origin = expected.data() + 3 * rows + 5;
-    for (std::size_t c = 0; c < width; ++c)
-        ASSERT_FALSE(periodic_analysis_step(bank, {origin + c * rows}, height, true, workspace));
-    ASSERT_FALSE(periodic_analysis_step(bank, {origin, rows, height}, width, false, workspace));
-    expectSameBits(actual, expected);
+// The step along every column and then along every row, gathered one by one.
+void plainImage(plain::Step* step, const FilterBank& bank, const Block& block, const Swaps& swaps) {
+    for (std::uint32_t c = 0; c < block.cols; ++c) {
+        const Signal column(block.column(c), block.column(c) + block.rows);
+        std::ranges::copy(step(bank, column, swaps.inColumns), block.column(c));
+    }
+    for (std::uint32_t r = 0; r < block.rows; ++r) {
+        Signal row(block.cols);
+        for (std::uint32_t c = 0; c < block.cols; ++c) row[c] = block.column(c)[r];
+        const Signal out = step(bank, row, swaps.inRows);
+        for (std::uint32_t c = 0; c < block.cols; ++c) block.column(c)[r] = out[c];
+    }
+}
+
+// A block of a larger image, in place and into another image; all else stays as it is.
+void expectPlainImage(const Treatment& treatment, const FilterBank& bank, std::uint32_t height,
+                      std::uint32_t width, const Swaps& swaps) {
+    SCOPED_TRACE(testing::Message() << kernels().name << ", " << height << " x " << width << ", taps "
+                                    << bank.La << " and " << bank.Lb << ", swaps " << swaps.inColumns
+                                    << swaps.inRows);
+    const std::size_t rows = height + 9;
+    const Signal image = randomSignal(rows * (width + 5), width);
+    Workspace workspace;
+    const auto inside = [&](Signal& pixels) {
+        return Block{pixels.data() + 3 * rows + 5, static_cast<std::ptrdiff_t>(rows), height, width};
+    };
+    for (const bool forward : {true, false}) {
+        Signal expected = image;
+        plainImage(forward ? treatment.analysis : treatment.synthesis, bank, inside(expected), swaps);
+        for (const bool inPlace : {true, false}) {
+            Signal from = image;
+            Signal into = image;
+            const Block in = inside(from);
+            const Block out = inside(inPlace ? from : into);
+            ASSERT_FALSE(forward ? splitImage(treatment.boundary, bank, in, out, swaps, {}, workspace)
+                                 : mergeImage(treatment.boundary, bank, in, smoothPart(in, swaps), out, swaps,
+                                              {}, workspace));
+            expectSameBits(inPlace ? from : into, expected);
+        }
+    }
+}
+
+}  // namespace
+
+TEST(Steps, ImagesEqualPlainLoops) {
+    withAllKernels([] {
+        const RandomBank even(8, 8, -3, -3, -3, -3);
+        for (const auto& s : shapes) {
+            const RandomBank bank(s[0], s[1], s[2], s[3], s[4], s[5]);
+            for (const auto& [height, width] : {std::pair(2U, 3U), {5U, 4U}, {33U, 70U}, {20U, 161U}}) {
+                for (const Swaps& swaps : {Swaps{false, false}, {true, false}, {false, true}, {true, true}}) {
+                    expectPlainImage(periodic, bank, height, width, swaps);
+                    expectPlainImage(symmetric, bank, height, width, swaps);
+                    expectPlainImage(interval, even, 2 * height + 14, 2 * width + 12, swaps);
+                    if (HasFatalFailure()) return;
+                }
+            }
+        }
+    });
 }

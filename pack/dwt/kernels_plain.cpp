@@ -1,0 +1,3 @@
+#define UNDULA_KERNELS plain
+#define UNDULA_LANES 1
+#include "dwt/kernels.inc"

@@ -1,0 +1,167 @@
+#include "dwt/signal_steps.h"
+
+#include "dwt/steps.h"
+
+namespace undula {
+
+SignalAnalysis::SignalAnalysis(const Ends& ends, const FilterBank& bank, Index n)
+    : rows(ends.analysis(bank, n), n) {
+    rows.fillInner([this](Index d) { return (d % 2 == 0 ? even : odd) + d / 2; }, inner);
+}
+
+void SignalAnalysis::run(const double* x, double* low, double* high) {
+    const Index edges = rows.edgeRows();
+    const Index pairs = floorHalf(rows.samples()) - edges;
+    for (Index k = 0; k < edges; ++k) runRow(x, k, low, high);
+    if (rows.last() - rows.first() < widestRow) {
+        runPairs(x, edges, pairs, low, high);
+    } else {
+        runScattered(x, edges, pairs, low, high);
+    }
+    for (Index k = pairs; k < rows.count(); ++k) runRow(x, k, low, high);
+}
+
+// A filter moves by two samples an output, so that over the samples of one parity it meets consecutive
+// numbers.
+void SignalAnalysis::runPairs(const double* x, Index from, Index to, double* low, double* high) {
+    const Index span = rows.last() - rows.first() + 1;
+    for (Index k = from; k < to; k += runLength) {
+        const Index count = std::min(runLength, to - k);
+        const Index first = 2 * k + rows.first();
+        const Index length = 2 * (count - 1) + span;
+        const bool inside = first >= 0 && first + length <= rows.samples();
+        kernels().split(inside ? x + first : gathered(x, first, length), static_cast<std::size_t>(length),
+                        even, odd);
+        kernels().sumPairs(inner.terms, inner.count, low + k, high + k, static_cast<std::size_t>(count));
+    }
+}
+
+// Samples `first` to `first` + `count` - 1 of the extended signal.
+const double* SignalAnalysis::gathered(const double* x, Index first, Index count) {
+    const Index n = rows.samples();
+    const Index begin = std::clamp(Index{0}, first, first + count);
+    const Index end = std::clamp(n, begin, first + count);
+    for (Index p = first; p < begin; ++p) samples[p - first] = x[rows.inside(p)];
+    std::copy_n(x + begin, end - begin, samples + (begin - first));
+    for (Index p = end; p < first + count; ++p) samples[p - first] = x[rows.inside(p)];
+    return samples;
+}
+
+// The rows of filters that lie far apart, one by one.
+void SignalAnalysis::runScattered(const double* x, Index from, Index to, double* low, double* high) {
+    for (Index k = from; k < to; ++k) runRow(x, k, low, high);
+}
+
+void SignalAnalysis::runRow(const double* x, Index k, double* low, double* high) {
+    Row row;
+    rows.fill(
+        k, [x](Index p) { return x + p; }, row);
+    kernels().sumPairs(row.terms, row.count, low + k, rows.isPair(k) ? high + k : nullptr, 1);
+}
+
+SignalSynthesis::SignalSynthesis(const Ends& ends, const FilterBank& bank, Index n)
+    : rows(ends.synthesis(bank, n), n),
+      shortEnds(rows.edgeFilters().rows == 0 && rows.farthest() - rows.nearest() <= widestRow &&
+                rows.begin() - floorHalf(rows.before().first) <= mostEnd &&
+                rows.count() - rows.end() <= mostEnd &&
+                floorHalf(rows.after().last) + 1 - floorHalf(rows.after().first) <= mostEnd) {}
+
+void SignalSynthesis::run(const double* low, const double* high, double* x) {
+    if (rows.begin() < rows.end()) {
+        Row row;
+        rows.fillInner(low + rows.begin(), high + rows.begin(), row);
+        kernels().sumInterleaved(row.terms, row.count, x + 2 * rows.begin(),
+                                 static_cast<std::size_t>(rows.end() - rows.begin()));
+    }
+    if (shortEnds) {
+        runEnds(low, high, x);
+    } else {
+        double scratch[2];
+        const auto at = [=](Channel channel, Index k) { return (channel == Channel::Low ? low : high) + k; };
+        SynthesisOfEnds(
+            rows, at, [x](Index p) { return x + p; }, 1, scratch)
+            .run();
+    }
+}
+
+void SignalSynthesis::runEnds(const double* low, const double* high, double* x) {
+    double values[2 * mostEnd];
+    double foldedBefore[2 * mostEnd];
+    const Index n = rows.samples();
+    const auto [first, last] = rows.before();
+    const Index firstPair = floorHalf(first);
+    runExtended(low, high, firstPair, rows.begin(), foldedBefore);
+    std::copy_n(foldedBefore - 2 * firstPair, std::min(2 * rows.begin(), n), x);
+    runExtended(low, high, rows.end(), rows.count(), values);
+    std::copy_n(values, n - 2 * rows.end(), x + 2 * rows.end());
+    const auto fold = [&](Index p, double value) {
+        const Index target = rows.target(p);
+        if (target < n) x[target] += value;
+    };
+    for (Index p = first; p <= last; ++p) fold(p, foldedBefore[p - 2 * firstPair]);
+    const auto [from, to] = rows.after();
+    const Index afterPair = floorHalf(from);
+    runExtended(low, high, afterPair, floorHalf(to) + 1, values);
+    for (Index p = to; p >= from; --p) fold(p, values[p - 2 * afterPair]);
+}
+
+void SignalSynthesis::runExtended(const double* low, const double* high, Index from, Index to, double* out) {
+    if (from >= to) return;
+    const Index first = from - rows.farthest();
+    const Index count = to - from + rows.farthest() - rows.nearest();
+    rows.gather(Channel::Low, low, first, count, window[0]);
+    rows.gather(Channel::High, high, first, count, window[1]);
+    Row row;
+    rows.fillInner(window[0] + rows.farthest(), window[1] + rows.farthest(), row);
+    kernels().sumInterleaved(row.terms, row.count, out, static_cast<std::size_t>(to - from));
+}
+
+namespace {
+
+Failure analyse(const Ends& ends, const FilterBank& bank, const double* x, std::uint32_t n, double* low,
+                double* high) {
+    if (n < ends.shortest(bank)) return Code::InvalidLevel;
+    SignalAnalysis(ends, bank, n).run(x, low, high);
+    return {};
+}
+
+Failure synthesise(const Ends& ends, const FilterBank& bank, const double* low, const double* high,
+                   std::uint32_t n, double* x) {
+    if (n < ends.shortest(bank)) return Code::InvalidLevel;
+    SignalSynthesis(ends, bank, n).run(low, high, x);
+    return {};
+}
+
+}  // namespace
+
+Failure periodic_analysis_step(const FilterBank& bank, const double* samples, std::uint32_t n, double* low,
+                               double* high) {
+    return analyse(periodicEnds, bank, samples, n, low, high);
+}
+
+Failure periodic_synthesis_step(const FilterBank& bank, const double* low, const double* high,
+                                std::uint32_t n, double* samples) {
+    return synthesise(periodicEnds, bank, low, high, n, samples);
+}
+
+Failure symmetric_analysis_step(const FilterBank& bank, const double* samples, std::uint32_t n, double* low,
+                                double* high) {
+    return analyse(symmetricEnds, bank, samples, n, low, high);
+}
+
+Failure symmetric_synthesis_step(const FilterBank& bank, const double* low, const double* high,
+                                 std::uint32_t n, double* samples) {
+    return synthesise(symmetricEnds, bank, low, high, n, samples);
+}
+
+Failure interval_analysis_step(const FilterBank& bank, const double* samples, std::uint32_t n, double* low,
+                               double* high) {
+    return analyse(intervalEnds, bank, samples, n, low, high);
+}
+
+Failure interval_synthesis_step(const FilterBank& bank, const double* low, const double* high,
+                                std::uint32_t n, double* samples) {
+    return synthesise(intervalEnds, bank, low, high, n, samples);
+}
+
+}  // namespace undula
