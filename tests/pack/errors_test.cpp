@@ -162,8 +162,7 @@ TEST_F(Errors, OfEntriesOfBases) {
         refuse(isSignal ? tooDeep : noBasis, {{{0x1p32, 0}}, {{1e300, NaN}}, {{40, 0x1p40}}});
         refuse(tooDeep, {{{largest, 0}}, {{1024, 1e308}}, {{40, 0x1p40 - 1}}});
     }
-    for (const double level : {40.0, 2000.0, largest, 0x1p32})
-        expect(noBasis, 2, {"evalbs"}, {{signal(16), basisRows({{level, 0}}), function}});
+    expect(noBasis, 2, {"evalbs"}, {{signal(16), basisRows({{largest, 0}}), function}});
     for (const Numbers& packet : {Numbers{0, 0, 1}, {0, 0, -1}, {0, 1, NaN}})
         expect(noBasis, 2, {"iwpt"}, {{image(16, 16), basisRows({packet}), haar()}});
     expect(notWhole, 2, {"iwpt"}, {{image(16, 16), basisRows({{0, 0, NaN}}), haar()}});
@@ -174,6 +173,7 @@ TEST_F(Errors, OfEntriesOfBases) {
     expect("must be 1 dimensional packet basis", 2, {"iwpt"},
            {{signal(8), matrix(1, 3, NaN), haar()}, {image(8, 0), matrix(1, 3, NaN), haar()}});
     expect(notTwoDimensional, 2, {"iwpt"}, {{row({1, 2}), two, haar()}, {image(8, 8), four, haar()}});
+    expect(notTwoDimensional, 2, {"evalbs"}, {{row({1, 2}), two, function}});
     expect(notTwoDimensional, 1, {"basis_display2d"}, {{two}, {four}});
     expect(noBasis, 2, {"extract_basis"}, {{tableOf(8, 1, 1), column({NaN})}, {tableOf(8, 1, 1), four}});
     expect("too many levels to be displayed", 1, {"basis_display2d"},
