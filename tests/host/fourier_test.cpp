@@ -73,7 +73,8 @@ class Fourier : public testing::Test {
 // Primes and products of large ones, powers, and mixtures.
 TEST_F(Fourier, IsTheSumForEveryKindOfLength) {
     for (std::size_t n = 1; n <= 70; ++n) expectSum(n);
-    for (const std::size_t n : {94u, 106u, 997u, 2809u, 1024u, 729u, 625u, 343u, 1517u, 1536u}) expectSum(n);
+    for (const std::size_t n : {94u, 106u, 314u, 997u, 2809u, 1024u, 729u, 625u, 343u, 1517u, 1536u})
+        expectSum(n);
 }
 
 // An impulse at place 1 becomes one turn of a circle; so the sign and the scale of long transforms
@@ -120,7 +121,7 @@ TEST_F(Fourier, RecyclesItsResults) {
             ASSERT_LT(std::abs(Value::of(back).at(7, 0) / 53.0 - column.at(7, 0)), 1e-14);
         }
         EXPECT_LE(host.leaks().values, 4);  // the column, the last two results, and the one kept
-        EXPECT_EQ(kept.rows(), 53);
+        EXPECT_EQ(kept.reals(), transform(column, false).reals());
     }
     EXPECT_EQ(host.leaks().values, 1);
 }

@@ -15,7 +15,7 @@ using efihost::Value;
 TEST(Value, RefusesWhatDoesNotFit) {
     const std::vector<double> five(5);
     const int million = 1'000'000;
-    EXPECT_THROW(Value::matrix(2, 3, five), std::invalid_argument);
+    EXPECT_THROW(Value::matrix(2, 2, five), std::invalid_argument);
     EXPECT_THROW(Value::matrix(5, 1, five, std::vector<double>(4)), std::invalid_argument);
     EXPECT_THROW(Value::matrix(-1, -5, five), std::invalid_argument);
     EXPECT_THROW(Value::adopt(million, million, nullptr), std::length_error);
@@ -25,6 +25,7 @@ TEST(Value, RefusesWhatDoesNotFit) {
     EXPECT_NO_THROW(Value::adopt((1 << 29) - 1, 1, nullptr));
     EXPECT_THROW(Value::borrow(3, 1, 2, five.data(), nullptr, std::make_shared<int>()),
                  std::invalid_argument);
+    EXPECT_THROW(Value::borrow(5, 1, 5, five.data(), nullptr, nullptr), std::invalid_argument);
     EXPECT_THROW(Value::table({Value(1), Value()}), std::invalid_argument);
 
     const Value column = Value::column(five);
