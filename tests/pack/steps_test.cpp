@@ -137,7 +137,7 @@ TEST(Steps, InfinitiesAndNaNGoWhereThePlainLoopsTakeThem) {
     withAllKernels([] {
         for (const auto& s : shapes) {
             const RandomBank bank(s[0], s[1], s[2], s[3], s[4], s[5]);
-            for (const std::size_t n : {7, 64, 700}) {
+            for (const std::size_t n : {7U, 64U, 700U}) {
                 expectPlain(periodic, bank, n, false);
                 expectPlain(symmetric, bank, n, false);
             }
