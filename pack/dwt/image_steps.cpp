@@ -178,78 +178,113 @@ Reach reachOf(const SynthesisRows& rows, Index n) {
     return reach;
 }
 
-}  // namespace
-
 // From the last column to the first: pair q of the output overwrites columns 2q and 2q + 1, behind which
 // the smooth part has been read by then.
+class ImageMerge {
+ public:
+    ImageMerge(const BoundaryTreatment& boundary, const FilterBank& bank, const Block& coefficients,
+               const Block& smooth, const Block& image, const Swaps& swaps)
+        : in(coefficients),
+          out(image),
+          inRowsSwapped(swaps.inRows),
+          down(in.rows, swaps.inColumns),
+          lowColumns(columnsOf(in, Parts(in.cols, swaps.inRows).low)),
+          highColumns(columnsOf(in, Parts(in.cols, swaps.inRows).high)),
+          smoothColumns(smooth),
+          rows(boundary.ends->synthesis(bank, in.cols), in.cols),
+          columnSteps(*boundary.ends, bank, in.rows),
+          count(rows.coefficients(Channel::Low)),
+          ring(ringOf(rows, count)),
+          lineLength(Ring::paddedLength(in.rows)) {}
+
+    Failure run(const Poll& poll, Workspace& workspace) {
+        if (!prepare(workspace)) return Code::OutOfMemory;
+        const auto at = [this](Channel channel, Index k) { return lineAt(channel, k); };
+        const auto sampleAt = [this](Index p) { return out.column(static_cast<std::uint64_t>(p)); };
+        RowPolls rowPolls(poll, in.rows, rows.count());
+        Row row;
+        Index next = rows.end() - 1;
+        for (Index k = count - 1; k >= 0; --k) {
+            if (!makeLines(k, poll)) return Code::Interrupted;
+            const Index ready = k == 0 ? 0 : ring.keepsAll(count) ? next + 1 : k + rows.farthest();
+            for (; next >= std::max(rows.begin(), ready); --next) {
+                if (rowPolls.beforePair()) return Code::Interrupted;
+                rows.fill(next, at, row);
+                kernels().sumPairs(row.terms, row.count, sampleAt(2 * next), sampleAt(2 * next + 1), in.rows);
+            }
+        }
+        if (rowPolls.atEnd()) return Code::Interrupted;
+        SynthesisOfEnds(rows, at, sampleAt, in.rows, scratch).run();
+        return {};
+    }
+
+ private:
+    static Ring ringOf(const SynthesisRows& rows, Index count) {
+        const Reach reach = reachOf(rows, count);
+        const bool streams = rows.nearest() <= 0 && rows.farthest() >= 0;
+        return {count, streams ? reach.front : count,
+                std::max(rows.farthest() - rows.nearest() + 1, reach.back)};
+    }
+
+    // False without memory. In place, what stands second is saved from being overwritten.
+    bool prepare(Workspace& workspace) {
+        Block& second = inRowsSwapped ? lowColumns : highColumns;
+        const bool inPlace = in.origin == out.origin;
+        const std::uint64_t savedRoom = inPlace ? second.cols * lineLength : 0;
+        memory = workspace.room((2 * ring.lines() + 2) * lineLength + savedRoom);
+        if (memory == nullptr) return false;
+        scratch = memory + 2 * ring.lines() * lineLength;
+        if (!inPlace) return true;
+        const Block saved = {scratch + 2 * lineLength, static_cast<std::ptrdiff_t>(lineLength), second.rows,
+                             second.cols};
+        copyBlock(second, saved);
+        second = saved;
+        if (inRowsSwapped) smoothColumns = partOf(saved, {down.low, {0, saved.cols}});
+        return true;
+    }
+
+    double* lineAt(Channel channel, Index k) const {
+        const auto place = static_cast<std::uint64_t>(ring.place(count - 1 - k));
+        return memory + (channel == Channel::Low ? place : ring.lines() + place) * lineLength;
+    }
+
+    // The columns of both channels; false when the user wants to stop.
+    bool makeLines(Index k, const Poll& poll) {
+        const auto col = static_cast<std::uint64_t>(k);
+        if (poll()) return false;
+        columnSteps.run(smoothColumns.column(col), lowColumns.column(col) + down.high.start,
+                        lineAt(Channel::Low, k));
+        if (k >= rows.coefficients(Channel::High)) return true;
+        if (poll()) return false;
+        const double* column = highColumns.column(col);
+        columnSteps.run(column + down.low.start, column + down.high.start, lineAt(Channel::High, k));
+        return true;
+    }
+
+    const Block& in;
+    const Block& out;
+    bool inRowsSwapped;
+    Parts down;
+    Block lowColumns;
+    Block highColumns;
+    Block smoothColumns;
+    SynthesisRows rows;
+    SignalSynthesis columnSteps;
+    Index count;
+    Ring ring;
+    std::uint64_t lineLength;
+    double* memory = nullptr;
+    double* scratch = nullptr;
+};
+
+}  // namespace
+
 Failure mergeImage(const BoundaryTreatment& boundary, const FilterBank& bank, const Block& in,
                    const Block& smooth, const Block& out, const Swaps& swaps, const Poll& poll,
                    Workspace& workspace) {
-    const Ends& ends = *boundary.ends;
-    if (in.rows < ends.shortest(bank) || in.cols < ends.shortest(bank)) return Code::InvalidLevel;
-    const SynthesisRows rows(ends.synthesis(bank, in.cols), in.cols);
-    const Parts down(in.rows, swaps.inColumns);
-    const Parts along(in.cols, swaps.inRows);
-
-    const Index count = rows.coefficients(Channel::Low);
-    const Reach reach = reachOf(rows, count);
-    const bool streams = rows.nearest() <= 0 && rows.farthest() >= 0;
-    const Ring ring(count, streams ? reach.front : count,
-                    std::max(rows.farthest() - rows.nearest() + 1, reach.back));
-    const std::uint64_t lineLength = Ring::paddedLength(in.rows);
-    const bool inPlace = in.origin == out.origin;
-    const Segment& second = swaps.inRows ? along.low : along.high;
-    const std::uint64_t savedRoom = inPlace ? second.length * lineLength : 0;
-    double* memory = workspace.room((2 * ring.lines() + 2) * lineLength + savedRoom);
-    if (memory == nullptr) return Code::OutOfMemory;
-    const auto lineAt = [&](Channel channel, Index k) {
-        const auto place = static_cast<std::uint64_t>(ring.place(count - 1 - k));
-        return memory + (channel == Channel::Low ? place : ring.lines() + place) * lineLength;
-    };
-    double* scratch = memory + 2 * ring.lines() * lineLength;
-
-    Block lowColumns = columnsOf(in, along.low);
-    Block highColumns = columnsOf(in, along.high);
-    Block smoothColumns = smooth;
-    if (inPlace) {
-        Block& saved = swaps.inRows ? lowColumns : highColumns;
-        const Block buffer = {scratch + 2 * lineLength, static_cast<std::ptrdiff_t>(lineLength), saved.rows,
-                              saved.cols};
-        copyBlock(saved, buffer);
-        saved = buffer;
-        if (swaps.inRows) smoothColumns = partOf(buffer, {down.low, {0, buffer.cols}});
-    }
-    const auto sampleAt = [&](Index p) { return out.column(static_cast<std::uint64_t>(p)); };
-    SignalSynthesis columnSteps(ends, bank, in.rows);
-    const auto makeLine = [&](Channel channel, Index k) {
-        const auto col = static_cast<std::uint64_t>(k);
-        const Block& columns = channel == Channel::Low ? lowColumns : highColumns;
-        const double* lowPart =
-            channel == Channel::Low ? smoothColumns.column(col) : columns.column(col) + down.low.start;
-        columnSteps.run(lowPart, columns.column(col) + down.high.start, lineAt(channel, k));
-    };
-
-    RowPolls rowPolls(poll, in.rows, rows.count());
-    Row row;
-    Index next = rows.end() - 1;
-    for (Index k = count - 1; k >= 0; --k) {
-        if (poll()) return Code::Interrupted;
-        makeLine(Channel::Low, k);
-        if (k < rows.coefficients(Channel::High)) {
-            if (poll()) return Code::Interrupted;
-            makeLine(Channel::High, k);
-        }
-        const bool allThere = k == 0;
-        if (ring.keepsAll(count) && !allThere) continue;
-        for (; next >= rows.begin() && (allThere || next - rows.farthest() >= k); --next) {
-            if (rowPolls.beforePair()) return Code::Interrupted;
-            rows.fill(next, lineAt, row);
-            kernels().sumPairs(row.terms, row.count, sampleAt(2 * next), sampleAt(2 * next + 1), in.rows);
-        }
-    }
-    if (rowPolls.atEnd()) return Code::Interrupted;
-    SynthesisOfEnds(rows, lineAt, sampleAt, in.rows, scratch).run();
-    return {};
+    const std::uint32_t shortest = boundary.ends->shortest(bank);
+    if (in.rows < shortest || in.cols < shortest) return Code::InvalidLevel;
+    return ImageMerge(boundary, bank, in, smooth, out, swaps).run(poll, workspace);
 }
 
 Failure periodic_analysis_step_2d(const FilterBank& bank, const Block& in, const Block& out,

@@ -22,9 +22,9 @@ constexpr bool hasVectors = true;
 struct Available {
     const Kernels* list[5] = {};
     int count = 0;
-    const Kernels* chosen;
+    const Kernels* chosen = nullptr;
 
-    Available() : chosen(nullptr) {
+    Available() {
 #if defined(__x86_64__)
         if (__builtin_cpu_supports("avx512f")) list[count++] = &avx512;
         if (__builtin_cpu_supports("avx2")) list[count++] = &avx2;

@@ -2,7 +2,6 @@
 // Failure, or a Result where it has a value to return.
 #pragma once
 
-#include <concepts>
 #include <cstdint>
 #include <utility>
 
@@ -53,8 +52,7 @@ struct Failure {
 template <class T>
 class [[nodiscard]] Result {
  public:
-    template <std::convertible_to<T> From>
-    Result(From&& from) : held(std::forward<From>(from)) {}
+    Result(T value) : held(std::move(value)) {}
     Result(const Failure& why) : reason(why) {}
     Result(Code why) : reason(why) {}
 
