@@ -115,13 +115,9 @@ std::span<double> numbersOf(const Block& data) {
     return {data.origin, static_cast<std::size_t>(data.rows) * data.cols};
 }
 
-void clear(const Block& data) {
-    std::ranges::fill(numbersOf(data), 0.0);
-}
-
 Code mergeSignal(const PacketList& basis, const Bells& bells, const Block& work, const Block& result,
                  const Poll& poll, Dct4& dct) {
-    clear(result);
+    std::ranges::fill(numbersOf(result), 0.0);
     return forEachPacket(work, basis, [&](const Rectangle& packet) {
         if (poll()) return Code::Interrupted;
         const Code code = transformColumns(work, packet, dct);
@@ -139,12 +135,12 @@ Code mergeImage(const PacketList& basis, const Bells& bells, const Block& work, 
     });
     if (code != Code::None) return code;
     // Along the rows into the result, which is only on its way; then down the columns and back.
-    clear(result);
+    std::ranges::fill(numbersOf(result), 0.0);
     forEachPacket(work, basis, [&](const Rectangle& packet) {
         foldAlong(unfold, work, packet, bells.forRows(), result);
         return Code::None;
     });
-    clear(work);
+    std::ranges::fill(numbersOf(work), 0.0);
     forEachPacket(work, basis, [&](const Rectangle& packet) {
         foldDown(unfold, result, packet, bells.down, work);
         return Code::None;
