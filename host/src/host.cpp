@@ -41,6 +41,12 @@ struct Call::Frame {
     // Drops a list and the matrices in it. Those that the user or the result holds live on.
     void release(const Cons* list);
 
+    template <class Owned, class... Arguments>
+    Owned& make(Arguments&&... given) {
+        made.push_back(Values::make<Owned>(std::forward<Arguments>(given)...));
+        return Values::get<Owned>(made.back());
+    }
+
     EfiCallContext context;
     std::vector<Value> made;
     std::list<ListCell> lists;
@@ -263,9 +269,7 @@ aMatrix* Host::makeMatrix(int rows, int cols, double* re, double* im, unsigned b
         throw "the size of a matrix does not fit its rows and columns";
     }
     return orNull([&]() -> aMatrix* {
-        std::vector<Value>& made = state_->current().made;
-        made.push_back(Values::make<OwnedMatrix>(rows, cols));
-        auto& matrix = Values::get<OwnedMatrix>(made.back());
+        auto& matrix = state_->current().make<OwnedMatrix>(rows, cols);
         matrix.re = re;
         matrix.im = im;
         return &matrix;
@@ -273,11 +277,7 @@ aMatrix* Host::makeMatrix(int rows, int cols, double* re, double* im, unsigned b
 }
 
 aComplex* Host::makeScalar() {
-    return orNull([&]() -> aComplex* {
-        std::vector<Value>& made = state_->current().made;
-        made.push_back(Values::make<OwnedScalar>());
-        return &Values::get<OwnedScalar>(made.back());
-    });
+    return orNull([&]() -> aComplex* { return &state_->current().make<OwnedScalar>(); });
 }
 
 Cons* Host::makeCell(Anyval* value, Cons* next) {
@@ -288,9 +288,7 @@ Cons* Host::makeCell(Anyval* value, Cons* next) {
 
 Anyval* Host::makeError(const char* message, int argIndex) {
     try {
-        std::vector<Value>& made = state_->current().made;
-        made.push_back(Value::error(message ? message : "", argIndex));
-        return made.back().raw();
+        return &state_->current().make<OwnedError>(message ? message : "", argIndex);
     } catch (const std::bad_alloc&) {
         Values::get<OwnedError>(state_->outOfMemory).argIndex = 0;
         return state_->outOfMemory.raw();

@@ -1,6 +1,8 @@
 // The objects through which packs reach a host. Each operation forwards to the host.
 #pragma once
 
+#include <cstring>
+
 #include "efi/host.h"
 #include "efihost/host.h"
 
@@ -9,10 +11,12 @@ namespace efihost {
 inline constexpr std::int32_t statusNoInterface = static_cast<std::int32_t>(0x80004002);
 inline constexpr std::int32_t statusNoMemory = static_cast<std::int32_t>(0x8007000E);
 
-bool sameId(const EfiGuid& one, const EfiGuid& other);
-
 // The interface that every object has.
-bool isObjectId(const EfiGuid& id);
+inline constexpr EfiGuid objectId = {0, 0, 0, {0xc0, 0, 0, 0, 0, 0, 0, 0x46}};
+
+inline bool sameId(const EfiGuid& one, const EfiGuid& other) {
+    return std::memcmp(&one, &other, sizeof(EfiGuid)) == 0;
+}
 
 // An object that lives as long as its host, and counts who refers to it.
 template <class Interface>
@@ -50,7 +54,7 @@ class Allocator final : public Service<IqrAllocator> {
     using Service::Service;
 
     std::int32_t EFI_OPERATION QueryInterface(const EfiGuid& interfaceId, void** out) override {
-        if (isObjectId(interfaceId)) return hand(out);
+        if (sameId(interfaceId, objectId)) return hand(out);
         if (!sameId(interfaceId, efiRootSetId)) return refuse(out, statusNoInterface);
         EfiRootSet* roots = host().openRootSet();
         if (!roots) return refuse(out, statusNoMemory);
@@ -81,7 +85,7 @@ class Evaluator final : public Service<EfiEvaluator> {
     using Service::Service;
 
     std::int32_t EFI_OPERATION QueryInterface(const EfiGuid& interfaceId, void** out) override {
-        return isObjectId(interfaceId) ? hand(out) : refuse(out, statusNoInterface);
+        return sameId(interfaceId, objectId) ? hand(out) : refuse(out, statusNoInterface);
     }
     std::int32_t EFI_OPERATION applyList(aLambda* function, Cons* arguments, Anyval** result) override {
         return host().applyList(function, arguments, result);
