@@ -24,7 +24,9 @@ Failure checkPoint(const PointArguments& arguments) {
 }
 
 Failure requirePositive(double packet, int argument) {
-    const bool valid = std::floor(packet + 0.5) == packet && std::isgreaterequal(packet, 0.0);
+    // Volatile: the sum is that of doubles, also where a register has room for more digits.
+    const volatile double withHalf = packet + 0.5;
+    const bool valid = std::floor(withHalf) == packet && std::isgreaterequal(packet, 0.0);
     return valid ? Failure() : Failure(Code::MustBePositiveInteger, argument);
 }
 
