@@ -12,13 +12,6 @@ extern const Kernels avx512;
 
 namespace {
 
-// The x87 unit does one number at a time.
-#if defined(__i386__) && !defined(__SSE2_MATH__)
-constexpr bool hasVectors = false;
-#else
-constexpr bool hasVectors = true;
-#endif
-
 struct Available {
     const Kernels* list[5] = {};
     int count = 0;
@@ -29,7 +22,10 @@ struct Available {
         if (__builtin_cpu_supports("avx512f")) list[count++] = &avx512;
         if (__builtin_cpu_supports("avx2")) list[count++] = &avx2;
 #endif
-        if (hasVectors) list[count++] = &narrow;
+// The x87 unit does one number at a time.
+#if !defined(__i386__) || defined(__SSE2_MATH__)
+        list[count++] = &narrow;
+#endif
         list[count++] = &plain;
         chosen = list[0];
         if (const char* wanted = std::getenv("UNDULA_KERNELS")) choose(wanted);

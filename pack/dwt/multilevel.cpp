@@ -29,7 +29,8 @@ struct Transform {
         return level % 2 != 0 ? scratch : scratch + sideAt(data.rows, 1);
     }
     double* scratchForSmooth() const {
-        return workspace.room(std::uint64_t{sideAt(data.rows, 1)} + sideAt(data.rows, 2));
+        const std::uint64_t needed = std::uint64_t{sideAt(data.rows, 1)} + sideAt(data.rows, 2);
+        return workspace.room(levels < 2 ? 0 : needed);
     }
 
     Failure splitSignal() const {
