@@ -2,7 +2,9 @@
 // define them.
 #include <array>
 #include <cmath>
+#include <filesystem>
 #include <limits>
+#include <random>
 
 #include "support/function_table.h"
 #include "support/packets.h"
@@ -230,6 +232,8 @@ TEST_F(Evaluation, FarPointsAreZero) {
             EXPECT_EQ(value("dlwavelet", x, level, -twoTo31, 7, pair), 0.0) << x << " " << level;
         }
     }
+    // As far as a point can be before its level or its packet takes it beyond all numbers.
+    EXPECT_EQ(value("wavelet", 1.1e301, 0, 0, 0x1p18, haar()), 0.0);
     EXPECT_EQ(call("wavelet2d", NaN, inf, 0, 0, 0, 9, 9, pair).real(), 0.0);
     EXPECT_NEAR(call("father", denormal, "haar").real(), 1.0, 1e-15);
     EXPECT_EQ(call("father", -denormal, "haar").real(), 0.0);
@@ -257,18 +261,32 @@ TEST_F(Evaluation, LevelsAndShiftsOfTheirWholeRange) {
 // The workers without a wavelet use the one selected, and name their own arguments.
 class UnreachedWorkers : public Evaluation {
  protected:
-    Value worker(const std::string& name, const Arguments& v) {
+    Value worker(const std::string& name, const Arguments& v, const efihost::Pack& of = pack()) {
         using S = aComplex*;
         using OfPoint = S(EfiCallContext*, S, S, S, S);
         using OfPlane = S(EfiCallContext*, S, S, S, S, S, S, S);
         efihost::Call call(host);
         auto* const c = call.context();
-        auto* symbol = pack().symbol(exportedName(name, std::string(v.size(), 'S')).c_str());
+        auto* symbol = of.symbol(exportedName(name, std::string(v.size(), 'S')).c_str());
         const auto s = [&](std::size_t i) { return static_cast<S>(v[i].raw()); };
         if (v.size() == 4) return call.finish(reinterpret_cast<OfPoint*>(symbol)(c, s(0), s(1), s(2), s(3)));
         return call.finish(reinterpret_cast<OfPlane*>(symbol)(c, s(0), s(1), s(2), s(3), s(4), s(5), s(6)));
     }
 };
+
+// In a copy of the library, where nothing has been selected yet.
+TEST_F(UnreachedWorkers, HaveNoneToEvaluateAtFirst) {
+    const auto copy = std::filesystem::temp_directory_path() /
+                      ("undula_copy_" + std::to_string(testing::UnitTest::GetInstance()->random_seed()) +
+                       std::to_string(std::random_device()()) + ".so");
+    std::filesystem::copy_file(UNDULA_PACK_PATH, copy);
+    {
+        const efihost::Pack fresh(copy.string());
+        EXPECT_EQ(complaintOf(worker("dlwavelet", {0, 0, 0, 3}, fresh)), "filter unimplemented (0)");
+        EXPECT_EQ(complaintOf(worker("wavelet2d", {0, 0, 0, 0, 0, 1, 1}, fresh)), "filter unimplemented (0)");
+    }
+    std::filesystem::remove(copy);
+}
 
 TEST_F(UnreachedWorkers, EvaluateTheSelectedWavelet) {
     const Value pair = call("Bspline", 2, 4);

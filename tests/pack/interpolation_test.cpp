@@ -1,5 +1,6 @@
 // What packets contribute to a signal or an image between the samples: against sums written out, and
 // against the inverse transforms.
+#include <chrono>
 #include <cmath>
 
 #include "support/packets.h"
@@ -195,4 +196,12 @@ TEST_F(Interpolation, FarPoints) {
     // The table's own place, at 31/32 of the offset, is none that the shifts ask for.
     for (const int offset : {-16777216, 16777216})
         EXPECT_EQ(at("waveterp", 0.5, data, 0, 0, {column({0.7, 0.7}), offset}), 0.0);
+}
+
+// Nothing has packets of every level, and is found to be nothing without walking down to them.
+TEST_F(Interpolation, OfNothingAtTheDeepestLevelReturnsAtOnce) {
+    const auto started = std::chrono::steady_clock::now();
+    EXPECT_EQ(call("waveterp", 0.5, column({}), 4294967295.0, 0, haar()).real(), 0.0);
+    EXPECT_EQ(call("waveterp2d", 0.5, 0.5, Value::matrix(0, 2, Numbers{}), 0, 0, 0, haar()).real(), 0.0);
+    EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::seconds(1));
 }

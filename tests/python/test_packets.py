@@ -64,3 +64,27 @@ def test_a_large_table_needs_little_more_than_itself(function, shape, levels, sp
     assert table == (levels + 1) * 8 * np.prod(shape)
     fixed = 256 * 2**20 if function == "cpt" else 64 * 2**20
     assert needed <= (1 + spare) * table + fixed
+
+
+@pytest.mark.parametrize("name", ["evaltbl", "applytbl", "best_basis", "evalbs", "applybs"])
+def test_functions_that_write_into_the_arguments_change_nothing(name, rng):
+    x, w = rng.uniform(-1, 1, 64), undula.daublet(4)
+    basis = undula.create_level(2, 1)
+    arguments = [undula.wpt(x, 3, w)] if name in ("evaltbl", "applytbl", "best_basis") else [undula.wpt(x, basis, w), basis]
+
+    def called_with(function):
+        own = [[a.copy() for a in v] if isinstance(v, list) else v.copy() for v in arguments]
+        return getattr(undula, name)(*own, lambda packet: function(packet, own))
+
+    def value(packet):
+        return np.array(packet) if name.startswith("apply") else float(np.sum(np.abs(packet)))
+
+    def spoil(packet, own):
+        result = value(packet)
+        for array in own[0] if isinstance(own[0], list) else [own[0]]:
+            array[:] = 1e9
+        return result
+
+    expected, found = called_with(lambda packet, own: value(packet)), called_with(spoil)
+    for one, other in zip(expected, found, strict=True):
+        np.testing.assert_array_equal(one, other)
