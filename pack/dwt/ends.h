@@ -26,8 +26,7 @@ struct AnalysisEnds {
     EdgeFilterRows edges;
 };
 
-// The ends of n samples that are to be merged. Coefficients from `firstUsed` on, and so many fewer at
-// the other end, meet the filters; the others meet the boundary filters.
+// The ends of n samples that are to be merged.
 struct SynthesisEnds {
     Channels channels;
     CoefficientExtension low;

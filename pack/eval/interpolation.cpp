@@ -74,7 +74,7 @@ bool isPacketOf(double index, std::uint32_t level) {
     return level >= 32 || index < static_cast<double>(std::uint64_t{1} << level);
 }
 
-// Whether data of so many samples have packets of the level. Every power of two divides emptiness.
+// Whether data of that length has packets of the level. Here every power of two divides emptiness.
 bool hasLevel(const Treatment& treatment, const FilterBank& bank, std::uint64_t samples,
               std::uint32_t level) {
     const bool empty = samples == 0 && &treatment == &periodic;

@@ -9,7 +9,7 @@
 
 namespace undula {
 
-// Makes a wavelet that lives in `storage` and enters it into its list; `construct` answers it, or
+// Makes a wavelet that lives in `storage` and enters it into its list; `construct` returns it, or
 // null. Null when memory runs out, or when the arithmetic of the construction faults: the same call
 // must fault again.
 template <class Kept, class Construct>

@@ -1,5 +1,5 @@
 // The typed workers of the pack's functions, declared from functions.def. A worker receives host
-// values of known kinds and answers a new host value, or an error value under the same type.
+// values of known kinds and returns a new host value, or an error value under the same type.
 #pragma once
 
 #include "frame/dispatch.h"

@@ -1,4 +1,4 @@
-// best_basis: the packet basis of least cost under a function of the user's.
+// best_basis: the packet basis of least cost under a user function.
 #include "packets/best_basis_search.h"
 
 #include "frame/basis_rows.h"
