@@ -169,8 +169,8 @@ Reach reachOf(const SynthesisRows& rows, Index n) {
     const auto noteRow = [&](Index q) { rows.fill(q, note, row); };
     for (Index q = 0; q < rows.begin(); ++q) noteRow(q);
     for (Index q = rows.end(); q < rows.count(); ++q) noteRow(q);
-    for (Index q = floorHalf(rows.before().first); q < 0; ++q) noteRow(q);
-    for (Index p = rows.after().first; p <= rows.after().last; ++p) noteRow(floorHalf(p));
+    for (Index p = rows.before().first; p <= rows.before().last; ++p) noteRow(rows.pairOf(p));
+    for (Index p = rows.after().first; p <= rows.after().last; ++p) noteRow(rows.pairOf(p));
     for (Index k = 0; k < rows.edgeFilters().rows; ++k) {
         reach.include(k);
         reach.include(n - 1 - k);
@@ -178,8 +178,8 @@ Reach reachOf(const SynthesisRows& rows, Index n) {
     return reach;
 }
 
-// From the last column to the first: pair q of the output overwrites columns 2q and 2q + 1, behind which
-// the smooth part has been read by then.
+// From the last column to the first: a pair of output columns overwrites some behind which the smooth
+// part has been read by then.
 class ImageMerge {
  public:
     ImageMerge(const BoundaryTreatment& boundary, const FilterBank& bank, const Block& coefficients,
@@ -209,8 +209,9 @@ class ImageMerge {
             const Index ready = k == 0 ? 0 : ring.keepsAll(count) ? next + 1 : k + rows.farthest();
             for (; next >= std::max(rows.begin(), ready); --next) {
                 if (rowPolls.beforePair()) return Code::Interrupted;
+                const Index p = rows.position(next);
                 rows.fill(next, at, row);
-                kernels().sumPairs(row.terms, row.count, sampleAt(2 * next), sampleAt(2 * next + 1), in.rows);
+                kernels().sumPairs(row.terms, row.count, sampleAt(p), sampleAt(p + 1), in.rows);
             }
         }
         if (rowPolls.atEnd()) return Code::Interrupted;

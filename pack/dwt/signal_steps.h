@@ -45,6 +45,9 @@ class SignalSynthesis {
     // The farthest that the coefficients of a row may lie apart there.
     static constexpr Index widestRow = 128;
 
+    bool goesOnBehind() const;
+    Index backPair() const;
+    Index backEnd() const;
     void runEnds(const double* low, const double* high, double* x);
     // Pairs `from` to `to` - 1, inside or outside, into `out`.
     void runExtended(const double* low, const double* high, Index from, Index to, double* out);
