@@ -82,8 +82,8 @@ Block columnsOf(const Block& image, const Segment& columns) {
     return partOf(image, {{0, image.rows}, columns});
 }
 
-Reach reachOf(const AnalysisRows& rows, Index n) {
-    Reach reach = {n};
+Reach reachOf(const AnalysisRows& rows) {
+    Reach reach = {rows.samples()};
     Row row;
     const auto note = [&](Index p) -> const double* {
         reach.include(p);
@@ -109,7 +109,7 @@ Failure splitImage(const BoundaryTreatment& boundary, const FilterBank& bank, co
     const Parts along(in.cols, swaps.inRows);
 
     const Index count = in.cols;
-    const Reach reach = reachOf(rows, count);
+    const Reach reach = reachOf(rows);
     const bool streams = rows.first() <= 0 && rows.last() >= 0;
     const Ring ring(count, streams ? reach.front : count,
                     std::max<Index>(rows.last() - rows.first() + 1, reach.back));

@@ -102,6 +102,15 @@ class AnalysisRows {
     int tapCount = 0;
 };
 
+// One pair of outputs, of samples of `width` numbers; sampleAt(p) is where sample p stands.
+template <class SampleAt>
+void analyseRow(const AnalysisRows& rows, Index k, SampleAt sampleAt, double* low, double* high,
+                std::size_t width) {
+    Row row;
+    rows.fill(k, sampleAt, row);
+    kernels().sumPairs(row.terms, row.count, low, rows.isPair(k) ? high : nullptr, width);
+}
+
 enum class Channel { Low, High };
 
 class SynthesisRows {
@@ -192,11 +201,7 @@ class SynthesisRows {
 // lowAt(k) and highAt(k) where coefficients go.
 template <class SampleAt, class LowAt, class HighAt>
 void analyseEnds(const AnalysisRows& rows, SampleAt sampleAt, LowAt lowAt, HighAt highAt, std::size_t width) {
-    Row row;
-    const auto analyse = [&](Index k) {
-        rows.fill(k, sampleAt, row);
-        kernels().sumPairs(row.terms, row.count, lowAt(k), rows.isPair(k) ? highAt(k) : nullptr, width);
-    };
+    const auto analyse = [&](Index k) { analyseRow(rows, k, sampleAt, lowAt(k), highAt(k), width); };
     for (Index k = 0; k < rows.begin(); ++k) analyse(k);
     for (Index k = rows.end(); k < rows.count(); ++k) analyse(k);
 }

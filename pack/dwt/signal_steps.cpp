@@ -30,10 +30,19 @@ void SignalAnalysis::runPairs(const double* x, Index from, Index to, double* low
         const Index first = 2 * k + rows.first();
         const Index length = 2 * (count - 1) + span;
         const bool inside = first >= 0 && first + length <= rows.samples();
-        kernels().split(inside ? x + first : gathered(x, first, length), static_cast<std::size_t>(length),
-                        even, odd);
-        kernels().sumPairs(inner.terms, inner.count, low + k, high + k, static_cast<std::size_t>(count));
+        runTogether(inside ? x + first : gathered(x, first, length), count, low + k, high + k);
     }
+}
+
+void SignalAnalysis::runInner(const double* x, Index count, double* low, double* high) {
+    for (Index k = 0; k < count; k += runLength)
+        runTogether(x + 2 * k, std::min(runLength, count - k), low + k, high + k);
+}
+
+void SignalAnalysis::runTogether(const double* x, Index count, double* low, double* high) {
+    const Index length = 2 * (count - 1) + rows.last() - rows.first() + 1;
+    kernels().split(x, static_cast<std::size_t>(length), even, odd);
+    kernels().sumPairs(inner.terms, inner.count, low, high, static_cast<std::size_t>(count));
 }
 
 // Samples `first` to `first` + `count` - 1 of the extended signal.
@@ -53,10 +62,8 @@ void SignalAnalysis::runScattered(const double* x, Index from, Index to, double*
 }
 
 void SignalAnalysis::runRow(const double* x, Index k, double* low, double* high) {
-    Row row;
-    rows.fill(
-        k, [x](Index p) { return x + p; }, row);
-    kernels().sumPairs(row.terms, row.count, low + k, rows.isPair(k) ? high + k : nullptr, 1);
+    analyseRow(
+        rows, k, [x](Index p) { return x + p; }, low + k, high + k, 1);
 }
 
 SignalSynthesis::SignalSynthesis(const Ends& ends, const FilterBank& bank, Index n)
