@@ -53,31 +53,6 @@ class Ring {
     Index turns;
 };
 
-// Asks about the rows of an image while its output pairs are made.
-class RowPolls {
- public:
-    RowPolls(const Poll& rowPoll, std::uint64_t rowCount, Index pairCount)
-        : poll(rowPoll), rows(rowCount), pairs(static_cast<std::uint64_t>(pairCount)) {}
-
-    bool beforePair() { return askUpTo(rows * ++made / pairs); }
-    bool atEnd() { return askUpTo(rows); }
-
- private:
-    bool askUpTo(std::uint64_t count) {
-        while (asked < count) {
-            ++asked;
-            if (poll()) return true;
-        }
-        return false;
-    }
-
-    const Poll& poll;
-    std::uint64_t rows;
-    std::uint64_t pairs;
-    std::uint64_t made = 0;
-    std::uint64_t asked = 0;
-};
-
 Block columnsOf(const Block& image, const Segment& columns) {
     return partOf(image, {{0, image.rows}, columns});
 }
@@ -135,7 +110,7 @@ Failure splitImage(const BoundaryTreatment& boundary, const FilterBank& bank, co
     const auto highAt = [&](Index k) { return highColumns.column(static_cast<std::uint64_t>(k)); };
 
     SignalAnalysis columns(ends, bank, in.rows);
-    RowPolls rowPolls(poll, in.rows, rows.count());
+    SpreadPolls rowPolls(poll, in.rows, static_cast<std::uint64_t>(rows.count()));
     Row row;
     Index next = rows.begin();
     for (Index col = 0; col < count; ++col) {
@@ -146,7 +121,7 @@ Failure splitImage(const BoundaryTreatment& boundary, const FilterBank& bank, co
         const bool allThere = col == count - 1;
         if (ring.keepsAll(count) && !allThere) continue;
         for (; next < rows.end() && (allThere || 2 * next + rows.last() <= col); ++next) {
-            if (rowPolls.beforePair()) return Code::Interrupted;
+            if (rowPolls.beforeStep()) return Code::Interrupted;
             rows.fillInner([&](Index d) { return lineAt(2 * next + rows.first() + d); }, row);
             kernels().sumPairs(row.terms, row.count, lowAt(next), highAt(next), in.rows);
         }
@@ -201,14 +176,14 @@ class ImageMerge {
         if (!prepare(workspace)) return Code::OutOfMemory;
         const auto at = [this](Channel channel, Index k) { return lineAt(channel, k); };
         const auto sampleAt = [this](Index p) { return out.column(static_cast<std::uint64_t>(p)); };
-        RowPolls rowPolls(poll, in.rows, rows.count());
+        SpreadPolls rowPolls(poll, in.rows, static_cast<std::uint64_t>(rows.count()));
         Row row;
         Index next = rows.end() - 1;
         for (Index k = count - 1; k >= 0; --k) {
             if (!makeLines(k, poll)) return Code::Interrupted;
             const Index ready = k == 0 ? 0 : ring.keepsAll(count) ? next + 1 : k + rows.farthest();
             for (; next >= std::max(rows.begin(), ready); --next) {
-                if (rowPolls.beforePair()) return Code::Interrupted;
+                if (rowPolls.beforeStep()) return Code::Interrupted;
                 const Index p = rows.position(next);
                 rows.fill(next, at, row);
                 kernels().sumPairs(row.terms, row.count, sampleAt(p), sampleAt(p + 1), in.rows);

@@ -71,7 +71,9 @@ SignalSynthesis::SignalSynthesis(const Ends& ends, const FilterBank& bank, Index
       shortEnds(rows.edgeFilters().rows == 0 && rows.farthest() - rows.nearest() <= widestRow &&
                 rows.begin() - rows.pairOf(rows.before().first) <= mostEnd &&
                 backEnd() - backPair() <= mostEnd &&
-                rows.pairOf(rows.after().last) + 1 - rows.pairOf(rows.after().first) <= mostEnd) {}
+                rows.pairOf(rows.after().last) + 1 - rows.pairOf(rows.after().first) <= mostEnd) {
+    if (shortEnds) rows.fillInner(window[0] + rows.farthest(), window[1] + rows.farthest(), extended);
+}
 
 void SignalSynthesis::run(const double* low, const double* high, double* x) {
     if (rows.begin() < rows.end()) {
@@ -136,9 +138,7 @@ void SignalSynthesis::runExtended(const double* low, const double* high, Index f
     const Index count = to - from + rows.farthest() - rows.nearest();
     rows.gather(Channel::Low, low, first, count, window[0]);
     rows.gather(Channel::High, high, first, count, window[1]);
-    Row row;
-    rows.fillInner(window[0] + rows.farthest(), window[1] + rows.farthest(), row);
-    kernels().sumInterleaved(row.terms, row.count, out, static_cast<std::size_t>(to - from));
+    kernels().sumInterleaved(extended.terms, extended.count, out, static_cast<std::size_t>(to - from));
 }
 
 namespace {

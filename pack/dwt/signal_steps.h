@@ -60,6 +60,7 @@ class SignalSynthesis {
 
     SynthesisRows rows;
     bool shortEnds;
+    Row extended;  // over the windows
     double window[2][mostEnd + widestRow];
 };
 
