@@ -34,6 +34,8 @@ array([0., 1., 1.])
 from undula import _functions, _host
 from undula._errors import ArithmeticFault, Error, OutOfMemoryError
 from undula._evaluate import evaluate
+from undula._levels import levels
+from undula._padding import pad
 
 for _kind in (Error, OutOfMemoryError, ArithmeticFault):
     _kind.__module__ = __name__  # the name under which users know it
@@ -43,6 +45,14 @@ __version__ = _host.__version__
 _loaded, _described = _functions.load_functions()
 globals().update(_loaded)
 
-evaluate.__module__ = __name__
+_helpers = (evaluate, levels, pad)
+for _helper in _helpers:
+    _helper.__module__ = __name__
 
-__all__ = ["Error", "OutOfMemoryError", "ArithmeticFault", "evaluate", *_described]
+__all__ = [
+    "Error",
+    "OutOfMemoryError",
+    "ArithmeticFault",
+    *(_helper.__name__ for _helper in _helpers),
+    *_described,
+]

@@ -1,6 +1,7 @@
 """The descriptions against the pack that is loaded."""
 
 import doctest
+import importlib
 import inspect
 import itertools
 import runpy
@@ -135,9 +136,20 @@ def test_the_example_of_the_package_runs():
     check_examples(undula.__doc__, "undula")
 
 
+@pytest.mark.parametrize("name", ["_levels", "_padding"])
+def test_every_example_of_a_helper_runs(name):
+    module = importlib.import_module(f"undula.{name}")
+    for test in doctest.DocTestFinder(exclude_empty=True).find(module, globs={"undula": undula, "np": np}):
+        run_examples(test)
+
+
 def check_examples(text, name):
     test = doctest.DocTestParser().get_doctest(text, {"undula": undula, "np": np}, name, None, 0)
     assert test.examples
+    run_examples(test)
+
+
+def run_examples(test):
     report = []
     doctest.DocTestRunner().run(test, out=report.append)
     assert not report, "".join(report)
