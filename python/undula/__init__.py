@@ -31,7 +31,8 @@ Many points at once
 array([0., 1., 1.])
 """
 
-from undula import _functions, _host
+from undula import _functions, _host, thresholding
+from undula._denoise import denoise
 from undula._errors import ArithmeticFault, Error, OutOfMemoryError
 from undula._evaluate import evaluate
 from undula._levels import levels
@@ -45,7 +46,7 @@ __version__ = _host.__version__
 _loaded, _described = _functions.load_functions()
 globals().update(_loaded)
 
-_helpers = (evaluate, levels, pad)
+_helpers = (evaluate, denoise, levels, pad)
 for _helper in _helpers:
     _helper.__module__ = __name__
 
@@ -54,5 +55,6 @@ __all__ = [
     "OutOfMemoryError",
     "ArithmeticFault",
     *(_helper.__name__ for _helper in _helpers),
+    "thresholding",
     *_described,
 ]

@@ -136,7 +136,7 @@ def test_the_example_of_the_package_runs():
     check_examples(undula.__doc__, "undula")
 
 
-@pytest.mark.parametrize("name", ["_levels", "_padding"])
+@pytest.mark.parametrize("name", ["_denoise", "_levels", "_padding", "thresholding"])
 def test_every_example_of_a_helper_runs(name):
     module = importlib.import_module(f"undula.{name}")
     for test in doctest.DocTestFinder(exclude_empty=True).find(module, globs={"undula": undula, "np": np}):
