@@ -136,7 +136,7 @@ def test_the_example_of_the_package_runs():
     check_examples(undula.__doc__, "undula")
 
 
-@pytest.mark.parametrize("name", ["_denoise", "_levels", "_padding", "thresholding"])
+@pytest.mark.parametrize("name", ["_denoise", "_levels", "_padding", "costs", "thresholding"])
 def test_every_example_of_a_helper_runs(name):
     module = importlib.import_module(f"undula.{name}")
     for test in doctest.DocTestFinder(exclude_empty=True).find(module, globs={"undula": undula, "np": np}):
