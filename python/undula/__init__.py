@@ -31,7 +31,7 @@ Many points at once
 array([0., 1., 1.])
 """
 
-from undula import _functions, _host, costs, thresholding
+from undula import _functions, _host, costs, plot, thresholding
 from undula._denoise import denoise
 from undula._errors import ArithmeticFault, Error, OutOfMemoryError
 from undula._evaluate import evaluate
@@ -56,6 +56,7 @@ __all__ = [
     "ArithmeticFault",
     *(_helper.__name__ for _helper in _helpers),
     "costs",
+    "plot",
     "thresholding",
     *_described,
 ]

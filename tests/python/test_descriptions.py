@@ -136,11 +136,19 @@ def test_the_example_of_the_package_runs():
     check_examples(undula.__doc__, "undula")
 
 
-@pytest.mark.parametrize("name", ["_denoise", "_levels", "_padding", "costs", "thresholding"])
-def test_every_example_of_a_helper_runs(name):
-    module = importlib.import_module(f"undula.{name}")
-    for test in doctest.DocTestFinder(exclude_empty=True).find(module, globs={"undula": undula, "np": np}):
-        run_examples(test)
+HELPERS = ["_denoise", "_levels", "_padding", "costs", "plot", "thresholding"]
+
+
+def examples_of(module):
+    finder = doctest.DocTestFinder(exclude_empty=True)
+    return finder.find(importlib.import_module(f"undula.{module}"), globs={"undula": undula, "np": np})
+
+
+@pytest.mark.parametrize(
+    "test", [test for name in HELPERS for test in examples_of(name)], ids=lambda test: test.name
+)
+def test_every_example_of_a_helper_runs(test, ax):
+    run_examples(test)
 
 
 def check_examples(text, name):
