@@ -1,5 +1,9 @@
 """Thresholds, denoising, padding and views, against formulas, another library and the pack's own copies."""
 
+import re
+import textwrap
+from pathlib import Path
+
 import numpy as np
 import pytest
 import pywt
@@ -60,7 +64,7 @@ def test_denoise_is_that_of_another_library(shape, level, rng):
     )
 
 
-@pytest.mark.parametrize("wavelet", [W, undula.Bspline(2, 4), undula.Bspline(3, 3), undula.Bspline(1, 5), undula.bl(1)])
+@pytest.mark.parametrize("wavelet", [W, undula.bl(1), *(undula.Bspline(m, n) for m, n in [(2, 4), (3, 3), (1, 5)])])
 def test_gains_of_noise_are_the_norms_of_rows(wavelet):
     side = 512
     transform = np.array([undula.dwt(unit, 3, wavelet) for unit in np.eye(side)]).T
@@ -117,7 +121,9 @@ def test_views_along_an_axis_and_of_many_images(rng):
     np.testing.assert_array_equal(undula.levels(y, 1).details[0].V[3], undula.levels(y[3], 1).details[0].V)
 
 
-@pytest.mark.parametrize("shape, level, margin", [((13,), 3, 0), ((16,), 3, 5), ((9, 20), 2, (0, 3)), ((0,), 0, 0)])
+@pytest.mark.parametrize(
+    "shape, level, margin", [((13,), 3, 0), ((16,), 3, 5), ((9, 20), 2, (0, 3)), ((0,), 0, 0)]
+)
 def test_padding_divides_and_is_trimmed(shape, level, margin, rng):
     data = rng.normal(size=shape)
     for mode in ("symmetric", "periodic", "edge", "constant"):
@@ -138,7 +144,7 @@ def test_padding_divides_and_is_trimmed(shape, level, margin, rng):
         (ValueError, "threshold cannot be negative", lambda: thresholding.soft([1], -1)),
         (TypeError, "must be real", lambda: thresholding.hard([1j], 1)),
         (ValueError, "data must be finite", lambda: undula.denoise([1, np.nan], W)),
-        (ValueError, "3 dimensions; of several signals give the axis", lambda: undula.denoise(np.ones((2, 2, 2)), W)),
+        (ValueError, "3 dimensions; of several signals give the axis", lambda: undula.denoise([[[1]]], W)),
         (ValueError, "5 samples allow levels 0 to 2, not 3", lambda: undula.denoise(np.ones(5), W, 3)),
         (ValueError, '"mini" is none of sure, bayes', lambda: undula.denoise([1, 2], W, threshold="mini")),
         (ValueError, '"firm" is none of soft, hard', lambda: undula.denoise([1, 2], W, shrink="firm")),
@@ -150,3 +156,14 @@ def test_padding_divides_and_is_trimmed(shape, level, margin, rng):
 def test_what_is_refused(kind, message, call):
     with pytest.raises(kind, match=message):
         call()
+
+
+def test_the_lines_of_the_readme_print_what_they_say(tmp_path, monkeypatch, capsys):
+    root = Path(__file__).resolve().parents[2]
+    lines, rest = (root / "README.md").read_text(encoding="utf-8").split("## Ten lines\n")[1].split("\nprints ")
+    (tmp_path / "examples").symlink_to(root / "examples")
+    monkeypatch.chdir(tmp_path)
+    exec(textwrap.dedent(lines), {})
+    said = re.findall("`(.*? dB)`", rest.split("After")[0])
+    assert capsys.readouterr().out.split("\n") == [*said, ""]
+    assert (tmp_path / "levels.png").stat().st_size > 1000
