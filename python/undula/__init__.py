@@ -29,6 +29,12 @@ Many points at once
 
 >>> undula.evaluate(undula.father, [-0.5, 0.0, 0.5], "haar").round(12)
 array([0., 1., 1.])
+
+Helpers
+-------
+`denoise` takes noise out of a signal or an image, `levels` gives the parts of a transform as views, `pad`
+makes lengths that can be halved. `undula.thresholding` has thresholds, `undula.costs` costs for
+`best_basis`, and `undula.plot` pictures.
 """
 
 from undula import _functions, _host, costs, plot, thresholding

@@ -1,11 +1,15 @@
 """Denoising in one call."""
 
+from __future__ import annotations
+
 import numpy as np
+from numpy.typing import ArrayLike, NDArray
 
 import undula
 from undula import thresholding
-from undula._filters import filter_of, high_pass, low_passes, spread
+from undula._taps import filter_of, high_pass, low_passes, spread
 from undula._levels import check_level
+from undula._numbers import real_numbers
 
 _THRESHOLDS = {
     "sure": lambda details, sigma, count: thresholding.sure(details, sigma),
@@ -16,8 +20,16 @@ _SHRINKS = {"soft": thresholding.soft, "hard": thresholding.hard}
 
 
 def denoise(
-    data, wavelet, level=None, *, threshold="sure", shrink="soft", sigma=None, extension="symmetric", axis=None
-):
+    data: ArrayLike,
+    wavelet: ArrayLike,
+    level: int | None = None,
+    *,
+    threshold: str | float = "sure",
+    shrink: str = "soft",
+    sigma: float | None = None,
+    extension: str = "symmetric",
+    axis: int | None = None,
+) -> NDArray[np.float64]:
     """A signal or an image without its white noise.
 
     The data is transformed, its details are brought closer to zero by a threshold, and the transform is
@@ -57,6 +69,8 @@ def denoise(
 
     Raises
     ------
+    TypeError
+        The data is not real numbers.
     ValueError
         The data is not finite or of another dimension, there are too few samples for the level, or no
         threshold or shrinkage has that name.
@@ -69,7 +83,7 @@ def denoise(
     >>> print(np.std(noisy - clean).round(3), np.std(denoised - clean).round(3))
     0.197 0.037
     """
-    data = np.asarray(data)
+    data = real_numbers("denoise", data)
     if axis is not None:
         options = dict(threshold=threshold, shrink=shrink, sigma=sigma, extension=extension)
         return np.apply_along_axis(denoise, axis, data, wavelet, level, **options)

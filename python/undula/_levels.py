@@ -1,8 +1,11 @@
 """Transformed data by levels, as views."""
 
+from __future__ import annotations
+
 from typing import NamedTuple
 
 import numpy as np
+from numpy.typing import NDArray
 
 
 class Details(NamedTuple):
@@ -11,9 +14,9 @@ class Details(NamedTuple):
     H is high-pass along the columns, where horizontal structures show, V along the rows, D along both.
     """
 
-    H: np.ndarray
-    V: np.ndarray
-    D: np.ndarray
+    H: NDArray
+    V: NDArray
+    D: NDArray
 
 
 class Levels(NamedTuple):
@@ -22,11 +25,11 @@ class Levels(NamedTuple):
     `details[-j]` are those of level j. Of an image each is a `Details`.
     """
 
-    smooth: np.ndarray
+    smooth: NDArray
     details: tuple
 
 
-def levels(coefficients, level, axis=None):
+def levels(coefficients: NDArray, level: int, axis: int | None = None) -> Levels:
     """The smooth part and the details of transformed data, without copies.
 
     The parts are views: what is written into them is written into the coefficients. Their order is that

@@ -1,24 +1,35 @@
 """Padding of data to lengths that can be halved, and back."""
 
+from __future__ import annotations
+
+from collections.abc import Callable, Sequence
 from typing import NamedTuple
 
 import numpy as np
+from numpy.typing import ArrayLike, NDArray
 
 from undula._levels import check_level
+from undula._numbers import real_numbers
 
 
 class Padded(NamedTuple):
     """Padded data, and where in it the data lies."""
 
-    data: np.ndarray
-    place: tuple
+    data: NDArray
+    place: tuple[slice, ...]
 
-    def trim(self, array):
+    def trim(self, array: NDArray) -> NDArray:
         """The part of an array of the padded shape where the data was; a view."""
         return array[self.place]
 
 
-def pad(data, level, mode="symmetric", margin=0, axis=None):
+def pad(
+    data: ArrayLike,
+    level: int,
+    mode: str | Callable = "symmetric",
+    margin: int | Sequence[int] = 0,
+    axis: int | None = None,
+) -> Padded:
     """Data padded so that 2^level divides its sides, with a record of where the data lies in it.
 
     Parameters
@@ -56,7 +67,7 @@ def pad(data, level, mode="symmetric", margin=0, axis=None):
     >>> padded.trim(undula.idwt(y, 2, undula.daublet(4))).round(12)
     array([3., 1., 4., 1., 5.])
     """
-    array = np.asarray(data)
+    array = real_numbers("pad", data)
     axes = range(array.ndim) if axis is None else [range(array.ndim)[axis]]
     check_level("pad", [array.shape[each] for each in axes], level)
     margins = np.broadcast_to(margin, array.ndim)

@@ -37,7 +37,7 @@ l1 = _host.cost("l1")
 log_energy = _host.cost("log_energy")
 
 
-def count_above(threshold):
+def count_above(threshold: float) -> _host.Cost:
     """The cost that counts coefficients above a threshold in magnitude.
 
     Examples
@@ -48,7 +48,7 @@ def count_above(threshold):
     return _host.cost("count_above", threshold)
 
 
-def clipped_energy(threshold):
+def clipped_energy(threshold: float) -> _host.Cost:
     """The cost min(x^2, threshold^2).
 
     Examples

@@ -13,17 +13,33 @@ else belongs to the occasion are left to the caller. Matplotlib is imported by t
                                  sheet       taps, functions and responses of a wavelet
 """
 
+from __future__ import annotations
+
+from collections.abc import Sequence
+from typing import TYPE_CHECKING
+
 import numpy as np
+from numpy.typing import ArrayLike, NDArray
 
 import undula
-from undula._filters import filter_of, high_pass, low_passes
+from undula._taps import filter_of, high_pass, low_passes
+
+if TYPE_CHECKING:
+    from matplotlib.axes import Axes
 
 __all__ = ["levels", "tiling", "table", "mosaic", "partition", "decay", "function", "sheet"]
 
 _INK, _FAINT, _FIRST, _SECOND, _BRIGHT = "#1b1b1b", "#b8bec7", "#00798c", "#d1495b", "#7df9ff"
 
 
-def levels(coefficients, level, ax=None, *, span=None, common=True):
+def levels(
+    coefficients: ArrayLike,
+    level: int,
+    ax: Axes | None = None,
+    *,
+    span: tuple[float, float] | None = None,
+    common: bool = True,
+) -> Axes:
     """Draws the coefficients of a signal by level, the finest on top.
 
     Each coefficient is a bar as wide as the time that it stands for. All details have one scale; other
@@ -74,8 +90,16 @@ def levels(coefficients, level, ax=None, *, span=None, common=True):
 
 
 def tiling(
-    coefficients, basis, ax=None, *, windows=False, span=None, highest=None, decibels=40, cmap="magma"
-):
+    coefficients: ArrayLike,
+    basis: ArrayLike,
+    ax: Axes | None = None,
+    *,
+    windows: bool = False,
+    span: tuple[float, float] | None = None,
+    highest: float | None = None,
+    decibels: float = 40,
+    cmap: str = "magma",
+) -> Axes:
     """Draws the coefficients of a signal's packet basis over time and frequency.
 
     Each packet is a band of frequencies, divided into a tile for each coefficient, or, with `windows`, a
@@ -139,7 +163,14 @@ def tiling(
     return ax
 
 
-def table(table, basis=None, ax=None, *, decibels=40, cmap="magma"):
+def table(
+    table: Sequence[ArrayLike],
+    basis: ArrayLike | None = None,
+    ax: Axes | None = None,
+    *,
+    decibels: float = 40,
+    cmap: str = "magma",
+) -> Axes:
     """Draws a signal's packet table, a row for each level, and frames the packets of a basis.
 
     Within a level the packets stand from low to high frequency (of a cosine table, from the first window
@@ -191,7 +222,9 @@ def table(table, basis=None, ax=None, *, decibels=40, cmap="magma"):
     return ax
 
 
-def mosaic(coefficients, level, ax=None, *, cmap="bwr", labels=True):
+def mosaic(
+    coefficients: ArrayLike, level: int, ax: Axes | None = None, *, cmap: str = "bwr", labels: bool = True
+) -> Axes:
     """Draws the subbands of a transformed image where they lie.
 
     The smooth part is grey. Details have the middle colour at 0 and one scale for each level, whose ends
@@ -243,7 +276,9 @@ def mosaic(coefficients, level, ax=None, *, cmap="bwr", labels=True):
     return ax
 
 
-def partition(basis, image=None, ax=None, *, color=None):
+def partition(
+    basis: ArrayLike, image: ArrayLike | None = None, ax: Axes | None = None, *, color: str | None = None
+) -> Axes:
     """Draws the blocks of an image's packet basis, of any depth, over a picture.
 
     Parameters
@@ -284,7 +319,7 @@ def partition(basis, image=None, ax=None, *, color=None):
     return ax
 
 
-def decay(coefficients, ax=None, *, kind="magnitude", **line):
+def decay(coefficients: ArrayLike, ax: Axes | None = None, *, kind: str = "magnitude", **line) -> Axes:
     """Draws how fast coefficients fall when they are sorted by magnitude.
 
     Parameters
@@ -332,7 +367,9 @@ def decay(coefficients, ax=None, *, kind="magnitude", **line):
     return ax
 
 
-def function(wavelet, index=0, ax=None, *, dual=False, **line):
+def function(
+    wavelet: ArrayLike, index: int = 0, ax: Axes | None = None, *, dual: bool = False, **line
+) -> Axes:
     """Draws a scaling function (index 0), wavelet (1) or wavelet packet where it is not practically 0.
 
     Parameters
@@ -366,7 +403,7 @@ def function(wavelet, index=0, ax=None, *, dual=False, **line):
     return ax
 
 
-def sheet(wavelet, axes=None):
+def sheet(wavelet: ArrayLike, axes: NDArray | None = None) -> NDArray:
     """Draws the taps, the frequency responses, the scaling function and the wavelet of a filter.
 
     Of a biorthogonal pair those of the synthesis stand beside those of the analysis. The two functions

@@ -9,13 +9,18 @@
 array([ 0.  ,  0.  ,  2.55,  0.  ,  0.  ,  0.  , -2.05,  0.  ])
 """
 
+from __future__ import annotations
+
 import numpy as np
+from numpy.typing import ArrayLike, NDArray
+
+from undula._numbers import real_numbers
 
 # Half of all normally distributed numbers are within this many standard deviations.
 _MEDIAN_OF_NORMAL = 0.6744897501960817
 
 
-def soft(x, threshold):
+def soft(x: ArrayLike, threshold: ArrayLike) -> NDArray[np.float64]:
     """Every number closer to zero by the threshold, at most zero itself.
 
     Parameters
@@ -37,7 +42,7 @@ def soft(x, threshold):
     return x - np.clip(x, -threshold, threshold)
 
 
-def hard(x, threshold):
+def hard(x: ArrayLike, threshold: ArrayLike) -> NDArray[np.float64]:
     """Numbers below the threshold in magnitude set to zero, the others left.
 
     Parameters
@@ -59,7 +64,7 @@ def hard(x, threshold):
     return np.where(np.abs(x) < threshold, 0.0, x)
 
 
-def noise(details):
+def noise(details: ArrayLike) -> float:
     """The standard deviation of noise, from details in which it prevails, such as the finest.
 
     It is the median of the magnitudes over that of normal noise with the deviation 1. The few large
@@ -73,7 +78,7 @@ def noise(details):
     return float(np.median(np.abs(details)) / _MEDIAN_OF_NORMAL)
 
 
-def universal(count, sigma=1.0):
+def universal(count: int, sigma: float = 1.0) -> float:
     """sigma sqrt(2 ln count), which noise alone hardly ever exceeds among `count` numbers.
 
     The results are smooth; their squared error is larger than with `sure`.
@@ -91,7 +96,7 @@ def universal(count, sigma=1.0):
     return float(sigma * np.sqrt(2 * np.log(count)))
 
 
-def sure(details, sigma=1.0):
+def sure(details: ArrayLike, sigma: float = 1.0) -> float:
     """The soft threshold of least estimated squared error, for details with noise of deviation sigma.
 
     The estimate is Stein's unbiased one: the error expected of soft thresholding at t is that of
@@ -117,7 +122,7 @@ def sure(details, sigma=1.0):
     return float(candidates[np.argmin(risks)])
 
 
-def bayes(details, sigma=1.0):
+def bayes(details: ArrayLike, sigma: float = 1.0) -> float:
     """sigma^2 over the deviation of the details without their noise, for soft thresholding of images.
 
     Where the details are no stronger than the noise, it is the largest magnitude, which leaves nothing.
@@ -138,9 +143,7 @@ def bayes(details, sigma=1.0):
 
 
 def _numbers(x, threshold):
-    if np.iscomplexobj(x) or np.iscomplexobj(threshold):
-        raise TypeError("thresholding: numbers and thresholds must be real")
-    x, threshold = np.asarray(x, float), np.asarray(threshold, float)
+    x, threshold = (real_numbers("thresholding", each).astype(float) for each in (x, threshold))
     if np.any(threshold < 0):
         raise ValueError("thresholding: a threshold cannot be negative")
     return x, threshold

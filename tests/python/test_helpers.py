@@ -142,7 +142,9 @@ def test_padding_divides_and_is_trimmed(shape, level, margin, rng):
     "kind, message, call",
     [
         (ValueError, "threshold cannot be negative", lambda: thresholding.soft([1], -1)),
-        (TypeError, "must be real", lambda: thresholding.hard([1j], 1)),
+        (TypeError, "must be real numbers, not complex128", lambda: thresholding.hard([1j], 1)),
+        (TypeError, "the mask would be lost", lambda: undula.pad(np.ma.masked_array([1, 2], [0, 1]), 1)),
+        (TypeError, "must be real numbers, not <U1", lambda: undula.denoise(["a"], W)),
         (ValueError, "data must be finite", lambda: undula.denoise([1, np.nan], W)),
         (ValueError, "3 dimensions; of several signals give the axis", lambda: undula.denoise([[[1]]], W)),
         (ValueError, "5 samples allow levels 0 to 2, not 3", lambda: undula.denoise(np.ones(5), W, 3)),

@@ -1,4 +1,4 @@
-"""Filters as the helpers need them."""
+"""The coefficients of filters, as the helpers need them."""
 
 import numpy as np
 
