@@ -73,6 +73,7 @@ def test_blocks_fill_the_image(shape, ax, rng):
     assert sum(frame.width * frame.height for frame in frames) == pytest.approx(rows * cols)
     assert (ax.get_xlim(), ax.get_ylim()) == ((0, cols), (rows, 0))  # the first row is on top
     if image is not None:
+        assert ax.images[0].get_extent() == (0, cols, rows, 0)
         for frame, packet in zip(frames, np.unique(basis, axis=0)):
             block = image[int(frame.y0) : int(frame.y1), int(frame.x0) : int(frame.x1)]
             expected = undula.get_subband2d(image, *packet)
@@ -90,6 +91,7 @@ def test_colours_of_subbands_show_signs(ax):
     assert shown.shape == (37, 22, 4) and np.min(shown[-5:, -5:]) > 0.99  # zeros are white
     assert red[19, 0] > blue[19, 0] and red[1, 12] < blue[1, 12]
     assert red[0, 0] == green[0, 0] == 1 and red[0, 1] == green[0, 1] == 0
+    assert ax.images[0].get_extent() == (0, 22, 37, 0) and ax.get_ylim() == (37, 0)
     assert {text.get_text() for text in ax.texts} == {"H1", "V1", "D1", "H2", "V2", "D2"}
 
 
