@@ -29,11 +29,20 @@ Many points at once
 
 >>> undula.evaluate(undula.father, [-0.5, 0.0, 0.5], "haar").round(12)
 array([0., 1., 1.])
+
+Helpers
+-------
+`denoise` takes noise out of a signal or an image, `levels` gives the parts of a transform as views, `pad`
+makes lengths that can be halved. `undula.thresholding` has thresholds, `undula.costs` costs for
+`best_basis`, and `undula.plot` pictures.
 """
 
-from undula import _functions, _host
+from undula import _functions, _host, costs, plot, thresholding
+from undula._denoise import denoise
 from undula._errors import ArithmeticFault, Error, OutOfMemoryError
 from undula._evaluate import evaluate
+from undula._levels import levels
+from undula._padding import pad
 
 for _kind in (Error, OutOfMemoryError, ArithmeticFault):
     _kind.__module__ = __name__  # the name under which users know it
@@ -43,6 +52,17 @@ __version__ = _host.__version__
 _loaded, _described = _functions.load_functions()
 globals().update(_loaded)
 
-evaluate.__module__ = __name__
+_helpers = (evaluate, denoise, levels, pad)
+for _helper in _helpers:
+    _helper.__module__ = __name__
 
-__all__ = ["Error", "OutOfMemoryError", "ArithmeticFault", "evaluate", *_described]
+__all__ = [
+    "Error",
+    "OutOfMemoryError",
+    "ArithmeticFault",
+    *(_helper.__name__ for _helper in _helpers),
+    "costs",
+    "plot",
+    "thresholding",
+    *_described,
+]
