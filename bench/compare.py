@@ -6,7 +6,8 @@ Ratios are medians over many turns: how many times as long the peer takes. "warm
 C++, into results that are there already, beside the peer's whole call. "Python": whole calls on both
 sides, with results in new memory. "of ...": the time as a multiple of what the machine needs for
 copying the data, or for the products and sums alone, measured in the same turns. A mark shows where a
-ratio falls short of the one aimed at, after it, by more than a tenth. Run it on a machine that does nothing else.
+ratio falls short of the one aimed at, after it, by more than a tenth. Run it on a machine that does
+nothing else.
 """
 
 import ctypes
