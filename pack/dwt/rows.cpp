@@ -59,15 +59,15 @@ SynthesisRows::SynthesisRows(const SynthesisEnds& dataEnds, Index samples)
 
 void SynthesisRows::gather(Channel channel, const double* from, Index first, Index count, double* out) const {
     const CoefficientExtension& extension = channel == Channel::Low ? low : high;
-    const Index before = std::clamp(-first, Index{0}, count);
-    const Index copied =
-        std::clamp(std::min(extension.length, first + count) - (first + before), Index{0}, count);
+    const Index before = std::clamp(edges.rows - first, Index{0}, count);
+    const Index copied = std::clamp(std::min(extension.length - edges.rows, first + count) - (first + before),
+                                    Index{0}, count);
     std::fill_n(out, before, 0.0);
     std::copy_n(from + first + before, copied, out + before);
-    const Index wholePeriod = extension.period();
+    const Index end = extension.period() - edges.rows;
     for (Index i = before + copied; i < count; ++i) {
         const Index k = first + i;
-        const Index source = k < wholePeriod ? extension.source(k) : -1;
+        const Index source = k < end ? extension.source(k) : -1;
         out[i] = source < 0 ? 0.0 : extension.sign * from[source];
     }
 }

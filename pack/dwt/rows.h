@@ -151,7 +151,8 @@ class SynthesisRows {
         }
     }
 
-    // Coefficients `first` to `first` + `count` - 1 of a channel, extended, and zeros beyond the period.
+    // Coefficients `first` to `first` + `count` - 1 of a channel, extended; zeros beyond the period and for
+    // those that belong to boundary filters.
     void gather(Channel channel, const double* from, Index first, Index count, double* out) const;
 
     // The row of a pair, inside or outside; at(channel, k) is where coefficient k of a channel stands.
@@ -223,7 +224,7 @@ class SynthesisOfEnds {
         }
         for (Index q = rows.end(); q < rows.count(); ++q) synthesise(q);
         if (rows.edgeFilters().rows > 0) {
-            addEdge(rows.edgeFilters().bank->BRlo, rows.edgeFilters().bank->BRhi, true);
+            addRightEdge();
         } else {
             const auto [first, last] = rows.before();
             for (Index p = first; p <= last; ++p) fold(p);
@@ -231,6 +232,22 @@ class SynthesisOfEnds {
             for (Index p = to; p >= from; --p) fold(p);
         }
     }
+
+    // Boundary filters alone, and at the left end what adds to them: there they come first, and the taps are
+    // added one by one.
+    void addOntoLeftEdge() {
+        for (Index p = 0; p < rows.position(rows.begin()); ++p) std::fill_n(sampleAt(p), width, 0.0);
+        addEdge(rows.edgeFilters().bank->BLlo, rows.edgeFilters().bank->BLhi, false);
+        for (Index q = 0; q < rows.begin(); ++q) {
+            const Index p = rows.position(q);
+            rows.fill(q, at, row);
+            for (const Term* term = row.terms; term != row.terms + row.count; ++term) {
+                if (term->sums != Term::Second && p >= 0) add(*term, term->first, sampleAt(p));
+                if (term->sums != Term::First) add(*term, term->second, sampleAt(p + 1));
+            }
+        }
+    }
+    void addRightEdge() { addEdge(rows.edgeFilters().bank->BRlo, rows.edgeFilters().bank->BRhi, true); }
 
  private:
     void synthesise(Index q) {
@@ -250,20 +267,6 @@ class SynthesisOfEnds {
         const double* outside = position == rows.position(q) ? scratch : scratch + width;
         double* sum = sampleAt(target);
         for (std::size_t i = 0; i < width; ++i) sum[i] += outside[i];
-    }
-
-    // At the left end the boundary filters come first, and the taps are added one by one.
-    void addOntoLeftEdge() {
-        for (Index p = 0; p < rows.position(rows.begin()); ++p) std::fill_n(sampleAt(p), width, 0.0);
-        addEdge(rows.edgeFilters().bank->BLlo, rows.edgeFilters().bank->BLhi, false);
-        for (Index q = 0; q < rows.begin(); ++q) {
-            const Index p = rows.position(q);
-            rows.fill(q, at, row);
-            for (const Term* term = row.terms; term != row.terms + row.count; ++term) {
-                if (term->sums != Term::Second && p >= 0) add(*term, term->first, sampleAt(p));
-                if (term->sums != Term::First) add(*term, term->second, sampleAt(p + 1));
-            }
-        }
     }
 
     void add(const Term& term, double weight, double* sum) const {

@@ -68,7 +68,7 @@ void SignalAnalysis::runRow(const double* x, Index k, double* low, double* high)
 
 SignalSynthesis::SignalSynthesis(const Ends& ends, const FilterBank& bank, Index n)
     : rows(ends.synthesis(bank, n), n),
-      shortEnds(rows.edgeFilters().rows == 0 && rows.farthest() - rows.nearest() <= widestRow &&
+      shortEnds(rows.farthest() - rows.nearest() <= widestRow &&
                 rows.begin() - rows.pairOf(rows.before().first) <= mostEnd &&
                 backEnd() - backPair() <= mostEnd &&
                 rows.pairOf(rows.after().last) + 1 - rows.pairOf(rows.after().first) <= mostEnd) {
@@ -82,14 +82,19 @@ void SignalSynthesis::run(const double* low, const double* high, double* x) {
         kernels().sumInterleaved(row.terms, row.count, x + rows.position(rows.begin()),
                                  static_cast<std::size_t>(rows.end() - rows.begin()));
     }
-    if (shortEnds) {
-        runEnds(low, high, x);
+    double scratch[2];
+    const auto at = [=](Channel channel, Index k) { return (channel == Channel::Low ? low : high) + k; };
+    SynthesisOfEnds ends(
+        rows, at, [x](Index p) { return x + p; }, 1, scratch);
+    if (!shortEnds) {
+        ends.run();
+    } else if (rows.edgeFilters().rows > 0) {
+        double values[2 * mostEnd];
+        ends.addOntoLeftEdge();
+        runBack(low, high, values, x);
+        ends.addRightEdge();
     } else {
-        double scratch[2];
-        const auto at = [=](Channel channel, Index k) { return (channel == Channel::Low ? low : high) + k; };
-        SynthesisOfEnds(
-            rows, at, [x](Index p) { return x + p; }, 1, scratch)
-            .run();
+        runEnds(low, high, x);
     }
 }
 
@@ -114,10 +119,7 @@ void SignalSynthesis::runEnds(const double* low, const double* high, double* x) 
     runExtended(low, high, frontPair, rows.begin(), front);
     std::copy_n(atZero, std::min(rows.position(rows.begin()), n), x);
 
-    Index pair = backPair();
-    runExtended(low, high, pair, backEnd(), values);
-    const Index inside = rows.position(pair);
-    std::copy_n(values, n - inside, x + inside);
+    runBack(low, high, values, x);
     const auto fold = [&](Index p, double value) {
         const Index target = rows.target(p);
         if (target < n) x[target] += value;
@@ -125,11 +127,18 @@ void SignalSynthesis::runEnds(const double* low, const double* high, double* x) 
     for (Index p = first; p <= last; ++p) fold(p, atZero[p]);
 
     const auto [from, to] = rows.after();
+    Index pair = backPair();
     if (!goesOnBehind()) {
         pair = rows.pairOf(from);
         runExtended(low, high, pair, rows.pairOf(to) + 1, values);
     }
     for (Index p = to; p >= from; --p) fold(p, values[p - rows.position(pair)]);
+}
+
+void SignalSynthesis::runBack(const double* low, const double* high, double* values, double* x) {
+    runExtended(low, high, backPair(), backEnd(), values);
+    const Index inside = rows.position(backPair());
+    std::copy_n(values, rows.samples() - inside, x + inside);
 }
 
 void SignalSynthesis::runExtended(const double* low, const double* high, Index from, Index to, double* out) {

@@ -55,6 +55,8 @@ class SignalSynthesis {
     Index backPair() const;
     Index backEnd() const;
     void runEnds(const double* low, const double* high, double* x);
+    // The last pairs, with what lies behind, into `values`, and the samples among them into `x`.
+    void runBack(const double* low, const double* high, double* values, double* x);
     // Pairs `from` to `to` - 1, inside or outside, into `out`.
     void runExtended(const double* low, const double* high, Index from, Index to, double* out);
 
