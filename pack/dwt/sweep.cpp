@@ -144,7 +144,7 @@ std::uint32_t sweptLevels(const Ends& ends, const FilterBank& bank, Index n, std
 }
 
 std::uint64_t sweepRoom() {
-    return 2 * mostLevels * keptRoom + 2 * chunk;
+    return 2 * keptRoom * mostLevels + 2 * chunk;
 }
 
 void sweep(const Ends& ends, const FilterBank& bank, const double* samples, Index n, std::uint32_t levels,
