@@ -164,7 +164,7 @@ TEST_F(Transforms, TakeLittleMemory) {
                                                           {"idwt", 1 << 20, 1, 5, 0.76},
                                                           {"dwt", 512, 512, 4, 0.18},
                                                           {"idwt", 512, 512, 4, 0.07}}) {
-        const Value data = Value::matrix(rows, cols, noise(static_cast<std::size_t>(rows) * cols));
+        const Value data = Value::matrix(rows, cols, noise(static_cast<std::size_t>(rows * cols)));
         const double size = 8.0 * rows * cols;
         const long before = allocatedBytes();
         const Value result = call(name, data, levels, filter);
