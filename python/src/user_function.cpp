@@ -1,5 +1,9 @@
 // A Python callable as a user function. What it raises passes through the host as a C++ exception,
 // which the host keeps from unwinding the pack.
+#include <cmath>
+#include <string>
+#include <vector>
+
 #include "conversion.h"
 #include "interpreter_lock.h"
 
@@ -12,16 +16,38 @@ std::shared_ptr<PyObject> keep(py::handle object) {
             }};
 }
 
+namespace {
+
+// What a callable returns for values of the host. The interpreter lock is held.
+py::object resultOf(py::handle callable, const std::vector<Value>& arguments) {
+    py::tuple converted(arguments.size());
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        converted[i] = toPython(arguments[i]);
+    }
+    return newReference([&] { return PyObject_CallObject(callable.ptr(), converted.ptr()); });
+}
+
+}  // namespace
+
 Value userFunction(py::handle callable, const std::string& place) {
     const auto call = [callable = keep(callable), place](const std::vector<Value>& arguments) {
         const LockHeld lock;
-        py::tuple converted(arguments.size());
-        for (std::size_t i = 0; i < arguments.size(); ++i) {
-            converted[i] = toPython(arguments[i]);
+        return toHost(resultOf(callable.get(), arguments), place + ", its result");
+    };
+    return Value::function(efihost::Callback(call));
+}
+
+Value numberFunction(py::handle object, const std::string& place) {
+    const auto call = [object = keep(object), place](const std::vector<Value>& arguments) {
+        const LockHeld lock;
+        auto& function = py::handle(object.get()).cast<NumberFunction&>();
+        const py::object result = resultOf(function.callable, arguments);
+        Value value = toHost(result, place + ", its result");
+        if (!value.isScalar()) {
+            throw py::type_error(place + " must return one number, not " + Py_TYPE(result.ptr())->tp_name);
         }
-        const py::object result =
-            newReference([&] { return PyObject_CallObject(callable.get(), converted.ptr()); });
-        return toHost(result, place + ", its result");
+        function.metNan = function.metNan || std::isnan(value.real());
+        return value;
     };
     return Value::function(efihost::Callback(call));
 }

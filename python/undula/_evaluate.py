@@ -1,5 +1,7 @@
 """A function of the pack for each number of an array."""
 
+import sys
+
 import numpy as np
 
 from undula import _host
@@ -51,7 +53,10 @@ def evaluate(function, /, *arguments):
         raise TypeError("evaluate: argument 1 is not a function of the pack")
     if description.result.kind != "scalar":
         raise TypeError(f"{function.__name__}: its result is not a real number")
-    names = description.argument_names(len(arguments))
+    if len(arguments) not in map(len, description.forms):
+        return function(*arguments)  # which says what is wrong
+    row, arguments, names = function._prepare(arguments)
+    description = vars(sys.modules["undula"])[row.name]._description
     places = [
         place
         for place, name in enumerate(names)
@@ -62,7 +67,7 @@ def evaluate(function, /, *arguments):
     arrays = [_numbers(function, place, names[place], arguments[place]) for place in places]
     shape = _common_shape(function, arrays)
     fixed = tuple(0.0 if place in places else argument for place, argument in enumerate(arguments))
-    outcome = function._row.call_many(fixed, names, places, arrays)
+    outcome = row.call_many(fixed, names, places, arrays)
     if isinstance(outcome, _host.ErrorValue):
         error = error_for(function.__name__, outcome.message, outcome.argument, names)
         error.add_note(f"for the elements at {_index(outcome.element, shape)}")
