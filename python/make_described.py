@@ -92,7 +92,6 @@ STUB = '''\
 """Made by python/make_described.py."""
 
 from collections.abc import Callable, Sequence
-from types import ModuleType
 from typing import Any, TypeAlias, overload
 
 import numpy as np
@@ -105,7 +104,6 @@ _Array: TypeAlias = NDArray[np.float64]
 _PacketFunction: TypeAlias = Callable[[_Array], ArrayLike]
 _NumberFunction: TypeAlias = Callable[[float], _Real]
 
-_host: ModuleType
 __version__: str
 __all__ = {names}
 

@@ -44,7 +44,7 @@ def _with_filter(description, row, filters):
             filter = named.get(wavelet)
             if filter is None:
                 filter = _load(description, filters, place, args)
-            args = (*args[:place], filter, *args[needed:])
+            args = args[:place] + (filter,) + args[needed:]
         return row, args, names_of[len(args)]
 
     def finish(args):
@@ -73,12 +73,14 @@ def _with_name(description, rows):
         wavelet = args[place]
         if isinstance(wavelet, str):
             if wavelet in PACK_NAMES:
-                args = (*args[:place], PACK_NAMES[wavelet], *args[place + 1 :])
+                args = args[:place] + (PACK_NAMES[wavelet],) + args[place + 1 :]
+            return row, args, names
+        if not isinstance(wavelet, (list, tuple)) and not hasattr(wavelet, "__array__"):
             return row, args, names
         given = dict(zip(names, args))
         indices = _packet_indices(description.name, given)
-        if indices is None or not isinstance(wavelet, (np.ndarray, list, tuple)):
-            return row, args, names
+        if indices is None:  # the pack refuses the type, whatever the wavelet
+            return row, (*args[:place], "haar", *args[place + 1 :]), names
         names, args = _as_packet(given, indices)
         return packets, args, names
 
@@ -116,7 +118,7 @@ def _with_number_function(description, row):
 
     def prepare(args):
         function = args[place]
-        if callable(function):
+        if callable(function) and type(function).__module__ != _host.__name__:
             args = (*args[:place], _host.NumberFunction(function), *args[place + 1 :])
         return row, args, names
 
@@ -124,7 +126,7 @@ def _with_number_function(description, row):
 
 
 def _after_best_basis(args):
-    if args[1].met_nan:
+    if isinstance(args[1], _host.NumberFunction) and args[1].met_nan:
         warn("best_basis: the cost of some coefficient is NaN, and a packet that holds one never wins")
 
 
@@ -136,7 +138,7 @@ def _after_inverse_cosines(args):
     levels = np.asarray(basis)[:, 0]
     if levels.min() != levels.max():
         warn(
-            "the blocks of the basis are of several sizes: the image comes back with errors of some "
+            "the blocks of the basis are of several sizes, so the image comes back with errors of some "
             "per cent where they meet; a basis of one level restores it"
         )
 

@@ -44,7 +44,7 @@ def _function(description, rows, filters):
     function.__module__ = "undula"
     function.__doc__ = description.doc
     function.__signature__ = signature(description)
-    function._description, function._prepare = description, prepare
+    function._description, function._bind, function._prepare = description, bind, prepare
     return function
 
 

@@ -85,7 +85,8 @@ _KINDS = {
 
 def _kind_text(refused):
     argument = refused.description.argument(refused.name)
-    return _KINDS[argument.type or argument.kind]
+    kind = _KINDS[argument.type or argument.kind]
+    return f"{kind} or {_KINDS[argument.also]}" if argument.also else kind
 
 
 # Wrong kinds
@@ -263,7 +264,9 @@ def _from_one(refused):
 
 def _positions(refused):
     level = refused.given.get("level")
-    if refused.name in ("index", "index_x", "index_y", "row", "col") and 0 <= level < 32:
+    if refused.name not in ("index", "index_x", "index_y", "row", "col") or not isinstance(level, (int, float)):
+        return None
+    if 0 <= level < 32:
         return f"positions count from 0: level {level:g} has 0 to {2 ** int(level) - 1}"
     return None
 

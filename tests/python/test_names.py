@@ -58,7 +58,7 @@ def test_every_name_of_a_wavelet_is_taken_everywhere(wavelet):
         assert np.array_equal(undula.dwt(X, 2, name), undula.dwt(X, 2, taps))
         for function in (undula.father, undula.dlmother):
             for level, shift in ((0, 0), (1, -2)):
-                by_name = undula.evaluate(function, points, level, shift, name)
+                by_name = undula.evaluate(function, points, name, shift=shift, level=level)
                 assert np.array_equal(by_name, undula.evaluate(function, points, level, shift, taps))
                 assert by_name[9] == function(points[9], level, shift, taps)
     for function, types in ((undula.father2d, [()]), (undula.dlmother2d, "HVD")):
