@@ -58,7 +58,7 @@ class Filters:
 
 def _contents(filter, options):
     """What tells filters apart: of a list at first something quick, and of everything its numbers."""
-    if type(filter) is list and not options and not any(isinstance(tap, list) for tap in filter):
+    if type(filter) is list and not options and set(map(type, filter)) == {float}:
         yield tuple(filter)
     arrays = [np.asarray(part, float) for part in (filter, *options)]
     yield tuple((array.shape, array.tobytes()) for array in arrays)

@@ -313,11 +313,13 @@ def _filter_shape(refused):
 
 
 def _options(refused):
-    if "offsets" not in refused.given:
+    value = refused.value()
+    is_filter = isinstance(value, str) or (np.size(value) > 0 and np.all(np.isfinite(value)))
+    if "offsets" not in refused.given or not is_filter or _filter_shape(refused):
         return None
     return (
-        "if the filter is right, offsets or flips are at fault: each is a number, or for a pair one row of "
-        "two, such as [[-1, -2]]; offsets are whole, flips 0 or 1"
+        "the filter is right, but not offsets or flips: each is a number, or for a pair one row of two, such "
+        "as [[-1, -2]]; offsets are whole, flips 0 or 1"
     )
 
 

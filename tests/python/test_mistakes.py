@@ -52,7 +52,7 @@ MISTAKES = [
     ("Bspline(2, 3)", "the pairs are (1, 1), (1, 3),"),
     ("dwt(x, 3, w[None])", "a filter is a column; this one is a row of 8: wavelet.ravel()"),
     ("dwt(x, 3, x.repeat(2))", "at most 100 coefficients; this one has 128"),
-    ("dwt(x, 3, w, 0.5)", "if the filter is right, offsets or flips are at fault"),
+    ("dwt(x, 3, w, 0.5)", "the filter is right, but not offsets or flips: each is a number"),
     ("dwti(x, 1, 'db4')", "interval wavelets are daublet4, daublet6, symmlet4,"),
     ("dwts(x, 1, 'db4')", "symmetric wavelets are daublet2, Bspline11,"),
     # Data, tables and bases
