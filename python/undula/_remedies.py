@@ -7,6 +7,7 @@ call. Where no remedy is known, it says when the message is given, as the descri
 import difflib
 import re
 from dataclasses import dataclass
+from numbers import Real
 
 import numpy as np
 
@@ -106,16 +107,16 @@ def _not_called(refused):
 
 def _number_for_wavelet(refused):
     value = refused.value()
-    if refused.name != "wavelet" or not isinstance(value, (int, float)):
+    if refused.name != "wavelet" or not isinstance(value, Real):
         return None
     return f"did you mean daublet({value:g}), or its name 'daublet{value:g}'? undula.wavelets() lists all"
 
 
 def _number_for_basis(refused):
     value = refused.value()
-    if refused.name != "basis" or not isinstance(value, (int, float)):
+    if refused.name != "basis" or not isinstance(value, Real):
         return None
-    dimension = 2 if np.ndim(refused.given["data"]) == 2 else 1
+    dimension = 2 if len(_sides(refused.given.get("data"))) == 2 else 1
     return f"did you mean create_level({value:g}, {dimension}), all packets of that level?"
 
 
@@ -264,7 +265,7 @@ def _from_one(refused):
 
 def _positions(refused):
     level = refused.given.get("level")
-    if refused.name not in ("index", "index_x", "index_y", "row", "col") or not isinstance(level, (int, float)):
+    if refused.name not in ("index", "index_x", "index_y", "row", "col") or not isinstance(level, Real):
         return None
     if 0 <= level < 32:
         return f"positions count from 0: level {level:g} has 0 to {2 ** int(level) - 1}"
@@ -313,10 +314,12 @@ def _filter_shape(refused):
 
 
 def _options(refused):
-    value = refused.value()
-    is_filter = isinstance(value, str) or (np.size(value) > 0 and np.all(np.isfinite(value)))
-    if "offsets" not in refused.given or not is_filter or _filter_shape(refused):
+    if "offsets" not in refused.given or _filter_shape(refused):
         return None
+    if not isinstance(refused.value(), str):
+        taps = np.asarray(refused.value(), float)
+        if taps.size == 0 or not np.isfinite(taps).all():
+            return None
     return (
         "the filter is right, but not offsets or flips: each is a number, or for a pair one row of two, such "
         "as [[-1, -2]]; offsets are whole, flips 0 or 1"

@@ -3,6 +3,7 @@
 import numpy as np
 import pytest
 import undula
+from undula import _descriptions
 
 GIVEN = {
     "np": np,
@@ -79,3 +80,22 @@ def test_a_mistake_is_met_with_what_to_do(call, words):
         eval(f"undula.{call}", GIVEN)
     told = "; ".join([str(caught.value), *getattr(caught.value, "__notes__", [])])
     assert words in told
+
+
+ODD = [0, -1, 2.5, 9, 1j, np.nan, np.inf, True, np.int64(9), np.array(9), np.array([]), np.ones((0, 3))]
+ODD += [np.ones(8), np.ones((1, 8)), np.ones((8, 3)), np.array([1, 2], object), range(3), [1, 2], [[1, 2]]]
+ODD += [[np.ones(8)] * 2, [np.ones(2), np.ones(3)], "haar", "daub5", "", "x", abs, undula.dwt, [[0, 0]]]
+
+
+@pytest.mark.parametrize("name", _descriptions.read_descriptions())
+@pytest.mark.filterwarnings("ignore::undula.UndulaWarning")
+def test_whatever_is_given_the_error_stays_that_of_the_pack(name):
+    """Notes are made from arguments of all kinds, and must not fail where the call does."""
+    choice = np.random.default_rng(len(name))
+    for form in _descriptions.read_descriptions()[name].forms:
+        for _ in range(1000):
+            arguments = [ODD[k] for k in choice.integers(len(ODD), size=len(form))]
+            try:
+                getattr(undula, name)(*arguments)
+            except (undula.Error, TypeError) as error:
+                assert isinstance(error, undula.Error) or str(error).startswith(f"{name}: argument")
