@@ -27,6 +27,18 @@ py::object resultOf(py::handle callable, const std::vector<Value>& arguments) {
     return newReference([&] { return PyObject_CallObject(callable.ptr(), converted.ptr()); });
 }
 
+// A result as a number; the usual one without ado.
+Value numberOf(const py::object& result, const std::string& place) {
+    if (PyFloat_CheckExact(result.ptr())) {
+        return PyFloat_AS_DOUBLE(result.ptr());
+    }
+    Value value = toHost(result, place + ", its result");
+    if (!value.isScalar()) {
+        throw py::type_error(place + " must return one number, not " + Py_TYPE(result.ptr())->tp_name);
+    }
+    return value;
+}
+
 }  // namespace
 
 Value userFunction(py::handle callable, const std::string& place) {
@@ -38,15 +50,12 @@ Value userFunction(py::handle callable, const std::string& place) {
 }
 
 Value numberFunction(py::handle object, const std::string& place) {
-    const auto call = [object = keep(object), place](const std::vector<Value>& arguments) {
+    auto* const function = object.cast<NumberFunction*>();
+    const auto call = [kept = keep(object), function, place](const std::vector<Value>& arguments) {
         const LockHeld lock;
-        auto& function = py::handle(object.get()).cast<NumberFunction&>();
-        const py::object result = resultOf(function.callable, arguments);
-        Value value = toHost(result, place + ", its result");
-        if (!value.isScalar()) {
-            throw py::type_error(place + " must return one number, not " + Py_TYPE(result.ptr())->tp_name);
-        }
-        function.metNan = function.metNan || std::isnan(value.real());
+        const py::object result = resultOf(function->callable, arguments);
+        Value value = numberOf(result, place);
+        function->metNan = function->metNan || std::isnan(value.real());
         return value;
     };
     return Value::function(efihost::Callback(call));
