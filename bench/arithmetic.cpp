@@ -72,14 +72,12 @@ int bench_transform(const char* wavelet, char boundary, int inverse, double* in,
 int bench_packets(const char* wavelet, char boundary, double* in, double* table, long rows, long cols,
                   unsigned levels, int times) {
     const FilterBank bank = bankOf(wavelet);
+    Block blocks[32];
+    for (unsigned level = 0; level <= levels; ++level)
+        blocks[level] = blockOf(table + static_cast<long>(level) * rows * cols, rows, cols);
     while (times-- > 0) {
-        copyBlock(blockOf(in, rows, cols), blockOf(table, rows, cols));
-        for (unsigned level = 0; level < levels; ++level) {
-            double* from = table + static_cast<long>(level) * rows * cols;
-            if (splitLevel(boundaryOf(boundary), bank, blockOf(from, rows, cols), level,
-                           blockOf(from + rows * cols, rows, cols), workspace))
-                return 1;
-        }
+        copyBlock(blockOf(in, rows, cols), blocks[0]);
+        if (splitIntoTable(boundaryOf(boundary), bank, blocks, levels, {}, workspace)) return 1;
     }
     return 0;
 }

@@ -13,7 +13,6 @@ for best basis selection, IEEE Trans. Information Theory 38 (1992) 713-718. The 
 and the energy is scaled to 1, as that entropy requires.
 """
 
-import math
 import sys
 from pathlib import Path
 
@@ -44,32 +43,23 @@ SHOWN = "coiflet(18)"
 INK, FAINT, ACCENT, SECOND = "#1b1b1b", "#b8bec7", "#d1495b", "#00798c"
 
 
-def entropy(x):
-    return -x * x * math.log(x * x) if x else 0.0
-
-
 def best_basis(signal, wavelet):
-    return undula.best_basis(undula.wpt(signal, LEVELS, wavelet), entropy)
-
-
-def wavelet_basis(level):
-    """The packets that the plain transform uses: the upper half, the quarter below it, ..."""
-    return [[level, 0], *([j, 1] for j in range(level, 0, -1))]
+    return undula.best_basis(undula.wpt(signal, LEVELS, wavelet), undula.costs.shannon)
 
 
 def bases_of(signal, wavelet):
     """The best basis, and that of the plain transform with the greatest share."""
     plain = max(
-        (wavelet_basis(level) for level in range(1, LEVELS + 1)),
+        (undula.wavebs(level, 1) for level in range(1, LEVELS + 1)),
         key=lambda basis: share(undula.wpt(signal, basis, wavelet)),
     )
     return {"best basis": best_basis(signal, wavelet), "plain wavelets": plain}
 
 
-def share(coefficients, kept=KEPT):
+def share(coefficients):
     """The share of the energy in the largest coefficients."""
     energy = np.sort(coefficients**2)[::-1]
-    return energy[: round(kept * len(energy))].sum() / energy.sum()
+    return energy[: round(KEPT * len(energy))].sum() / energy.sum()
 
 
 def rebuilt(signal, basis, wavelet):
@@ -102,11 +92,12 @@ def draw(path, temperature, signal):
     axes["record"].set_title("Sea surface temperature of the NINO3 region", loc="left")
     axes["record"].set(ylabel="°C")
     axes["record"].tick_params(labelbottom=False)
-    pictures = [draw_tiling(axes[name], name, signal, basis, wavelet) for name, basis in bases.items()]
+    for name, basis in bases.items():
+        draw_tiling(axes[name], name, undula.wpt(signal, basis, wavelet), basis)
     axes["record"].sharex(axes["best basis"])
     axes["best basis"].tick_params(labelbottom=False)
     axes["best basis"].set_xlabel("")
-    figure.colorbar(pictures[0], ax=[axes["best basis"], axes["plain wavelets"]], label="energy, dB", pad=0.01)
+    figure.colorbar(axes["best basis"].images[-1], ax=[axes["best basis"], axes["plain wavelets"]], label="energy, dB", pad=0.01)
     draw_shares(axes["shares"], signal, bases, wavelet)
     draw_rebuilt(axes["rebuilt"], temperature, signal, bases, wavelet)
     figure.get_layout_engine().set(w_pad=0.12, h_pad=0.1)
@@ -119,34 +110,21 @@ def years(samples):
     return FIRST_YEAR + np.arange(samples) / MONTHS
 
 
-def draw_tiling(axis, name, signal, basis, wavelet):
-    """Draws each packet as a band of frequencies, and each of its coefficients as a tile of the band."""
-    packets = undula.evalbs(undula.wpt(signal, basis, wavelet), basis, lambda packet: packet)
-    highest = MONTHS / 2
-    end = years(len(signal) + 1)[-1]
-    loudest = max(np.max(packet**2) for _, _, packet in packets)
-    for level, position, packet in packets:
-        bottom = position * highest / 2**level
-        decibels = 10 * np.log10(packet**2 / loudest + 1e-30)
-        picture = axis.imshow(
-            decibels[None, :], origin="lower", aspect="auto", cmap="magma", vmin=-DECIBELS, vmax=0,
-            interpolation="nearest", extent=(FIRST_YEAR, end, bottom, bottom + highest / 2**level),
-        )
-        axis.axhline(bottom, color="white", lw=0.5, alpha=0.55)
-    axis.set(xlim=(FIRST_YEAR, end), ylim=(0, highest), ylabel="cycles a year", yticks=range(7))
-    title = f"{name.capitalize()}: {len(basis)} packets, {share(undula.wpt(signal, basis, wavelet)):.0%} "
+def draw_tiling(axis, name, coefficients, basis):
+    span = years(len(coefficients) + 1)[[0, -1]]
+    undula.plot.tiling(coefficients, basis, axis, span=span, highest=MONTHS / 2, decibels=DECIBELS)
+    axis.set(ylabel="cycles a year", yticks=range(7))
+    title = f"{name.capitalize()}: {len(basis)} packets, {share(coefficients):.0%} "
     axis.set_title(title + f"of the energy in {KEPT:.0%} of the tiles", loc="left")
-    return picture
 
 
 def draw_shares(axis, signal, bases, wavelet):
-    fractions = np.arange(1, 161) / len(signal)
     for colour, (name, basis) in zip((ACCENT, SECOND), bases.items()):
         coefficients = undula.wpt(signal, basis, wavelet)
-        axis.plot(100 * fractions, [100 * share(coefficients, f) for f in fractions], color=colour, lw=2, label=name)
-    axis.plot(100 * fractions, [100 * share(signal, f) for f in fractions], color=FAINT, lw=1.5, label="the samples")
+        undula.plot.decay(coefficients, axis, kind="energy", color=colour, lw=2, label=name)
+    undula.plot.decay(signal, axis, kind="energy", color=FAINT, lw=1.5, label="the samples")
     axis.axvline(100 * KEPT, color=INK, lw=0.8, ls=":")
-    axis.set(xlim=(0, 20), ylim=(0, 100), xlabel="coefficients kept, %", ylabel="energy, %")
+    axis.set(xlim=(0, 20), ylim=(0, 100), xlabel="coefficients kept, %")
     axis.set_title(f"Energy in the largest coefficients, {SHOWN}", loc="left")
     axis.legend(loc="lower right")
 

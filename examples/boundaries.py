@@ -42,20 +42,16 @@ INK, FAINT = "#1b1b1b", "#b8bec7"
 COLOURS = {"periodic": "#d1495b", "symmetric": "#00798c", "interval": "#edae49"}
 
 
-def lengthened(series):
-    return np.concatenate([series, series[::-1][: -len(series) % BLOCK]])
-
-
 def without_details(coefficients):
-    """Sets all but the first ceil(n / 2^4) coefficients, the smooth ones, to zero."""
-    kept = coefficients.copy()
-    kept[-(-len(kept) // BLOCK) :] = 0
-    return kept
+    for details in undula.levels(coefficients, LEVELS).details:
+        details[:] = 0
+    return coefficients
 
 
 def periodic_trend(series, filter=undula.symmlet(8)):
-    smooth = without_details(undula.dwt(lengthened(series), LEVELS, filter))
-    return undula.idwt(smooth, LEVELS, filter)[: len(series)]
+    padded = undula.pad(series, LEVELS)
+    smooth = without_details(undula.dwt(padded.data, LEVELS, filter))
+    return padded.trim(undula.idwt(smooth, LEVELS, filter))
 
 
 def symmetric_trend(series, filter=undula.Bspline(2, 4)):
@@ -63,8 +59,9 @@ def symmetric_trend(series, filter=undula.Bspline(2, 4)):
 
 
 def interval_trend(series, filter=undula.symmlet(8)):
-    smooth = without_details(undula.dwti(lengthened(series), LEVELS, filter))
-    return undula.idwti(smooth, LEVELS, filter)[: len(series)]
+    padded = undula.pad(series, LEVELS)
+    smooth = without_details(undula.dwti(padded.data, LEVELS, filter))
+    return padded.trim(undula.idwti(smooth, LEVELS, filter))
 
 
 TREATMENTS = {
@@ -89,7 +86,7 @@ def revision(trend_of, series):
 
 
 def print_table(name, series):
-    length, padded = len(series), len(lengthened(series))
+    length, padded = len(series), len(undula.pad(series, LEVELS).data)
     print(f"{name}: {length} values; dwt and dwti work on {padded}\n")
     print("treatment  filter            leak  constant    line  revision")
     ones, line = np.ones(length), np.arange(length, dtype=float)
@@ -121,7 +118,7 @@ def draw(path, sunspots):
 
 
 def draw_series(axis, sunspots, trends, years):
-    padding = lengthened(sunspots)[len(sunspots) - 1 :]
+    padding = undula.pad(sunspots, LEVELS).data[len(sunspots) - 1 :]
     axis.plot(years, sunspots, color=FAINT, lw=1, label="yearly mean")
     axis.plot(years[-1] + np.arange(len(padding)), padding, color=FAINT, lw=1, ls=":",
               label="padding of dwt and dwti")

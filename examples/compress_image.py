@@ -2,7 +2,7 @@
 
     PYTHONPATH=build/python python3 examples/compress_image.py [figure]
 
-The cost that the best basis minimises is a Python function of one coefficient. Three are tried: the
+The cost that the best basis minimises is a sum of costs of the coefficients. Three are tried: the
 absolute value; the entropy of R. R. Coifman and M. V. Wickerhauser, Entropy-based algorithms for best
 basis selection, IEEE Trans. Information Theory 38 (1992) 713-718; and min(x^2, t^2), with a threshold t
 for each number of coefficients. The last is the cost of a coefficient if leaving it out costs its square
@@ -14,7 +14,6 @@ compared with that of the plain wavelet transform, whose basis is one of those s
 store the chosen basis is not counted.
 """
 
-import math
 import sys
 from pathlib import Path
 
@@ -37,21 +36,6 @@ INK, FAINT = "#1b1b1b", "#b8bec7"
 COLOURS = {"absolute value": "#d1495b", "entropy": "#edae49", "min(x², t²)": "#00798c"}
 
 
-def entropy_for(energy):
-    """The entropy is meant for data of unit energy."""
-
-    def entropy(x):
-        part = x * x / energy
-        return -part * math.log(part) if part else 0.0
-
-    return entropy
-
-
-def error_or(threshold):
-    most = threshold * threshold
-    return lambda x: min(x * x, most)
-
-
 class Compression:
     """A picture in all its packets; its mean does without a coefficient."""
 
@@ -59,9 +43,9 @@ class Compression:
         self.picture = picture
         self.mean = picture.mean()
         self.table = undula.wpt(picture - self.mean, LEVELS, FILTER)
-        self.plain = wavelet_basis()
-        self.entropy_basis = undula.best_basis(self.table, entropy_for(np.sum(self.table[0] ** 2)))
-        self.absolute_basis = undula.best_basis(self.table, abs)
+        self.plain = undula.wavebs(LEVELS, 2)
+        self.entropy_basis = undula.best_basis(self.table, undula.costs.shannon)
+        self.absolute_basis = undula.best_basis(self.table, undula.costs.l1)
 
     def basis(self, cost, fraction):
         if cost == "plain wavelets":
@@ -71,7 +55,7 @@ class Compression:
         if cost == "absolute value":
             return self.absolute_basis
         threshold = nth_largest(undula.extract_basis(self.table, self.plain), fraction)
-        return undula.best_basis(self.table, error_or(threshold))
+        return undula.best_basis(self.table, undula.costs.clipped_energy(threshold))
 
     def rebuilt(self, basis, fraction):
         coefficients = undula.extract_basis(self.table, basis)
@@ -82,12 +66,6 @@ class Compression:
         """The peak signal-to-noise ratio in decibels."""
         error = self.rebuilt(self.basis(cost, fraction), fraction) - self.picture
         return 10 * np.log10(WHITE**2 / np.mean(error**2))
-
-
-def wavelet_basis():
-    """The blocks that the plain transform uses: three of each level, and the smooth one."""
-    details = [[level, row, col] for level in range(1, LEVELS + 1) for row, col in ((0, 1), (1, 0), (1, 1))]
-    return [*details, [LEVELS, 0, 0]]
 
 
 def nth_largest(coefficients, fraction):
@@ -118,7 +96,8 @@ def draw(path, compression, ratios):
     )
     best = compression.basis("min(x², t²)", SHOWN)
     show(axes["picture"], compression.picture, "Photograph, 256 x 256 pixels")
-    show(axes["blocks"], undula.basis_display2d(best), f"Best basis for {SHOWN:.0%}: {len(best)} packets")
+    undula.plot.partition(best, ax=axes["blocks"])
+    axes["blocks"].set_title(f"Best basis for {SHOWN:.0%}: {len(best)} packets", loc="left", fontsize=11)
     coefficients = undula.extract_basis(compression.table, best)
     show(axes["coefficients"], -np.log10(np.abs(coefficients) + 1), "Its coefficients, logarithmic")
     draw_details(axes, compression, best, ratios)

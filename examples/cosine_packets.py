@@ -51,16 +51,6 @@ def lasting(time, start, end):
     return 0.5 * (np.tanh((time - start) / 0.0025) - np.tanh((time - end) / 0.0025))
 
 
-def entropy(x):
-    return -x * x * math.log(x * x) if x else 0.0
-
-
-def best_basis(table):
-    """The entropy is meant for a signal of unit energy."""
-    norm = np.linalg.norm(table[0])
-    return undula.best_basis([level / norm for level in table], entropy)
-
-
 def largest(coefficients, count):
     kept = np.zeros_like(coefficients)
     which = np.argsort(np.abs(coefficients))[-count:]
@@ -103,9 +93,9 @@ def draw(path, samples, table, bases):
         figsize=(11, 10), height_ratios=[0.7, 2, 1.3], layout="constrained",
     )
     draw_sound(axes["sound"], samples)
-    draw_tiling(axes["tiling"], table, bases["best basis"])
+    draw_tiling(axes["tiling"], undula.extract_basis(table, bases["best basis"]), bases["best basis"])
     axes["sound"].sharex(axes["tiling"])
-    draw_errors(axes["errors"], samples, table, bases)
+    draw_errors(axes["errors"], table, bases)
     draw_detail(axes["detail"], samples, rebuilt(table, bases["best basis"], KEPT))
     figure.get_layout_engine().set(w_pad=0.12, h_pad=0.1)
     path.parent.mkdir(parents=True, exist_ok=True)
@@ -119,36 +109,26 @@ def draw_sound(axis, samples):
     axis.tick_params(labelbottom=False)
 
 
-def draw_tiling(axis, table, basis):
-    """Draws each window's coefficients, from the lowest frequency to the highest."""
-    top = 10 * np.log10(np.max(undula.extract_basis(table, basis) ** 2))
-    for level, position in basis.astype(int):
-        length = SAMPLES >> level
-        start = position * length
-        energy = table[level][start : start + length] ** 2
-        picture = axis.imshow(
-            10 * np.log10(energy + 1e-30)[:, None] - top, origin="lower", aspect="auto", cmap="magma",
-            vmin=-DECIBELS, vmax=0, interpolation="nearest",
-            extent=(seconds(start), seconds(start + length), 0, SAMPLES_PER_SECOND / 2000),
-        )
-        axis.axvline(seconds(start), color="white", lw=0.5, alpha=0.6)
-    axis.set(xlim=(0, seconds(SAMPLES)), xlabel="seconds", ylabel="kHz")
+def draw_tiling(axis, coefficients, basis):
+    undula.plot.tiling(coefficients, basis, axis, windows=True, span=(0, seconds(SAMPLES)),
+                       highest=SAMPLES_PER_SECOND / 2000, decibels=DECIBELS)
+    axis.set(xlabel="seconds", ylabel="kHz")
     axis.set_title(f"Energy in the {len(basis)} windows of the best basis", loc="left")
-    axis.figure.colorbar(picture, ax=axis, label="dB", pad=0.01)
+    axis.figure.colorbar(axis.images[-1], ax=axis, label="dB", pad=0.01)
 
 
-def draw_errors(axis, samples, table, bases):
-    counts = np.unique(np.geomspace(10, 1000, 40).astype(int))
+def draw_errors(axis, table, bases):
+    """The transform is orthonormal, so the errors follow from the coefficients alone."""
     for name, basis in bases.items():
         best = name == "best basis"
-        axis.plot(counts, errors(table, basis, counts, samples), color=ACCENT if best else FAINT,
-                  lw=2.2 if best else 1, label=name if best else None, zorder=2 if best else 1)
+        line = {"color": ACCENT, "lw": 2.2, "label": name, "zorder": 2} if best else {"color": FAINT, "lw": 1}
+        undula.plot.decay(undula.extract_basis(table, basis), axis, kind="error", **line)
     axis.plot([], [], color=FAINT, lw=1, label=f"windows of one length, {LEVELS + 1} lengths")
     axis.axvline(KEPT, color=INK, lw=0.8, ls=":")
-    axis.set_xscale("log")
+    axis.set_yscale("linear")
     axis.set_xticks([10, 30, 100, 300, 1000], [10, 30, 100, 300, 1000])
     axis.minorticks_off()
-    axis.set(xlim=(10, 1000), ylim=(0, None), xlabel="coefficients kept", ylabel="relative error")
+    axis.set(xlim=(10, 1000), ylim=(0, None))
     axis.set_title("Rebuilt from the largest coefficients", loc="left")
     axis.legend(loc="upper right")
 
@@ -169,7 +149,7 @@ def main():
     samples = sound()
     table = undula.cpt(samples, LEVELS)
     bases = {name_of(level): undula.create_level(level, 1) for level in range(LEVELS + 1)}
-    bases["best basis"] = best_basis(table)
+    bases["best basis"] = undula.best_basis(table, undula.costs.shannon)
     print_table(table, bases, samples)
     exact = rebuilt(table, bases["best basis"], SAMPLES)
     print(f"\nall {SAMPLES} coefficients: error {relative_error(samples, exact):.1e}")

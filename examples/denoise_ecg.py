@@ -2,13 +2,13 @@
 
     PYTHONPATH=build/python python3 examples/denoise_ecg.py [figure]
 
-White noise of known strength is added to the recording. The noisy signal is transformed, its
-details are shrunk by the universal soft threshold, and the transform is inverted. Because the
+White noise of known strength is added to the recording, and `denoise` takes it out: the noisy signal is
+transformed, its details are shrunk by soft thresholds, and the transform is inverted. Because the
 recording is known, the signal-to-noise ratio can be measured before and after.
 
-The threshold is that of D. L. Donoho and I. M. Johnstone, Ideal spatial adaptation by wavelet
-shrinkage, Biometrika 81 (1994) 425-455: sigma * sqrt(2 ln n), where sigma, the strength of the
-noise, is estimated by the median of the finest details. The recording counts as the clean signal,
+The thresholds are those of least estimated error, one for each level: D. L. Donoho, I. M. Johnstone,
+Adapting to unknown smoothness via wavelet shrinkage, J. Amer. Statist. Assoc. 90 (1995) 1200-1224. The
+strength of the noise is estimated from the finest details. The recording counts as the clean signal,
 although it has some noise too; it decides which filter is best.
 """
 
@@ -39,24 +39,6 @@ LEVELS = range(1, 7)
 INK, FAINT, ACCENT = "#1b1b1b", "#b8bec7", "#d1495b"
 COLOURS = {"daublet": "#00798c", "symmlet": "#d1495b", "coiflet": "#edae49"}
 
-# For a normal distribution the median of the absolute value is this many standard deviations.
-MEDIAN_OF_NORMAL = 0.6745
-
-
-def denoise(noisy, wavelet, levels):
-    coefficients = undula.dwt(noisy, levels, wavelet)
-    sigma = np.median(np.abs(undula.get_detail(coefficients, 1))) / MEDIAN_OF_NORMAL
-    threshold = sigma * np.sqrt(2 * np.log(len(noisy)))
-    for level in range(1, levels + 1):
-        detail = undula.get_detail(coefficients, level)
-        coefficients = undula.put_detail(coefficients, level, shrink(detail, threshold))
-    return undula.idwt(coefficients, levels, wavelet)
-
-
-def shrink(detail, threshold):
-    """The soft threshold: every coefficient comes closer to zero by `threshold`, at most to zero."""
-    return np.sign(detail) * np.maximum(np.abs(detail) - threshold, 0)
-
 
 def signal_to_noise(clean, other):
     """In decibels; the mean of the clean signal does not count as signal."""
@@ -70,7 +52,7 @@ def evaluate(clean, trials):
         for length in lengths:
             wavelet = wavelet_of(length)
             scores[family, length] = [
-                np.mean([signal_to_noise(clean, denoise(noisy, wavelet, level)) for noisy in trials])
+                np.mean([signal_to_noise(clean, undula.denoise(noisy, wavelet, level)) for noisy in trials])
                 for level in LEVELS
             ]
     return scores
@@ -99,7 +81,7 @@ def print_table(before, scores, best, second):
     gain = score(scores, best) - before
     lead = score(scores, best) - score(scores, second)
     print(f"\n* best: {describe(best)}, {gain:.2f} dB better than before")
-    print(f"  next: {describe(second)}, {lead:.2f} dB behind")
+    print(f"  next: {describe(second)}, {lead:.3f} dB behind")
 
 
 def describe(key):
@@ -161,7 +143,7 @@ def draw_scores(axis, before, scores):
     axis.axhline(before, color=FAINT, lw=1.2, ls="--", label="before")
     axis.set_title(f"All filters, mean of {TRIALS} trials", loc="left")
     axis.set(xlabel="levels", ylabel="dB", xticks=LEVELS)
-    axis.legend(loc="upper right")
+    axis.legend(loc="lower right", bbox_to_anchor=(1, 0.08))
 
 
 def seconds(samples):
@@ -178,7 +160,7 @@ def main():
     print_table(before, scores, best, second)
 
     family, length, level = best
-    denoised = denoise(trials[0], FILTERS[family][0](length), level)
+    denoised = undula.denoise(trials[0], FILTERS[family][0](length), level)
     draw(path, clean, trials[0], denoised, before, scores, best)
     print(f"figure: {path}")
 

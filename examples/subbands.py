@@ -26,16 +26,16 @@ LEVELS = 3
 FILTER = undula.Bspline(2, 4)
 LETTERS = {"H": "horizontal", "V": "vertical", "D": "diagonal"}
 WHITE = 255
-LINE = "#edae49"
 
 
 def without(coefficients, letters, levels=range(1, LEVELS + 1)):
     """The coefficients with the details of these letters and levels set to zero."""
+    kept = coefficients.copy()
+    details = undula.levels(kept, LEVELS).details
     for level in levels:
         for letter in letters:
-            detail = undula.get_detail2d(coefficients, level, letter)
-            coefficients = undula.put_detail2d(coefficients, level, np.zeros_like(detail), letter)
-    return coefficients
+            getattr(details[-level], letter)[:] = 0
+    return kept
 
 
 def with_details_of(coefficients, source):
@@ -76,21 +76,6 @@ def size_of(block):
     return f"{block.shape[0]} x {block.shape[1]}"
 
 
-def mosaic(coefficients):
-    """Grey levels for every block: the smooth one as it is, details around a middle grey, with one
-    scale for each level."""
-    shown = np.empty_like(coefficients)
-    for level in range(1, LEVELS + 1):
-        details = {letter: undula.get_detail2d(coefficients, level, letter) for letter in LETTERS}
-        most = np.quantile(np.abs(np.concatenate([each.ravel() for each in details.values()])), 0.98)
-        for letter, detail in details.items():
-            grey = np.clip(0.5 + 0.5 * detail / most, 0, 1)
-            shown = undula.put_detail2d(shown, level, grey, letter)
-    smooth = undula.get_smooth2d(coefficients, LEVELS)
-    grey = (smooth - smooth.min()) / (smooth.max() - smooth.min())
-    return undula.put_smooth2d(shown, LEVELS, grey)
-
-
 def draw(path, picture, coefficients, restored):
     figure, axes = plt.subplot_mosaic(
         [["picture", "mosaic", "mosaic"], ["zeroed", "mosaic", "mosaic"], ["H", "V", "D"]],
@@ -99,7 +84,8 @@ def draw(path, picture, coefficients, restored):
     show(axes["picture"], picture, "Photograph")
     zeroed = picture_of(without(coefficients, LETTERS))
     show(axes["zeroed"], zeroed, f"All details zero: {peak_ratio(picture, zeroed):.1f} dB")
-    draw_mosaic(axes["mosaic"], coefficients)
+    undula.plot.mosaic(coefficients, LEVELS, axes["mosaic"])
+    axes["mosaic"].set_title("Its subbands, details from blue (below 0) to red", loc="left", fontsize=11)
     for letter, name in LETTERS.items():
         others = "".join(other for other in LETTERS if other != letter)
         show(axes[letter], picture_of(without(coefficients, others)), f"Only {name} details ({letter})")
@@ -116,20 +102,6 @@ def show(axis, picture, title):
     axis.imshow(picture, cmap="gray", vmin=0, vmax=WHITE)
     axis.set_title(title, loc="left", fontsize=11)
     axis.set_axis_off()
-
-
-def draw_mosaic(axis, coefficients):
-    axis.imshow(mosaic(coefficients), cmap="gray", vmin=0, vmax=1, interpolation="nearest")
-    axis.set_title("Its subbands", loc="left", fontsize=11)
-    axis.set_axis_off()
-    side = coefficients.shape[0]
-    for level in range(1, LEVELS + 1):
-        half, whole = side >> level, side >> level - 1
-        axis.plot([half, half], [0, whole], color=LINE, lw=1)
-        axis.plot([0, whole], [half, half], color=LINE, lw=1)
-        for letter, (row, col) in {"H": (half, 0), "V": (0, half), "D": (half, half)}.items():
-            axis.text(col + 4, row + 5, f"{letter}{level}", color=LINE, va="top", fontweight="bold",
-                      bbox={"facecolor": "black", "edgecolor": "none", "alpha": 0.75, "pad": 1.5})
 
 
 def main():

@@ -53,37 +53,12 @@ class Ring {
     Index turns;
 };
 
-// Asks about the rows of an image while its output pairs are made.
-class RowPolls {
- public:
-    RowPolls(const Poll& rowPoll, std::uint64_t rowCount, Index pairCount)
-        : poll(rowPoll), rows(rowCount), pairs(static_cast<std::uint64_t>(pairCount)) {}
-
-    bool beforePair() { return askUpTo(rows * ++made / pairs); }
-    bool atEnd() { return askUpTo(rows); }
-
- private:
-    bool askUpTo(std::uint64_t count) {
-        while (asked < count) {
-            ++asked;
-            if (poll()) return true;
-        }
-        return false;
-    }
-
-    const Poll& poll;
-    std::uint64_t rows;
-    std::uint64_t pairs;
-    std::uint64_t made = 0;
-    std::uint64_t asked = 0;
-};
-
 Block columnsOf(const Block& image, const Segment& columns) {
     return partOf(image, {{0, image.rows}, columns});
 }
 
-Reach reachOf(const AnalysisRows& rows, Index n) {
-    Reach reach = {n};
+Reach reachOf(const AnalysisRows& rows) {
+    Reach reach = {rows.samples()};
     Row row;
     const auto note = [&](Index p) -> const double* {
         reach.include(p);
@@ -109,7 +84,7 @@ Failure splitImage(const BoundaryTreatment& boundary, const FilterBank& bank, co
     const Parts along(in.cols, swaps.inRows);
 
     const Index count = in.cols;
-    const Reach reach = reachOf(rows, count);
+    const Reach reach = reachOf(rows);
     const bool streams = rows.first() <= 0 && rows.last() >= 0;
     const Ring ring(count, streams ? reach.front : count,
                     std::max<Index>(rows.last() - rows.first() + 1, reach.back));
@@ -135,7 +110,7 @@ Failure splitImage(const BoundaryTreatment& boundary, const FilterBank& bank, co
     const auto highAt = [&](Index k) { return highColumns.column(static_cast<std::uint64_t>(k)); };
 
     SignalAnalysis columns(ends, bank, in.rows);
-    RowPolls rowPolls(poll, in.rows, rows.count());
+    SpreadPolls rowPolls(poll, in.rows, static_cast<std::uint64_t>(rows.count()));
     Row row;
     Index next = rows.begin();
     for (Index col = 0; col < count; ++col) {
@@ -146,7 +121,7 @@ Failure splitImage(const BoundaryTreatment& boundary, const FilterBank& bank, co
         const bool allThere = col == count - 1;
         if (ring.keepsAll(count) && !allThere) continue;
         for (; next < rows.end() && (allThere || 2 * next + rows.last() <= col); ++next) {
-            if (rowPolls.beforePair()) return Code::Interrupted;
+            if (rowPolls.beforeStep()) return Code::Interrupted;
             rows.fillInner([&](Index d) { return lineAt(2 * next + rows.first() + d); }, row);
             kernels().sumPairs(row.terms, row.count, lowAt(next), highAt(next), in.rows);
         }
@@ -169,8 +144,8 @@ Reach reachOf(const SynthesisRows& rows, Index n) {
     const auto noteRow = [&](Index q) { rows.fill(q, note, row); };
     for (Index q = 0; q < rows.begin(); ++q) noteRow(q);
     for (Index q = rows.end(); q < rows.count(); ++q) noteRow(q);
-    for (Index q = floorHalf(rows.before().first); q < 0; ++q) noteRow(q);
-    for (Index p = rows.after().first; p <= rows.after().last; ++p) noteRow(floorHalf(p));
+    for (Index p = rows.before().first; p <= rows.before().last; ++p) noteRow(rows.pairOf(p));
+    for (Index p = rows.after().first; p <= rows.after().last; ++p) noteRow(rows.pairOf(p));
     for (Index k = 0; k < rows.edgeFilters().rows; ++k) {
         reach.include(k);
         reach.include(n - 1 - k);
@@ -178,8 +153,8 @@ Reach reachOf(const SynthesisRows& rows, Index n) {
     return reach;
 }
 
-// From the last column to the first: pair q of the output overwrites columns 2q and 2q + 1, behind which
-// the smooth part has been read by then.
+// From the last column to the first: a pair of output columns overwrites some behind which the smooth
+// part has been read by then.
 class ImageMerge {
  public:
     ImageMerge(const BoundaryTreatment& boundary, const FilterBank& bank, const Block& coefficients,
@@ -201,16 +176,17 @@ class ImageMerge {
         if (!prepare(workspace)) return Code::OutOfMemory;
         const auto at = [this](Channel channel, Index k) { return lineAt(channel, k); };
         const auto sampleAt = [this](Index p) { return out.column(static_cast<std::uint64_t>(p)); };
-        RowPolls rowPolls(poll, in.rows, rows.count());
+        SpreadPolls rowPolls(poll, in.rows, static_cast<std::uint64_t>(rows.count()));
         Row row;
         Index next = rows.end() - 1;
         for (Index k = count - 1; k >= 0; --k) {
             if (!makeLines(k, poll)) return Code::Interrupted;
             const Index ready = k == 0 ? 0 : ring.keepsAll(count) ? next + 1 : k + rows.farthest();
             for (; next >= std::max(rows.begin(), ready); --next) {
-                if (rowPolls.beforePair()) return Code::Interrupted;
+                if (rowPolls.beforeStep()) return Code::Interrupted;
+                const Index p = rows.position(next);
                 rows.fill(next, at, row);
-                kernels().sumPairs(row.terms, row.count, sampleAt(2 * next), sampleAt(2 * next + 1), in.rows);
+                kernels().sumPairs(row.terms, row.count, sampleAt(p), sampleAt(p + 1), in.rows);
             }
         }
         if (rowPolls.atEnd()) return Code::Interrupted;

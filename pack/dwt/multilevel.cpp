@@ -1,5 +1,8 @@
 #include "dwt/multilevel.h"
 
+#include <algorithm>
+
+#include "dwt/sweep.h"
 #include "frame/integers.h"
 
 namespace undula {
@@ -24,38 +27,46 @@ struct Transform {
     const Poll& poll;
     Workspace& workspace;
 
-    // The smooth parts between the levels take turns in scratch: level j in half of what level j - 1 has.
-    double* between(double* scratch, std::uint32_t level) const {
-        return level % 2 != 0 ? scratch : scratch + sideAt(data.rows, 1);
+    // The smooth parts between the levels take turns in scratch, each in half of what the one before has,
+    // from that of level `first` on.
+    double* between(double* scratch, std::uint32_t first, std::uint32_t level) const {
+        return (level - first) % 2 == 0 ? scratch : scratch + sideAt(data.rows, first);
     }
-    double* scratchForSmooth() const {
-        const std::uint64_t needed = std::uint64_t{sideAt(data.rows, 1)} + sideAt(data.rows, 2);
-        return workspace.room(levels < 2 ? 0 : needed);
+    std::uint64_t scratchFrom(std::uint32_t first) const {
+        return levels <= first ? 0 : std::uint64_t{sideAt(data.rows, first)} + sideAt(data.rows, first + 1);
     }
 
     Failure splitSignal() const {
-        double* scratch = scratchForSmooth();
+        const std::uint32_t swept = sweptLevels(*boundary.ends, bank, data.rows, levels);
+        const std::uint32_t first = std::max(swept, 1U);
+        double* const scratch = workspace.room(scratchFrom(first) + (swept > 0 ? sweepRoom() : 0));
         if (scratch == nullptr) return Code::OutOfMemory;
         const double* samples = data.origin;
         for (std::uint32_t level = 1; level <= levels; ++level) {
             if (poll()) return Code::Interrupted;
+            if (level < swept) continue;
             const std::uint32_t n = sideAt(data.rows, level - 1);
-            double* low = level == levels ? result.origin : between(scratch, level);
-            if (auto failure = boundary.analysis(bank, samples, n, low, result.origin + sideAt(n, 1)))
+            double* low = level == levels ? result.origin : between(scratch, first, level);
+            if (level == swept) {
+                sweep(*boundary.ends, bank, samples, data.rows, swept, low, result.origin,
+                      scratch + scratchFrom(first));
+            } else if (auto failure =
+                           boundary.analysis(bank, samples, n, low, result.origin + sideAt(n, 1))) {
                 return failure;
+            }
             samples = low;
         }
         return {};
     }
 
     Failure mergeSignal() const {
-        double* scratch = scratchForSmooth();
+        double* const scratch = workspace.room(scratchFrom(1));
         if (scratch == nullptr) return Code::OutOfMemory;
         const double* low = data.origin;
         for (std::uint32_t level = levels; level >= 1; --level) {
             if (poll()) return Code::Interrupted;
             const std::uint32_t n = sideAt(data.rows, level - 1);
-            double* samples = level == 1 ? result.origin : between(scratch, level - 1);
+            double* samples = level == 1 ? result.origin : between(scratch, 1, level - 1);
             if (auto failure = boundary.synthesis(bank, low, data.origin + sideAt(n, 1), n, samples))
                 return failure;
             low = samples;

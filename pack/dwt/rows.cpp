@@ -32,17 +32,18 @@ AnalysisRows::AnalysisRows(const AnalysisEnds& dataEnds, Index samples)
 SynthesisRows::SynthesisRows(const SynthesisEnds& dataEnds, Index samples)
     : n(samples),
       channels(dataEnds.channels),
+      phase(modulo(channels.low.offset, 2)),
       low(dataEnds.low),
       high(dataEnds.high),
       period(dataEnds.period),
       edges(dataEnds.edges),
-      nearestShift(ceilHalf(channels.first() - Index{1})),
-      farthestShift(floorHalf(channels.last())),
+      nearestShift(ceilHalf(channels.first() + phase - 1)),
+      farthestShift(floorHalf(channels.last() + phase)),
       interiorBegin(
-          std::clamp(std::max(farthestShift + edges.rows, ceilHalf(edges.reach())), Index{0}, count())),
-      interiorEnd(std::min(high.length + nearestShift - edges.rows, floorHalf(n))) {
-    const auto shiftsOf = [](const Filter& filter) {
-        return std::pair(ceilHalf(filter.offset - Index{1}), floorHalf(filter.last()));
+          std::clamp(std::max(farthestShift + edges.rows, ceilHalf(edges.reach() + phase)), phase, count())),
+      interiorEnd(std::min(high.length + nearestShift - edges.rows, floorHalf(n + phase))) {
+    const auto shiftsOf = [this](const Filter& filter) {
+        return std::pair(ceilHalf(filter.offset + phase - 1), floorHalf(filter.last() + phase));
     };
     const auto [lowNearest, lowFarthest] = shiftsOf(channels.low);
     const auto [highNearest, highFarthest] = shiftsOf(channels.high);
@@ -72,15 +73,15 @@ void SynthesisRows::gather(Channel channel, const double* from, Index first, Ind
 }
 
 void SynthesisRows::addTap(Index shift, Channel channel, const Filter& filter) {
-    const Index even = 2 * shift - filter.offset;
-    const auto has = [&](Index tap) { return 0 <= tap && tap < filter.count; };
-    const double first = has(even) ? filter.taps[even] : 0.0;
-    const double second = has(even + 1) ? filter.taps[even + 1] : 0.0;
-    if (!has(even) && !has(even + 1)) return;
+    const Index tap = position(shift) - filter.offset;
+    const auto has = [&](Index i) { return 0 <= i && i < filter.count; };
+    const double first = has(tap) ? filter.taps[tap] : 0.0;
+    const double second = has(tap + 1) ? filter.taps[tap + 1] : 0.0;
+    if (!has(tap) && !has(tap + 1)) return;
     taps[tapCount++] = {shift, channel, first, second,
-                        !has(even + 1) ? Term::First
-                        : !has(even)   ? Term::Second
-                                       : Term::Both};
+                        !has(tap + 1) ? Term::First
+                        : !has(tap)   ? Term::Second
+                                      : Term::Both};
 }
 
 }  // namespace undula

@@ -102,6 +102,15 @@ class AnalysisRows {
     int tapCount = 0;
 };
 
+// One pair of outputs, of samples of `width` numbers; sampleAt(p) is where sample p stands.
+template <class SampleAt>
+void analyseRow(const AnalysisRows& rows, Index k, SampleAt sampleAt, double* low, double* high,
+                std::size_t width) {
+    Row row;
+    rows.fill(k, sampleAt, row);
+    kernels().sumPairs(row.terms, row.count, low, rows.isPair(k) ? high : nullptr, width);
+}
+
 enum class Channel { Low, High };
 
 class SynthesisRows {
@@ -109,9 +118,11 @@ class SynthesisRows {
     SynthesisRows(const SynthesisEnds& dataEnds, Index samples);
 
     Index samples() const { return n; }
-    // Sample pairs; of an odd number of samples the last one lacks its second.
-    Index count() const { return ceilHalf(n); }
-    bool isPair(Index q) const { return 2 * q + 1 < n; }
+    // Pair q are the samples at position(q) and behind it, so that a filter of even length has two taps for
+    // every pair that it meets. Pair 0 may lack its first sample, the last pair its second.
+    Index count() const { return pairOf(n - 1) + 1; }
+    Index position(Index q) const { return 2 * q - phase; }
+    Index pairOf(Index position) const { return floorHalf(position + phase); }
     Index coefficients(Channel channel) const { return channel == Channel::Low ? low.length : high.length; }
 
     // Rows `begin` to `end` - 1 meet, at pair q, the coefficients q - farthest() to q - nearest().
@@ -120,8 +131,8 @@ class SynthesisRows {
     Index nearest() const { return nearestShift; }
     Index farthest() const { return farthestShift; }
 
-    // Samples at pairs outside the data, which are added to others: `before` pair 0, and from `after` on.
-    // Sample p goes to modulo(p, period), if that is one of the n.
+    // Samples outside the data, which are added to others. Sample p goes to modulo(p, period), if that is one
+    // of the n.
     struct Outside {
         Index first;
         Index last;
@@ -173,6 +184,7 @@ class SynthesisRows {
 
     Index n;
     Channels channels;
+    Index phase;
     CoefficientExtension low;
     CoefficientExtension high;
     Index period;
@@ -189,11 +201,7 @@ class SynthesisRows {
 // lowAt(k) and highAt(k) where coefficients go.
 template <class SampleAt, class LowAt, class HighAt>
 void analyseEnds(const AnalysisRows& rows, SampleAt sampleAt, LowAt lowAt, HighAt highAt, std::size_t width) {
-    Row row;
-    const auto analyse = [&](Index k) {
-        rows.fill(k, sampleAt, row);
-        kernels().sumPairs(row.terms, row.count, lowAt(k), rows.isPair(k) ? highAt(k) : nullptr, width);
-    };
+    const auto analyse = [&](Index k) { analyseRow(rows, k, sampleAt, lowAt(k), highAt(k), width); };
     for (Index k = 0; k < rows.begin(); ++k) analyse(k);
     for (Index k = rows.end(); k < rows.count(); ++k) analyse(k);
 }
@@ -226,31 +234,34 @@ class SynthesisOfEnds {
 
  private:
     void synthesise(Index q) {
+        const Index p = rows.position(q);
         rows.fill(q, at, row);
-        kernels().sumPairs(row.terms, row.count, sampleAt(2 * q),
-                           rows.isPair(q) ? sampleAt(2 * q + 1) : nullptr, width);
+        kernels().sumPairs(row.terms, row.count, p < 0 ? scratch : sampleAt(p),
+                           p + 1 < rows.samples() ? sampleAt(p + 1) : nullptr, width);
     }
 
     // The sample outside is summed for itself and then added to the one that it stands for.
     void fold(Index position) {
         const Index target = rows.target(position);
         if (target >= rows.samples()) return;
-        rows.fill(floorHalf(position), at, row);
+        const Index q = rows.pairOf(position);
+        rows.fill(q, at, row);
         kernels().sumPairs(row.terms, row.count, scratch, scratch + width, width);
-        const double* outside = position % 2 == 0 ? scratch : scratch + width;
+        const double* outside = position == rows.position(q) ? scratch : scratch + width;
         double* sum = sampleAt(target);
         for (std::size_t i = 0; i < width; ++i) sum[i] += outside[i];
     }
 
     // At the left end the boundary filters come first, and the taps are added one by one.
     void addOntoLeftEdge() {
-        for (Index p = 0; p < 2 * rows.begin(); ++p) std::fill_n(sampleAt(p), width, 0.0);
+        for (Index p = 0; p < rows.position(rows.begin()); ++p) std::fill_n(sampleAt(p), width, 0.0);
         addEdge(rows.edgeFilters().bank->BLlo, rows.edgeFilters().bank->BLhi, false);
         for (Index q = 0; q < rows.begin(); ++q) {
+            const Index p = rows.position(q);
             rows.fill(q, at, row);
             for (const Term* term = row.terms; term != row.terms + row.count; ++term) {
-                if (term->sums != Term::Second) add(*term, term->first, sampleAt(2 * q));
-                if (term->sums != Term::First) add(*term, term->second, sampleAt(2 * q + 1));
+                if (term->sums != Term::Second && p >= 0) add(*term, term->first, sampleAt(p));
+                if (term->sums != Term::First) add(*term, term->second, sampleAt(p + 1));
             }
         }
     }
@@ -262,7 +273,7 @@ class SynthesisOfEnds {
     void addEdge(EdgeRows low, EdgeRows high, bool right) {
         const EdgeFilterRows& edges = rows.edgeFilters();
         for (Index i = 0; i < edges.rows; ++i) {
-            const Index k = right ? rows.count() - 1 - i : i;
+            const Index k = right ? rows.coefficients(Channel::Low) - 1 - i : i;
             const double* s = at(Channel::Low, k);
             const double* d = at(Channel::High, k);
             for (Index t = 0; t < edges.reach(i); ++t) {

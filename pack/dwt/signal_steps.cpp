@@ -30,10 +30,19 @@ void SignalAnalysis::runPairs(const double* x, Index from, Index to, double* low
         const Index first = 2 * k + rows.first();
         const Index length = 2 * (count - 1) + span;
         const bool inside = first >= 0 && first + length <= rows.samples();
-        kernels().split(inside ? x + first : gathered(x, first, length), static_cast<std::size_t>(length),
-                        even, odd);
-        kernels().sumPairs(inner.terms, inner.count, low + k, high + k, static_cast<std::size_t>(count));
+        runTogether(inside ? x + first : gathered(x, first, length), count, low + k, high + k);
     }
+}
+
+void SignalAnalysis::runInner(const double* x, Index count, double* low, double* high) {
+    for (Index k = 0; k < count; k += runLength)
+        runTogether(x + 2 * k, std::min(runLength, count - k), low + k, high + k);
+}
+
+void SignalAnalysis::runTogether(const double* x, Index count, double* low, double* high) {
+    const Index length = 2 * (count - 1) + rows.last() - rows.first() + 1;
+    kernels().split(x, static_cast<std::size_t>(length), even, odd);
+    kernels().sumPairs(inner.terms, inner.count, low, high, static_cast<std::size_t>(count));
 }
 
 // Samples `first` to `first` + `count` - 1 of the extended signal.
@@ -53,24 +62,24 @@ void SignalAnalysis::runScattered(const double* x, Index from, Index to, double*
 }
 
 void SignalAnalysis::runRow(const double* x, Index k, double* low, double* high) {
-    Row row;
-    rows.fill(
-        k, [x](Index p) { return x + p; }, row);
-    kernels().sumPairs(row.terms, row.count, low + k, rows.isPair(k) ? high + k : nullptr, 1);
+    analyseRow(
+        rows, k, [x](Index p) { return x + p; }, low + k, high + k, 1);
 }
 
 SignalSynthesis::SignalSynthesis(const Ends& ends, const FilterBank& bank, Index n)
     : rows(ends.synthesis(bank, n), n),
       shortEnds(rows.edgeFilters().rows == 0 && rows.farthest() - rows.nearest() <= widestRow &&
-                rows.begin() - floorHalf(rows.before().first) <= mostEnd &&
-                rows.count() - rows.end() <= mostEnd &&
-                floorHalf(rows.after().last) + 1 - floorHalf(rows.after().first) <= mostEnd) {}
+                rows.begin() - rows.pairOf(rows.before().first) <= mostEnd &&
+                backEnd() - backPair() <= mostEnd &&
+                rows.pairOf(rows.after().last) + 1 - rows.pairOf(rows.after().first) <= mostEnd) {
+    if (shortEnds) rows.fillInner(window[0] + rows.farthest(), window[1] + rows.farthest(), extended);
+}
 
 void SignalSynthesis::run(const double* low, const double* high, double* x) {
     if (rows.begin() < rows.end()) {
         Row row;
         rows.fillInner(low + rows.begin(), high + rows.begin(), row);
-        kernels().sumInterleaved(row.terms, row.count, x + 2 * rows.begin(),
+        kernels().sumInterleaved(row.terms, row.count, x + rows.position(rows.begin()),
                                  static_cast<std::size_t>(rows.end() - rows.begin()));
     }
     if (shortEnds) {
@@ -84,25 +93,43 @@ void SignalSynthesis::run(const double* low, const double* high, double* x) {
     }
 }
 
+// Of periodic data what lies behind the end follows on the last pairs, and is computed with them.
+bool SignalSynthesis::goesOnBehind() const {
+    return rows.pairOf(rows.after().first) <= rows.count();
+}
+Index SignalSynthesis::backPair() const {
+    return std::min(rows.end(), rows.pairOf(rows.after().first));
+}
+Index SignalSynthesis::backEnd() const {
+    return goesOnBehind() ? std::max(rows.count(), rows.pairOf(rows.after().last) + 1) : rows.count();
+}
+
 void SignalSynthesis::runEnds(const double* low, const double* high, double* x) {
     double values[2 * mostEnd];
-    double foldedBefore[2 * mostEnd];
+    double front[2 * mostEnd];
     const Index n = rows.samples();
     const auto [first, last] = rows.before();
-    const Index firstPair = floorHalf(first);
-    runExtended(low, high, firstPair, rows.begin(), foldedBefore);
-    std::copy_n(foldedBefore - 2 * firstPair, std::min(2 * rows.begin(), n), x);
-    runExtended(low, high, rows.end(), rows.count(), values);
-    std::copy_n(values, n - 2 * rows.end(), x + 2 * rows.end());
+    const Index frontPair = rows.pairOf(first);
+    const double* atZero = front - rows.position(frontPair);
+    runExtended(low, high, frontPair, rows.begin(), front);
+    std::copy_n(atZero, std::min(rows.position(rows.begin()), n), x);
+
+    Index pair = backPair();
+    runExtended(low, high, pair, backEnd(), values);
+    const Index inside = rows.position(pair);
+    std::copy_n(values, n - inside, x + inside);
     const auto fold = [&](Index p, double value) {
         const Index target = rows.target(p);
         if (target < n) x[target] += value;
     };
-    for (Index p = first; p <= last; ++p) fold(p, foldedBefore[p - 2 * firstPair]);
+    for (Index p = first; p <= last; ++p) fold(p, atZero[p]);
+
     const auto [from, to] = rows.after();
-    const Index afterPair = floorHalf(from);
-    runExtended(low, high, afterPair, floorHalf(to) + 1, values);
-    for (Index p = to; p >= from; --p) fold(p, values[p - 2 * afterPair]);
+    if (!goesOnBehind()) {
+        pair = rows.pairOf(from);
+        runExtended(low, high, pair, rows.pairOf(to) + 1, values);
+    }
+    for (Index p = to; p >= from; --p) fold(p, values[p - rows.position(pair)]);
 }
 
 void SignalSynthesis::runExtended(const double* low, const double* high, Index from, Index to, double* out) {
@@ -111,9 +138,7 @@ void SignalSynthesis::runExtended(const double* low, const double* high, Index f
     const Index count = to - from + rows.farthest() - rows.nearest();
     rows.gather(Channel::Low, low, first, count, window[0]);
     rows.gather(Channel::High, high, first, count, window[1]);
-    Row row;
-    rows.fillInner(window[0] + rows.farthest(), window[1] + rows.farthest(), row);
-    kernels().sumInterleaved(row.terms, row.count, out, static_cast<std::size_t>(to - from));
+    kernels().sumInterleaved(extended.terms, extended.count, out, static_cast<std::size_t>(to - from));
 }
 
 namespace {

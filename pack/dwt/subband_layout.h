@@ -35,17 +35,26 @@ struct PacketIndex {
 // a packet spans the columns.
 Rectangle packetPlace(std::uint64_t rows, std::uint64_t cols, const PacketIndex& packet);
 
-// Calls visit(packet) for all packets of a level, row by row, until one returns a failure.
+// Calls visit(packet) for all packets of a level that `top` is split into, row by row, until one returns
+// a failure.
 template <class Visit>
-auto forPacketsOfLevel(bool isSignal, std::uint32_t level, Visit visit) -> decltype(visit(PacketIndex())) {
-    const std::uint64_t rows = std::uint64_t{1} << level;
+auto forPacketsBelow(bool isSignal, const PacketIndex& top, std::uint32_t level, Visit visit)
+    -> decltype(visit(PacketIndex())) {
+    const std::uint32_t down = level - top.level;
+    const std::uint64_t rows = std::uint64_t{1} << down;
     const std::uint64_t cols = isSignal ? 1 : rows;
     for (std::uint64_t row = 0; row < rows; ++row) {
         for (std::uint64_t col = 0; col < cols; ++col) {
-            if (auto failure = visit(PacketIndex{level, row, col})) return failure;
+            if (auto failure = visit(PacketIndex{level, top.row * rows + row, top.col * cols + col}))
+                return failure;
         }
     }
     return {};
+}
+
+template <class Visit>
+auto forPacketsOfLevel(bool isSignal, std::uint32_t level, Visit visit) -> decltype(visit(PacketIndex())) {
+    return forPacketsBelow(isSignal, {}, level, visit);
 }
 
 }  // namespace undula

@@ -59,17 +59,20 @@ class Array {
 class Workspace {
  public:
     // Room for `count` doubles with no particular values, valid until the next call; null when
-    // there is no memory.
+    // there is no memory. It starts at a cache line, so that vectors lie in one line each.
     double* room(std::uint64_t count) {
         if (!array || count > capacity) {
             array = Array<double>();
-            array = Array<double>::uninitialised(count);
+            array = Array<double>::uninitialised(count + line);
             capacity = array ? count : 0;
         }
-        return array.data();
+        const auto behind = reinterpret_cast<std::uintptr_t>(array.data()) / sizeof(double) % line;
+        return array ? array.data() + (line - behind) % line : nullptr;
     }
 
  private:
+    static constexpr std::size_t line = 8;  // doubles
+
     Array<double> array;
     std::uint64_t capacity = 0;
 };

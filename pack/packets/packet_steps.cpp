@@ -82,10 +82,30 @@ Failure applyByLevels(InPlace* step, const BoundaryTreatment& boundary, const Fi
 
 }  // namespace
 
-Failure splitLevel(const BoundaryTreatment& boundary, const FilterBank& bank, const Block& packets,
-                   std::uint32_t level, const Block& next, Workspace& workspace) {
-    return forPacketsOfLevel(packets.cols == 1, level, [&](const PacketIndex& packet) {
-        return split(boundary, bank, packets, next, packet, workspace);
+// As long as packets are larger than a cache, level after level; then one packet after the other, each
+// down to the last level.
+Failure splitIntoTable(const BoundaryTreatment& boundary, const FilterBank& bank, const Block* levels,
+                       std::uint32_t count, const Poll& poll, Workspace& workspace) {
+    constexpr std::uint64_t cached = std::uint64_t{1} << 16;
+    const bool isSignal = levels[0].cols == 1;
+    const auto splitBelow = [&](const PacketIndex& top, std::uint32_t level) {
+        return forPacketsBelow(isSignal, top, level, [&](const PacketIndex& packet) {
+            return split(boundary, bank, levels[level], levels[level + 1], packet, workspace);
+        });
+    };
+    std::uint64_t size = std::uint64_t{levels[0].rows} * levels[0].cols;
+    std::uint32_t level = 0;
+    for (; level < count && size > cached; ++level, size /= isSignal ? 2 : 4) {
+        if (poll()) return Code::Interrupted;
+        if (auto failure = splitBelow({}, level)) return failure;
+    }
+    SpreadPolls polls(poll, count - level, std::uint64_t{1} << (isSignal ? level : 2 * level));
+    return forPacketsBelow(isSignal, {}, level, [&](const PacketIndex& packet) -> Failure {
+        if (polls.beforeStep()) return Code::Interrupted;
+        for (std::uint32_t below = level; below < count; ++below) {
+            if (auto failure = splitBelow(packet, below)) return failure;
+        }
+        return {};
     });
 }
 

@@ -6,9 +6,10 @@
 
 namespace undula {
 
-// Splits every packet of a level into those of the next, which are of the same shape.
-Failure splitLevel(const BoundaryTreatment& boundary, const FilterBank& bank, const Block& packets,
-                   std::uint32_t level, const Block& next, Workspace& workspace);
+// Splits the packets of levels[0], the data, down to those of levels[count], which are all of one shape.
+// Polls `count` times.
+Failure splitIntoTable(const BoundaryTreatment& boundary, const FilterBank& bank, const Block* levels,
+                       std::uint32_t count, const Poll& poll, Workspace& workspace);
 
 // Splits the packets of the data in place, from the root down to a basis, or merges them from there up.
 // Polls once a level.

@@ -41,12 +41,11 @@ Result<aMatrix*> packetTable(const PacketCall& call, const FilterBank& bank, con
     if (interrupted(call.context)) return Code::Interrupted;
     copyElements(call.data, table->level(0).origin);
     Workspace workspace;
-    for (std::uint32_t j = 1; j <= levels; ++j) {
-        if (call.data->cols == 1 && interrupted(call.context)) return Code::Interrupted;
-        if (auto failure =
-                splitLevel(call.boundary, bank, table->level(j - 1), j - 1, table->level(j), workspace))
-            return stepFailure(failure, Code::InvalidLevel, formPosition);
-    }
+    Block blocks[mostLevels];
+    for (std::uint32_t j = 0; j <= levels; ++j) blocks[j] = table->level(j);
+    const Poll poll = call.data->cols == 1 ? pollOf(call.context) : Poll();
+    if (auto failure = splitIntoTable(call.boundary, bank, blocks, levels, poll, workspace))
+        return stepFailure(failure, Code::InvalidLevel, formPosition);
     return tableValue(call.context, *table);
 }
 

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "conversion.h"
+#include "costs.h"
 #include "efihost/host.h"
 #include "interpreter_lock.h"
 
@@ -186,6 +187,8 @@ PYBIND11_MODULE(_host, module) {
              py::arg("arrays"),
              "Calls a function whose result is a real number for each element of equally long arrays, "
              "which are the arguments at the places; returns the results as an array.");
+
+    exposeCosts(module);
 
     module.def(
         "load", [](const std::string& path) { return efihost::Pack(path).functions(); }, py::arg("path"),

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "conversion.h"
+#include "costs.h"
 #include "interpreter_lock.h"
 
 namespace undula {
@@ -98,6 +99,9 @@ class Reader {
         if (py::hasattr(object, "__array__")) {
             const py::object asarray = py::module_::import("numpy").attr("asarray");
             return array(newReference([&] { return PyObject_CallOneArg(asarray.ptr(), object.ptr()); }));
+        }
+        if (const auto cost = costFunction(object)) {
+            return *cost;
         }
         if (PyCallable_Check(object.ptr()) != 0) {
             return userFunction(object, place_);

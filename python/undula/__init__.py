@@ -34,11 +34,20 @@ Many points at once
 
 >>> undula.evaluate(undula.father, [-0.5, 0.0, 0.5], "haar").round(12)
 array([0., 1., 1.])
+
+Helpers
+-------
+`denoise` takes noise out of a signal or an image, `levels` gives the parts of a transform as views, `pad`
+makes lengths that can be halved. `undula.thresholding` has thresholds, `undula.costs` costs for
+`best_basis`, and `undula.plot` pictures.
 """
 
-from undula import _functions, _host
+from undula import _functions, _host, costs, plot, thresholding
+from undula._denoise import denoise
 from undula._errors import ArgumentCountError, ArithmeticFault, Error, OutOfMemoryError
 from undula._evaluate import evaluate
+from undula._levels import levels
+from undula._padding import pad
 from undula._warnings import UndulaWarning
 from undula._wavelets import Wavelet, wavelets
 
@@ -47,17 +56,21 @@ __version__ = _host.__version__
 _loaded = _functions.load_functions()
 globals().update(_loaded)
 
-__all__ = [
-    "ArgumentCountError",
-    "ArithmeticFault",
-    "Error",
-    "OutOfMemoryError",
-    "UndulaWarning",
-    "Wavelet",
-    "evaluate",
-    "wavelets",
-    *_loaded,
+_public = [
+    ArgumentCountError,
+    ArithmeticFault,
+    Error,
+    OutOfMemoryError,
+    UndulaWarning,
+    Wavelet,
+    denoise,
+    evaluate,
+    levels,
+    pad,
+    wavelets,
+    *_loaded.values(),
 ]
+for _one in _public:
+    _one.__module__ = __name__  # the name under which users know it
 
-for _name in __all__:
-    globals()[_name].__module__ = __name__  # the name under which users know it
+__all__ = [*(_one.__name__ for _one in _public), "costs", "plot", "thresholding"]

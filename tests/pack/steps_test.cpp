@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cfenv>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -11,6 +12,8 @@
 
 #include "dwt/image_steps.h"
 #include "dwt/kernels.h"
+#include "dwt/multilevel.h"
+#include "frame/integers.h"
 #include "support/plain_steps.h"
 
 using namespace undula;
@@ -153,6 +156,58 @@ TEST(Steps, IntervalEqualsPlainLoops) {
             for (int n = 2 * taps; n < 1200; n += n < 70 ? 2 : n / 16 * 2) {
                 expectPlain(interval, bank, static_cast<std::size_t>(n));
                 if (HasFatalFailure()) return;
+            }
+        }
+    });
+}
+
+// Several levels of a long signal are split in one sweep.
+TEST(Steps, SweepsEqualPlainLoopsLevelByLevel) {
+    Workspace workspace;
+    const auto expectLevels = [&](const Treatment& treatment, const FilterBank& bank, std::size_t n) {
+        SCOPED_TRACE(testing::Message()
+                     << "taps " << bank.La << " and " << bank.Lb << ", offset " << bank.oa);
+        const std::uint32_t levels = 4;
+        Signal x = randomSignal(n, n);
+        Signal out(n);
+        ASSERT_FALSE(transformLevels(treatment.boundary, bank, contiguous(x.data(), n, 1),
+                                     contiguous(out.data(), n, 1), levels, Direction::Forward, {},
+                                     workspace));
+        for (std::uint32_t level = 0; level < levels; ++level) {
+            Signal smooth(x.begin(), x.begin() + static_cast<std::ptrdiff_t>(halved(n, level)));
+            std::ranges::copy(treatment.analysis(bank, smooth, false), x.begin());
+        }
+        expectSameBits(out, x);
+    };
+    for (const auto& s : shapes) {
+        const RandomBank bank(s[0], s[1], s[2], s[3], s[4], s[5]);
+        expectLevels(periodic, bank, (1U << 19) + 5);
+        expectLevels(symmetric, bank, (1U << 19) + 12);
+    }
+    const RandomBank even(16, 16, -7, -7, -7, -7);
+    expectLevels(interval, even, 1U << 19);
+}
+
+// Nor what stands beside the data, nor what a vector holds beyond them.
+TEST(Steps, RaiseNoFlagWithoutReason) {
+    constexpr std::size_t guard = 64;
+    constexpr int watched = FE_INVALID | FE_OVERFLOW | FE_DIVBYZERO;
+    withAllKernels([] {
+        for (const auto& s : shapes) {
+            const RandomBank bank(s[0], s[1], s[2], s[3], s[4], s[5]);
+            for (std::uint32_t n = 2; n < 150; ++n) {
+                Signal x(n + 2 * guard, std::numeric_limits<double>::signaling_NaN());
+                std::fill_n(x.begin() + guard, n, 1.5);
+                Signal out(n);
+                std::feclearexcept(FE_ALL_EXCEPT);
+                const double* data = x.data() + guard;
+                const std::uint32_t lows = n - n / 2;
+                for (const Treatment& treatment : {periodic, symmetric}) {
+                    ASSERT_FALSE(treatment.boundary.analysis(bank, data, n, out.data(), out.data() + lows));
+                    ASSERT_FALSE(treatment.boundary.synthesis(bank, data, data + lows, n, out.data()));
+                }
+                ASSERT_EQ(std::fetestexcept(watched), 0)
+                    << kernels().name << ", n " << n << ", taps " << s[0];
             }
         }
     });

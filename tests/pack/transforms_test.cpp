@@ -148,6 +148,30 @@ TEST_F(Selection, TakesFarOffsets) {
     EXPECT_LT(allocatedBytes() - before, 100000);
 }
 
+// Everything that a call asks for besides its result, as a part of it.
+TEST_F(Transforms, TakeLittleMemory) {
+    const Value filter = call("daublet", 8);
+    struct Case {
+        const char* name;
+        int rows;
+        int cols;
+        int levels;
+        double share;
+    };
+    for (const auto& [name, rows, cols, levels, share] : {Case{"dwt", 1 << 16, 1, 5, 0.76},
+                                                          {"dwt", 1 << 20, 1, 5, 0.15},
+                                                          {"idwt", 1 << 16, 1, 5, 0.76},
+                                                          {"idwt", 1 << 20, 1, 5, 0.76},
+                                                          {"dwt", 512, 512, 4, 0.17},
+                                                          {"idwt", 512, 512, 4, 0.07}}) {
+        const Value data = Value::matrix(rows, cols, noise(static_cast<std::size_t>(rows) * cols));
+        const double size = 8.0 * rows * cols;
+        const long before = allocatedBytes();
+        const Value result = call(name, data, levels, filter);
+        EXPECT_LT(static_cast<double>(allocatedBytes() - before) - size, share * size) << name << rows;
+    }
+}
+
 // Though others come in between.
 TEST_F(Selection, KeepsEachWaveletOnce) {
     const auto useAll = [&] {

@@ -1,6 +1,8 @@
 import gc
 import signal
 
+import matplotlib
+import matplotlib.pyplot as plt
 import numpy as np
 import pytest
 import undula
@@ -9,6 +11,16 @@ import undula
 @pytest.fixture
 def rng():
     return np.random.default_rng(7)
+
+
+matplotlib.use("Agg")
+
+
+@pytest.fixture
+def ax():
+    """Axes to draw into, which are the current ones too."""
+    yield plt.figure().gca()
+    plt.close("all")
 
 
 @pytest.fixture

@@ -1,6 +1,7 @@
 """The descriptions against the pack that is loaded."""
 
 import doctest
+import importlib
 import inspect
 import itertools
 import runpy
@@ -142,9 +143,28 @@ def test_the_examples_of_the_package_run(owner):
     check_examples(owner.__doc__, owner.__name__)
 
 
+HELPERS = ["_denoise", "_levels", "_padding", "costs", "plot", "thresholding"]
+
+
+def examples_of(module):
+    finder = doctest.DocTestFinder(exclude_empty=True)
+    return finder.find(importlib.import_module(f"undula.{module}"), globs={"undula": undula, "np": np})
+
+
+@pytest.mark.parametrize(
+    "test", [test for name in HELPERS for test in examples_of(name)], ids=lambda test: test.name
+)
+def test_every_example_of_a_helper_runs(test, ax):
+    run_examples(test)
+
+
 def check_examples(text, name):
     test = doctest.DocTestParser().get_doctest(text, {"undula": undula, "np": np}, name, None, 0)
     assert test.examples
+    run_examples(test)
+
+
+def run_examples(test):
     report = []
     doctest.DocTestRunner().run(test, out=report.append)
     assert not report, "".join(report)

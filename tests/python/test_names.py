@@ -61,6 +61,7 @@ def test_every_name_of_a_wavelet_is_taken_everywhere(wavelet):
                 by_name = undula.evaluate(function, points, name, shift=shift, level=level)
                 assert np.array_equal(by_name, undula.evaluate(function, points, level, shift, taps))
                 assert by_name[9] == function(points[9], level, shift, taps)
+    assert np.array_equal(undula.denoise(X, wavelet.name), undula.denoise(X, taps))
     for function, types in ((undula.father2d, [()]), (undula.dlmother2d, "HVD")):
         for kind in types:
             by_name = function(0.3, 0.6, wavelet.name, *kind)

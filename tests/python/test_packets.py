@@ -88,3 +88,34 @@ def test_functions_that_write_into_the_arguments_change_nothing(name, rng):
     expected, found = called_with(lambda packet, own: value(packet)), called_with(spoil)
     for one, other in zip(expected, found, strict=True):
         np.testing.assert_array_equal(one, other)
+
+
+# Each cost with its formula in NumPy, for numbers that are not 0.
+COSTS = [
+    (undula.costs.shannon, lambda x: -(x**2) * np.log(x**2)),
+    (undula.costs.l1, np.abs),
+    (undula.costs.log_energy, lambda x: np.log(x**2)),
+    (undula.costs.count_above(0.7), lambda x: 1.0 * (np.abs(x) > 0.7)),
+    (undula.costs.clipped_energy(0.7), lambda x: np.minimum(x**2, 0.49)),
+]
+
+
+@pytest.mark.parametrize("cost, formula", COSTS, ids=repr)
+def test_costs_are_their_formulas_and_find_the_same_basis(cost, formula, rng):
+    x = rng.normal(size=(64, 16))
+    np.testing.assert_allclose(cost(x), formula(x), rtol=1e-12, atol=1e-14)
+    assert type(cost(-0.5)) is float and cost(-0.5) == pytest.approx(formula(-0.5))
+    assert np.isnan(cost(np.nan)) and cost(0) <= cost(1e-300) <= cost(1e-200) <= cost(0.1) < np.inf
+    for data in (x.ravel(), x):
+        table = undula.wpt(data, 4, undula.symmlet(8))
+        expected = undula.best_basis(table, lambda c: float(formula(c)))
+        np.testing.assert_array_equal(undula.best_basis(table, cost), expected)
+
+
+def test_a_cost_takes_real_numbers_and_has_a_name():
+    assert repr(undula.costs.count_above(0.5)) == "undula.costs.count_above(0.5)"
+    for wrong in (1j, "a", None, [[1], [1, 2]]):
+        with pytest.raises(TypeError, match="shannon takes real numbers"):
+            undula.costs.shannon(wrong)
+    with pytest.raises(ValueError, match="no cost is called l7"):
+        undula._host.cost("l7")
