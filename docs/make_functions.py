@@ -14,8 +14,9 @@ INTRODUCTION = """\
 
 <!-- Made by docs/make_functions.py from functions/functions.toml; edit that file. -->
 
-The functions of the pack as Python shows them: `import undula`. Arguments are positional. Every
-function also has its help text: `help(undula.dwt)`.
+The functions of the pack as Python shows them: `import undula`. Arguments are given by position or
+by name: `undula.dwt(x, 3, w)`, `undula.dwt(x, level=3, wavelet=w)`. Every function also has its help
+text: `help(undula.dwt)`.
 
 ## Arguments and results
 
@@ -61,7 +62,7 @@ def page():
 
 
 def _entry(description):
-    arguments = ((f"`{argument.name}`", argument.kind, argument.meaning) for argument in description.arguments)
+    arguments = map(_argument_row, description.arguments)
     parts = [
         f"### `{description.name}`",
         _code("python", "\n".join(description.calls())),
@@ -74,6 +75,12 @@ def _entry(description):
     if description.literature:
         parts.append("\n".join(f"- {work}" for work in description.literature))
     return "\n\n".join(parts) + "\n"
+
+
+def _argument_row(argument):
+    kind = f"{argument.kind} or {argument.also}" if argument.also else argument.kind
+    names = ", ".join([f"`{argument.name}`", *(f"`{alias}=`" for alias in argument.aliases)])
+    return names, kind, argument.meaning
 
 
 def _error_row(error):

@@ -29,6 +29,14 @@ py::object toPython(const Value& value, const Lent* lent = nullptr);
 // The value of a callable.
 Value userFunction(py::handle callable, const std::string& place);
 
+// A callable whose results the pack sums or samples, so that each must be a number: the pack would
+// take anything else for 0.
+struct NumberFunction {
+    py::object callable;
+    bool metNan = false;  // whether a result was NaN
+};
+Value numberFunction(py::handle object, const std::string& place);
+
 // Keeps an object alive for the host, which may drop it on any thread, with or without the
 // interpreter lock.
 std::shared_ptr<PyObject> keep(py::handle object);

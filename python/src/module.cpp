@@ -174,6 +174,10 @@ PYBIND11_MODULE(_host, module) {
         .def_readonly("argument", &ErrorValue::argument)
         .def_readonly("element", &ErrorValue::element);
 
+    py::class_<NumberFunction>(module, "NumberFunction", "A function each of whose results is a number.")
+        .def(py::init<py::object>(), py::arg("callable"))
+        .def_readonly("met_nan", &NumberFunction::metNan, "Whether a result was NaN.");
+
     py::class_<Function>(module, "Function", "A row of a pack's table.")
         .def_property_readonly("name", [](const Function& function) { return std::string(function.name); })
         .def_readonly("arity", &Function::arity, "The number of arguments; None where it varies.")

@@ -106,6 +106,9 @@ class Reader {
         if (PyCallable_Check(object.ptr()) != 0) {
             return userFunction(object, place_);
         }
+        if (py::isinstance<NumberFunction>(object)) {
+            return numberFunction(object, place_);
+        }
         refuse("cannot be of type " + typeName(object));
     }
 

@@ -1,12 +1,15 @@
 """Wavelets: a function pack and its Python host.
 
-Every function of the pack is a function of this module and takes positional arguments:
+Every function of the pack is a function of this module. Arguments are given by position or by name,
+wavelets as filters or by name:
 
 >>> import undula
 >>> x = [3, 1, 4, 1, 5, 9, 2, 6]
->>> w = undula.daublet(4)
->>> undula.idwt(undula.dwt(x, 2, w), 2, w).round(12)
+>>> y = undula.dwt(x, level=2, wavelet="daublet4")
+>>> undula.idwt(y, 2, undula.daublet(4)).round(12)
 array([3., 1., 4., 1., 5., 9., 2., 6.])
+
+`undula.wavelets()` lists the wavelets that have names; `python3 -m undula` lists the functions.
 
 What arrives as what
 --------------------
@@ -21,7 +24,9 @@ nested arrays as a list; with an imaginary part that is not zero, numbers are co
 that is called back receives its arguments in the same way, and may return whatever may be an argument;
 what it raises is raised by the call.
 
-A refused call raises `undula.Error`, which names the function, the message and the argument.
+A refused call raises `undula.Error`, which names the function, the message and the argument; notes
+say what would be right. What is computed, but is probably not what was meant, is an
+`undula.UndulaWarning`.
 
 Many points at once
 -------------------
@@ -39,30 +44,33 @@ makes lengths that can be halved. `undula.thresholding` has thresholds, `undula.
 
 from undula import _functions, _host, costs, plot, thresholding
 from undula._denoise import denoise
-from undula._errors import ArithmeticFault, Error, OutOfMemoryError
+from undula._errors import ArgumentCountError, ArithmeticFault, Error, OutOfMemoryError
 from undula._evaluate import evaluate
 from undula._levels import levels
 from undula._padding import pad
-
-for _kind in (Error, OutOfMemoryError, ArithmeticFault):
-    _kind.__module__ = __name__  # the name under which users know it
+from undula._warnings import UndulaWarning
+from undula._wavelets import Wavelet, wavelets
 
 __version__ = _host.__version__
 
-_loaded, _described = _functions.load_functions()
+_loaded = _functions.load_functions()
 globals().update(_loaded)
 
-_helpers = (evaluate, denoise, levels, pad)
-for _helper in _helpers:
-    _helper.__module__ = __name__
-
-__all__ = [
-    "Error",
-    "OutOfMemoryError",
-    "ArithmeticFault",
-    *(_helper.__name__ for _helper in _helpers),
-    "costs",
-    "plot",
-    "thresholding",
-    *_described,
+_public = [
+    ArgumentCountError,
+    ArithmeticFault,
+    Error,
+    OutOfMemoryError,
+    UndulaWarning,
+    Wavelet,
+    denoise,
+    evaluate,
+    levels,
+    pad,
+    wavelets,
+    *_loaded.values(),
 ]
+for _one in _public:
+    _one.__module__ = __name__  # the name under which users know it
+
+__all__ = [*(_one.__name__ for _one in _public), "costs", "plot", "thresholding"]

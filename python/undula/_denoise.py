@@ -45,8 +45,8 @@ def denoise(
     ----------
     data : array
         A signal (one dimension) or an image (two); real and finite.
-    wavelet : array
-        The filter.
+    wavelet : array or string
+        The filter, or the name of the wavelet.
     level : int, optional
         Number of levels. By default as many as leave 8 smooth coefficients along the shortest side, but
         one at least. Too few cost more than too many.
@@ -79,7 +79,7 @@ def denoise(
     --------
     >>> clean = np.sin(np.linspace(0, 9, 500))
     >>> noisy = clean + np.random.default_rng(1).normal(0, 0.2, 500)
-    >>> denoised = undula.denoise(noisy, undula.symmlet(8))
+    >>> denoised = undula.denoise(noisy, "symmlet8")
     >>> print(np.std(noisy - clean).round(3), np.std(denoised - clean).round(3))
     0.197 0.037
     """

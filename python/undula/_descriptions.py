@@ -1,8 +1,7 @@
-"""The descriptions of functions.toml as records, and the docstrings made from them."""
+"""The descriptions of the functions, as the build has read them from functions.toml."""
 
-import inspect
+import json
 import textwrap
-import tomllib
 from dataclasses import dataclass
 from pathlib import Path
 
@@ -11,9 +10,15 @@ WIDTH = 88
 
 @dataclass(frozen=True)
 class Argument:
+    """`also` is a kind that Python takes besides; `type` says more than the kind, for type checkers."""
+
     name: str
     kind: str
     meaning: str
+    also: str = ""
+    type: str = ""
+    default: float | None = None
+    aliases: tuple[str, ...] = ()
 
 
 @dataclass(frozen=True)
@@ -38,54 +43,32 @@ class Description:
     errors: tuple[Failure, ...]
     example: str
     literature: tuple[str, ...]
+    doc: str
 
     def argument_names(self, count):
         """Names of the arguments of a call with `count` of them; empty when no form has that many."""
         return next((form for form in self.forms if len(form) == count), ())
 
+    def argument(self, name):
+        return next(argument for argument in self.arguments if argument.name == name)
+
     def kind_of(self, name):
-        return next(argument.kind for argument in self.arguments if argument.name == name)
+        return self.argument(name).kind
 
     def calls(self):
         """Every form as it is written in a call."""
         return [f"{self.name}({', '.join(form)})" for form in self.forms]
 
-    def signature(self):
-        """The signature, where longer forms only append arguments; otherwise `(*args)`."""
-        longest = max(self.forms, key=len)
-        if any(form != longest[: len(form)] for form in self.forms):
-            return inspect.Signature([inspect.Parameter("args", inspect.Parameter.VAR_POSITIONAL)])
-        needed = min(map(len, self.forms))
-        return inspect.Signature(
-            inspect.Parameter(
-                name,
-                inspect.Parameter.POSITIONAL_ONLY,
-                default=inspect.Parameter.empty if place < needed else _LEFT_OUT,
-            )
-            for place, name in enumerate(longest)
-        )
+    def parameters(self):
+        """The names that calls may give by position, and those after them that they only name.
 
-    def docstring(self):
-        parts = [self.summary, *paragraphs(self.details)]
-        if len(self.forms) > 1:
-            parts.append(_section("Forms", self.calls()))
-        parts.append(_section("Parameters", _entries(self.arguments)))
-        parts.append(_section("Returns", [self.result.kind, *_indented(self.result.meaning)]))
-        parts.append(_section("Raises", ["undula.Error", *_failures(self.errors)]))
-        if self.literature:
-            parts.append(_section("References", [textwrap.fill(work, WIDTH) for work in self.literature]))
-        parts.append(_section("Examples", self.example.splitlines()))
-        return "\n\n".join(parts) + "\n"
-
-
-class _LeftOut:
-    """Stands in a signature for the default of an argument that a shorter form goes without."""
-
-    def __repr__(self):
-        return "..."
-
-
-_LEFT_OUT = _LeftOut()
+        The arguments of the shortest form come first. What longer forms add follows them where it is
+        appended; what they put in between has a place of its own in those forms only.
+        """
+        shortest, longest = min(self.forms, key=len), max(self.forms, key=len)
+        if longest[: len(shortest)] == shortest:
+            return longest, ()
+        return shortest, tuple(name for name in longest if name not in shortest)
 
 
 def read_kinds():
@@ -95,8 +78,7 @@ def read_kinds():
 
 def read_descriptions():
     """Every described function by name, in the order of functions.toml."""
-    data = _read()
-    return {name: _description(name, entry, data) for name, entry in data["functions"].items()}
+    return {entry["name"]: description_of(entry) for entry in _read()["functions"]}
 
 
 def paragraphs(text):
@@ -104,54 +86,16 @@ def paragraphs(text):
     return [textwrap.fill(part, WIDTH) for part in text.strip().split("\n\n") if part]
 
 
+def description_of(entry):
+    """The record of an entry of functions.json."""
+    shaped = {
+        "forms": tuple(map(tuple, entry["forms"])),
+        "arguments": tuple(Argument(**argument) for argument in entry["arguments"]),
+        "result": Argument("", **entry["result"]),
+        "errors": tuple(Failure(*error) for error in entry["errors"]),
+    }
+    return Description(**entry | shaped)
+
+
 def _read():
-    with open(Path(__file__).with_name("functions.toml"), "rb") as file:
-        return tomllib.load(file)
-
-
-def _description(name, entry, data):
-    return Description(
-        name=name,
-        group=entry["group"],
-        summary=entry["summary"],
-        details=entry.get("details", ""),
-        forms=tuple(map(tuple, entry["forms"])),
-        arguments=tuple(_argument(item, data["arguments"]) for item in entry["arguments"]),
-        result=Argument("", entry["result"]["kind"], entry["result"]["meaning"]),
-        errors=tuple(_failure(item, data["errors"]) for item in entry["errors"]),
-        example=entry["example"].strip(),
-        literature=tuple(data["literature"][key] for key in entry.get("literature", ())),
-    )
-
-
-def _argument(item, shared):
-    if isinstance(item, str):
-        item = {"name": item, **shared[item]}
-    return Argument(item["name"], item["kind"], " ".join(item["meaning"].split()))
-
-
-def _failure(item, shared):
-    return Failure(*(shared[item] if isinstance(item, str) else item))
-
-
-def _section(title, lines):
-    return "\n".join([title, "-" * len(title), *lines])
-
-
-def _indented(text, hang=""):
-    return textwrap.wrap(text, WIDTH, initial_indent="    ", subsequent_indent="    " + hang)
-
-
-def _entries(arguments):
-    lines = []
-    for argument in arguments:
-        lines += [f"{argument.name} : {argument.kind}", *_indented(argument.meaning)]
-    return lines
-
-
-def _failures(errors):
-    lines = []
-    for error in errors:
-        place = f"{error.argument}: " if error.argument else ""
-        lines += _indented(f'{place}"{error.message}" when {error.when}', hang="  ")
-    return lines
+    return json.loads(Path(__file__).with_name("functions.json").read_bytes())

@@ -33,11 +33,16 @@ class OutOfMemoryError(Error, MemoryError):
     """The result or the working memory of a call could not be allocated."""
 
 
+class ArgumentCountError(Error, TypeError):
+    """A function that takes various numbers of arguments was called with another number."""
+
+
 class ArithmeticFault(Error, FloatingPointError):
     """The arithmetic of a call divided by zero, overflowed or was invalid."""
 
 
 _BY_MESSAGE = {
+    "Wrong number of Arguments": ArgumentCountError,
     "out of memory": OutOfMemoryError,
     "singularity": ArithmeticFault,
     "overflow": ArithmeticFault,

@@ -1,12 +1,14 @@
 """A function of the pack for each number of an array."""
 
+import sys
+
 import numpy as np
 
 from undula import _host
-from undula._errors import error_for
+from undula._remedies import failure
 
 
-def evaluate(function, /, *arguments):
+def evaluate(function, /, *arguments, **named):
     """Values of a function of the pack at each element of arrays.
 
     Wherever the function takes a scalar, an array of numbers may stand: the function is called for
@@ -22,7 +24,7 @@ def evaluate(function, /, *arguments):
     function : function of this module
         One whose result is a real number, such as `father` or `waveterp`.
     arguments
-        Its arguments.
+        Its arguments, by position or by name.
 
     Returns
     -------
@@ -51,20 +53,24 @@ def evaluate(function, /, *arguments):
         raise TypeError("evaluate: argument 1 is not a function of the pack")
     if description.result.kind != "scalar":
         raise TypeError(f"{function.__name__}: its result is not a real number")
-    names = description.argument_names(len(arguments))
+    given = function._bind(arguments, named) if named else arguments
+    if len(given) not in map(len, description.forms):
+        return function(*given)  # which says what is wrong
+    row, arguments, names = function._prepare(given)
+    description = vars(sys.modules["undula"])[row.name]._description
     places = [
         place
         for place, name in enumerate(names)
         if description.kind_of(name) == "scalar" and np.ndim(arguments[place]) > 0
     ]
     if not places:
-        return function(*arguments)
+        return function(*given)
     arrays = [_numbers(function, place, names[place], arguments[place]) for place in places]
     shape = _common_shape(function, arrays)
     fixed = tuple(0.0 if place in places else argument for place, argument in enumerate(arguments))
-    outcome = function._row.call_many(fixed, names, places, arrays)
+    outcome = row.call_many(fixed, names, places, arrays)
     if isinstance(outcome, _host.ErrorValue):
-        error = error_for(function.__name__, outcome.message, outcome.argument, names)
+        error = failure(function._description, outcome, names, given)
         error.add_note(f"for the elements at {_index(outcome.element, shape)}")
         raise error
     return outcome.reshape(shape)

@@ -3,45 +3,53 @@
 from pathlib import Path
 
 from undula import _host
+from undula._arguments import preparation
+from undula._binding import binder, count_text, signature
 from undula._descriptions import read_descriptions
-from undula._errors import error_for
+from undula._filters import Filters
+from undula._remedies import failure
 
-LIBRARY = Path(_host.__file__).parents[2] / "lib" / "libundula.so"
+LIBRARY = Path(__file__).parent / "lib" / "libundula.so"
 
 
 def load_functions():
-    """Loads the pack. Returns all its functions and the names of those that are described."""
-    descriptions = read_descriptions()
-    rows = _host.load(str(LIBRARY))
-    functions = {row.name: _function(row, descriptions.get(row.name)) for row in rows}
-    return functions, [name for name in descriptions if name in functions]
+    """Loads the pack. Returns its functions by name, in the order of their descriptions."""
+    rows = {row.name: row for row in _host.load(str(LIBRARY))}
+    filters = Filters(rows)
+    return {
+        name: _function(description, rows, filters) for name, description in read_descriptions().items()
+    }
 
 
-def _function(row, description):
-    name, count = row.name, row.arity
-    names_of = description.argument_names if description else lambda _: ()
+def _function(description, rows, filters):
+    row = rows[description.name]
+    counts = {len(form) for form in description.forms}
+    bind = binder(description)
+    prepare, finish = preparation(description, rows, filters)
 
-    def function(*args):
-        if count is not None and len(args) != count:
-            raise TypeError(_count_message(name, count, len(args)))
-        names = names_of(len(args))
-        outcome = row.call(args, names)
-        if isinstance(outcome, _host.ErrorValue):
-            raise error_for(name, outcome.message, outcome.argument, names)
+    def function(*args, **named):
+        if named:
+            args = bind(args, named)
+        if len(args) not in counts:
+            return _call_with_wrong_count(row, description, args)
+        target, ready, names = prepare(args)
+        outcome = target.call(ready, names)
+        if type(outcome) is _host.ErrorValue:
+            raise failure(description, outcome, names, args)
+        if finish is not None:
+            finish(ready)
         return outcome
 
-    function.__name__ = function.__qualname__ = name
+    function.__name__ = function.__qualname__ = description.name
     function.__module__ = "undula"
-    function._row, function._description = row, description
-    if description:
-        function.__doc__ = description.docstring()
-        function.__signature__ = description.signature()
-    else:
-        function.__doc__ = f"Takes {'a varying number of' if count is None else count} arguments."
+    function.__doc__ = description.doc
+    function.__signature__ = signature(description)
+    function._description, function._bind, function._prepare = description, bind, prepare
     return function
 
 
-def _count_message(name, count, given):
-    arguments = "argument" if count == 1 else "arguments"
-    were = "was" if given == 1 else "were"
-    return f"{name}() takes {count} positional {arguments} but {given} {were} given"
+def _call_with_wrong_count(row, description, args):
+    """Only a function that takes various numbers of arguments has words of its own for it."""
+    if row.arity is None:
+        raise failure(description, row.call(args, ()), (), args)
+    raise TypeError(f"{row.name}() {count_text(description, len(args))}")

@@ -2,9 +2,16 @@
 
 import numpy as np
 
+import undula
+from undula._wavelets import function_of
+
 
 def filter_of(wavelet):
     """The filter of a wavelet: a column for an orthonormal one, two columns for a pair."""
+    if isinstance(wavelet, str):
+        undula.dwt([0], 0, wavelet)  # refuses what is no name
+        function, numbers = function_of(wavelet)
+        return getattr(undula, function)(*numbers)
     return np.asarray(wavelet, float)
 
 

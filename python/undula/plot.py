@@ -374,8 +374,8 @@ def function(
 
     Parameters
     ----------
-    wavelet : array
-        The filter.
+    wavelet : array or string
+        The filter, or the name of the wavelet.
     index : int
         Number of the packet, counted by frequency.
     ax : Axes, optional
@@ -411,8 +411,8 @@ def sheet(wavelet: ArrayLike, axes: NDArray | None = None) -> NDArray:
 
     Parameters
     ----------
-    wavelet : array
-        The filter.
+    wavelet : array or string
+        The filter, or the name of the wavelet.
     axes : array of four Axes, optional
         Where to draw; without it in a new figure, which is `axes[0, 0].figure`.
 

@@ -96,7 +96,7 @@ def test_anything_else_is_a_type_error_that_names_the_argument(given, reason):
     with pytest.raises(TypeError, match=reason) as caught:
         through(given)
     assert str(caught.value).startswith("dwt: argument 1 (data) ")
-    with pytest.raises(TypeError, match=r"^dwt: argument 3 \(filter\) "):
+    with pytest.raises(TypeError, match=r"^dwt: argument 3 \(wavelet\) "):
         undula.dwt([1, 2], 1, given)
 
 

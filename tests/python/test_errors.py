@@ -37,16 +37,15 @@ def test_failures_that_python_has_a_class_for_are_of_that_class(kind, message, f
 
 
 def test_a_wrong_number_of_arguments():
-    with pytest.raises(TypeError, match=r"^daublet\(\) takes 1 positional argument but 2 were given$"):
-        undula.daublet(2, 3)
-    with pytest.raises(TypeError, match=r"^get_smooth\(\) takes 2 positional arguments but 1 was given$"):
-        undula.get_smooth([1, 2])
-    with pytest.raises(TypeError, match="keyword argument 'length'"):
-        undula.daublet(length=2)
+    """Where forms differ in length the pack says so itself, and Python only what they are."""
+    for function, count in ((undula.daublet, 2), (undula.get_smooth, 1)):
+        with pytest.raises(TypeError, match=r"takes [12] arguments?, got [12]: \w+\("):
+            function(*[1] * count)
     for count in (0, 2, 6, 40):
         with pytest.raises(undula.Error, match="^dwt: Wrong number of Arguments$") as caught:
             undula.dwt(*[1] * count)
-        assert caught.value.argument == 0
+        assert isinstance(caught.value, TypeError) and caught.value.argument == 0
+        assert caught.value.__notes__[0].startswith(f"dwt takes 3 to 5 arguments, got {count}: dwt(")
 
 
 def test_a_function_where_none_is_expected():

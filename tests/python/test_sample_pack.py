@@ -9,9 +9,9 @@ from pathlib import Path
 import numpy as np
 import pytest
 import undula
-from undula import _functions
 
-PACK = Path(os.environ.get("UNDULA_SAMPLE_PACK", _functions.LIBRARY.with_name("libsample_pack.so")))
+BUILT = Path(undula.__file__).parents[2] / "lib" / "libsample_pack.so"
+PACK = Path(os.environ.get("UNDULA_SAMPLE_PACK", BUILT))
 if "UNDULA_SAMPLE_PACK" not in os.environ and not PACK.exists():
     pytest.skip("the sample pack is built with the C++ tests", allow_module_level=True)
 
