@@ -1,5 +1,7 @@
 """A function of the pack for each number of an array."""
 
+import sys
+
 import numpy as np
 
 from undula import _host
@@ -47,7 +49,8 @@ def evaluate(function, /, *arguments):
     array([ 1., -1.])
     """
     description = getattr(function, "_description", None)
-    if description is None:
+    # A wrapper may have copied the attributes of the function that it wraps.
+    if description is None or getattr(sys.modules["undula"], description.name) is not function:
         raise TypeError("evaluate: argument 1 is not a function of the pack")
     if description.result.kind != "scalar":
         raise TypeError(f"{function.__name__}: its result is not a real number")
