@@ -331,8 +331,7 @@ namespace {
 
 // Reuses the column in `slot` when nothing else holds it and the length is right.
 const aMatrix& columnIn(Value& slot, int rows) {
-    if (!slot.isMatrix() || !Values::isSole(slot) || slot.rows() != rows)
-        slot = Values::makeMatrix(rows, 1, true);
+    if (!slot.isMatrix() || !Values::isSole(slot) || slot.rows() != rows) slot = Value::blank(rows, 1, true);
     return slot.matrix();
 }
 

@@ -9,11 +9,13 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <variant>
 #include <vector>
 
+#include "arrays.h"
 #include "conversion.h"
 #include "efihost/host.h"
-#include "interpreter_lock.h"
+#include "stack.h"
 
 namespace undula {
 namespace {
@@ -28,9 +30,12 @@ struct ErrorValue {
     std::optional<std::size_t> element = std::nullopt;  // which of many calls has failed
 };
 
+// The result of a call, or why there is none.
+using Outcome = std::variant<Value, ErrorValue>;
+
 // Returns false, or raises what the handler of a pending signal raises, such as KeyboardInterrupt.
 // Packs poll often and taking the interpreter lock is slow, so most polls only look at the clock.
-bool checkSignals() {
+bool checkInterrupt() {
     using Clock = std::chrono::steady_clock;
     constexpr auto period = std::chrono::milliseconds(20);
     static Clock::time_point next;  // guarded by the lock that every call holds
@@ -40,20 +45,16 @@ bool checkSignals() {
     }
     next = now + period;
     const LockHeld lock;
-    if (PyErr_CheckSignals() != 0) {
-        throw py::error_already_set();
-    }
+    checkSignals();
     return false;
 }
 
 // Never destroyed: at the end of the process a thread may still be in a call.
-Host& host() {
-    static Host& instance = *[] {
-        auto* made = new Host;
-        made->setInterrupt(checkSignals);
-        return made;
-    }();
-    return instance;
+Host* theHost = nullptr;
+
+void makeHost() {
+    theHost = new Host;
+    theHost->setInterrupt(checkInterrupt);
 }
 
 // A thread waits for its turn without the interpreter lock, which the thread that has the turn may
@@ -71,42 +72,49 @@ std::unique_lock<std::recursive_mutex> takeTurn() {
     return turn;
 }
 
-Value callInTurn(const Function& function, const std::vector<Value>& arguments) {
-    const LockReleased unlocked;
-    const auto turn = takeTurn();
-    return host().callRaw(function, arguments);
+Outcome outcomeOf(const Function& function, const std::vector<Value>& arguments) {
+    try {
+        Value result = theHost->callRaw(function, arguments);
+        if (result.isError()) {
+            return ErrorValue{result.message(), result.argument()};
+        }
+        return result;
+    } catch (const efihost::Error& error) {
+        return ErrorValue{error.message(), error.argument()};
+    }
 }
 
-std::string placeOf(const Function& function, std::size_t index, const py::tuple& names) {
-    std::string place = std::string(function.name) + ": argument " + std::to_string(index + 1);
-    if (index < names.size()) {
-        place += " (" + py::str(names[index]).cast<std::string>() + ")";
-    }
-    return place;
+Outcome callInTurn(const Function& function, const std::vector<Value>& arguments) {
+    const LockReleased unlocked;
+    const auto turn = takeTurn();
+    return outcomeOf(function, arguments);
+}
+
+std::string textAt(const py::tuple& texts, std::size_t index) {
+    return index < texts.size() ? py::cast<std::string>(texts[index]) : "";
 }
 
 std::vector<Value> valuesOf(const Function& function, const py::tuple& arguments, const py::tuple& names,
-                            Lent& lent) {
+                            const py::tuple& kinds, Lent& lent) {
+    requireStack();
     std::vector<Value> values;
     values.reserve(arguments.size());
     for (std::size_t i = 0; i < arguments.size(); ++i) {
-        values.push_back(toHost(arguments[i], placeOf(function, i, names), &lent));
+        const Place place = {function.name, i, textAt(names, i), textAt(kinds, i) == "function"};
+        values.push_back(toHost(arguments[i], place, &lent));
     }
     return values;
 }
 
-py::object call(const Function& function, const py::tuple& arguments, const py::tuple& names) {
+py::object call(const Function& function, const py::tuple& arguments, const py::tuple& names,
+                const py::tuple& kinds) {
     Lent lent;
-    const std::vector<Value> values = valuesOf(function, arguments, names, lent);
-    try {
-        const Value result = callInTurn(function, values);
-        if (result.isError()) {
-            return py::cast(ErrorValue{result.message(), result.argument()});
-        }
-        return toPython(result, &lent);
-    } catch (const efihost::Error& error) {
-        return py::cast(ErrorValue{error.message(), error.argument()});
+    const std::vector<Value> values = valuesOf(function, arguments, names, kinds, lent);
+    const Outcome outcome = callInTurn(function, values);
+    if (const auto* error = std::get_if<ErrorValue>(&outcome)) {
+        return py::cast(*error);
     }
+    return py::reinterpret_steal<py::object>(toPython(std::get<Value>(outcome), &lent).release());
 }
 
 using Numbers = py::array_t<std::complex<double>, py::array::c_style>;
@@ -117,28 +125,24 @@ struct Varying {
     const std::complex<double>* numbers;
 };
 
-// The first error value, and how many calls came before it.
-struct Refusal {
-    Value error;
-    std::size_t element;
-};
-
 // All calls are one turn, so no other thread selects another wavelet meanwhile. Functions that do not
-// poll can be interrupted between calls.
-std::optional<Refusal> callManyInTurn(const Function& function, std::vector<Value>& arguments,
-                                      const std::vector<Varying>& varying, std::size_t count, double* out) {
+// poll can be interrupted between calls. Returns the first error.
+std::optional<ErrorValue> callManyInTurn(const Function& function, std::vector<Value>& arguments,
+                                         const std::vector<Varying>& varying, std::size_t count,
+                                         double* out) {
     const LockReleased unlocked;
     const auto turn = takeTurn();
     for (std::size_t i = 0; i < count; ++i) {
-        checkSignals();
+        checkInterrupt();
         for (const Varying& argument : varying) {
             arguments[argument.place] = argument.numbers[i];
         }
-        Value result = host().callRaw(function, arguments);
-        if (result.isError()) {
-            return Refusal{std::move(result), i};
+        Outcome outcome = outcomeOf(function, arguments);
+        if (auto* error = std::get_if<ErrorValue>(&outcome)) {
+            error->element = i;
+            return std::move(*error);
         }
-        out[i] = result.real();
+        out[i] = std::get<Value>(outcome).real();
     }
     return std::nullopt;
 }
@@ -147,24 +151,19 @@ std::optional<Refusal> callManyInTurn(const Function& function, std::vector<Valu
 py::object callMany(const Function& function, const py::tuple& arguments, const py::tuple& names,
                     const std::vector<std::size_t>& places, const std::vector<Numbers>& arrays) {
     Lent lent;
-    std::vector<Value> values = valuesOf(function, arguments, names, lent);
+    std::vector<Value> values = valuesOf(function, arguments, names, py::tuple(), lent);
     std::vector<Varying> varying;
     for (std::size_t i = 0; i < places.size(); ++i) {
         varying.push_back({places.at(i), arrays.at(i).data()});
     }
     const py::ssize_t count = arrays.at(0).size();
     py::array_t<double> results(count);
-    const auto refusal =
+    const auto error =
         callManyInTurn(function, values, varying, static_cast<std::size_t>(count), results.mutable_data());
-    if (!refusal) {
-        return results;
-    }
-    return py::cast(ErrorValue{refusal->error.message(), refusal->error.argument(), refusal->element});
+    return error ? py::cast(*error) : results;
 }
 
-}  // namespace
-
-PYBIND11_MODULE(_host, module) {
+void define(py::module_& module) {
     module.attr("__version__") = UNDULA_VERSION;
     module.def("live_values", &efihost::liveValues, "How many values of the host exist.");
 
@@ -176,8 +175,9 @@ PYBIND11_MODULE(_host, module) {
     py::class_<Function>(module, "Function", "A row of a pack's table.")
         .def_property_readonly("name", [](const Function& function) { return std::string(function.name); })
         .def_readonly("arity", &Function::arity, "The number of arguments; None where it varies.")
-        .def("call", &call, py::arg("arguments"), py::arg("names"),
-             "Calls the function; `names` are the arguments' names for messages, where there are any.")
+        .def("call", &call, py::arg("arguments"), py::arg("names"), py::arg("kinds") = py::tuple(),
+             "Calls the function. `names` are the arguments' names for messages, where there are any; where "
+             "the kind of an argument is \"function\", whatever can be called is one.")
         .def("call_many", &callMany, py::arg("arguments"), py::arg("names"), py::arg("places"),
              py::arg("arrays"),
              "Calls a function whose result is a real number for each element of equally long arrays, "
@@ -186,6 +186,19 @@ PYBIND11_MODULE(_host, module) {
     module.def(
         "load", [](const std::string& path) { return efihost::Pack(path).functions(); }, py::arg("path"),
         "Loads a pack; returns its functions in the order of its table.");
+}
+
+// Called once, while the module is imported.
+void prepare() {
+    prepareArrays();
+    makeHost();
+}
+
+}  // namespace
+
+PYBIND11_MODULE(_host, module) {
+    prepare();
+    define(module);
 }
 
 }  // namespace undula

@@ -1,7 +1,6 @@
 // A Python callable as a user function. What it raises passes through the host as a C++ exception,
 // which the host keeps from unwinding the pack.
 #include "conversion.h"
-#include "interpreter_lock.h"
 
 namespace undula {
 
@@ -12,18 +11,20 @@ std::shared_ptr<PyObject> keep(py::handle object) {
             }};
 }
 
-Value userFunction(py::handle callable, const std::string& place) {
-    const auto call = [callable = keep(callable), place](const std::vector<Value>& arguments) {
+Value userFunction(py::handle callable, const Place& place) {
+    Place ofResult = place;
+    ofResult.wantsFunction = false;
+    ofResult.isResult = true;
+    const auto function = [callable = keep(callable), ofResult](const std::vector<Value>& arguments) {
         const LockHeld lock;
-        py::tuple converted(arguments.size());
-        for (std::size_t i = 0; i < arguments.size(); ++i) {
-            converted[i] = toPython(arguments[i]);
+        const auto count = static_cast<py::ssize_t>(arguments.size());
+        const Reference converted = newReference([=] { return PyTuple_New(count); });
+        for (py::ssize_t i = 0; i < count; ++i) {
+            PyTuple_SET_ITEM(converted.get(), i, toPython(arguments[static_cast<std::size_t>(i)]).release());
         }
-        const py::object result =
-            newReference([&] { return PyObject_CallObject(callable.get(), converted.ptr()); });
-        return toHost(result, place + ", its result");
+        return toHost(call(callable.get(), converted), ofResult);
     };
-    return Value::function(efihost::Callback(call));
+    return Value::function(efihost::Callback(function));
 }
 
 }  // namespace undula

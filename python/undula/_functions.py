@@ -20,12 +20,16 @@ def load_functions():
 def _function(row, description):
     name, count = row.name, row.arity
     names_of = description.argument_names if description else lambda _: ()
+    kinds = {argument.name: argument.kind for argument in description.arguments} if description else {}
+
+    def kinds_of(names):
+        return tuple(kinds[each] for each in names)
 
     def function(*args):
         if count is not None and len(args) != count:
             raise TypeError(_count_message(name, count, len(args)))
         names = names_of(len(args))
-        outcome = row.call(args, names)
+        outcome = row.call(args, names, kinds_of(names))
         if isinstance(outcome, _host.ErrorValue):
             raise error_for(name, outcome.message, outcome.argument, names)
         return outcome
