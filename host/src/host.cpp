@@ -220,10 +220,8 @@ Host::Host() : state_(std::make_unique<State>(*this)) {}
 
 Host::~Host() = default;
 
-// Never destroyed: a call may wait for it while the process ends.
-std::unique_lock<std::recursive_mutex> Host::lock() {
-    static std::recursive_mutex& theLock = *new std::recursive_mutex;
-    return std::unique_lock(theLock);
+std::unique_lock<CallLock> Host::lock() {
+    return std::unique_lock(CallLock::instance());
 }
 
 Value Host::call(const Function& function, std::span<const Value> arguments) {

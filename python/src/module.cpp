@@ -3,9 +3,12 @@
 #include <pybind11/pybind11.h>
 #include <pybind11/stl.h>
 
+#if !defined(_WIN32)
+#include <pthread.h>
+#endif
+
 #include <chrono>
 #include <complex>
-#include <mutex>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -20,6 +23,7 @@
 namespace undula {
 namespace {
 
+using efihost::CallLock;
 using efihost::Function;
 using efihost::Host;
 
@@ -57,17 +61,27 @@ void makeHost() {
     theHost->setInterrupt(checkInterrupt);
 }
 
-// A thread waits for its turn without the interpreter lock, which the thread that has the turn may
-// need for a user function. While the interpreter ends nothing waits, as that thread may sleep for
-// ever.
-std::unique_lock<std::recursive_mutex> takeTurn() {
-    static std::recursive_mutex& turns = *Host::lock().mutex();
-    if (!interpreterEnds()) {
-        return std::unique_lock(turns);
+// After a fork during a call of another thread, the host is as that call has left it.
+[[maybe_unused]] void renewHost() {
+    if (!CallLock::instance().isMine()) {
+        makeHost();
     }
-    std::unique_lock turn(turns, std::try_to_lock);
-    if (!turn) {
-        throw std::runtime_error("undula: another thread is in a call while the interpreter ends");
+}
+
+// A thread waits for its turn without the interpreter lock, which the thread that has the turn may need
+// for a user function, and has the handlers of signals called meanwhile. While the interpreter ends
+// nothing waits, as that thread may sleep for ever.
+std::unique_lock<CallLock> takeTurn() {
+    constexpr auto period = std::chrono::milliseconds(20);
+    std::unique_lock turn(CallLock::instance(), std::try_to_lock);
+    while (!turn) {
+        if (interpreterEnds()) {
+            throw std::runtime_error("undula: another thread is in a call while the interpreter ends");
+        }
+        if (!turn.try_lock_for(period)) {
+            const LockHeld lock;
+            checkSignals();
+        }
     }
     return turn;
 }
@@ -192,13 +206,33 @@ void define(py::module_& module) {
 void prepare() {
     prepareArrays();
     makeHost();
+#if !defined(_WIN32)
+    pthread_atfork(nullptr, nullptr, &renewHost);
+#endif
 }
 
 }  // namespace
-
-PYBIND11_MODULE(_host, module) {
-    prepare();
-    define(module);
-}
-
 }  // namespace undula
+
+namespace py = pybind11;
+
+// What PYBIND11_MODULE makes, but for sub-interpreters, where that waits for ever.
+extern "C" PYBIND11_EXPORT PyObject* PyInit__host() {
+    if (PyInterpreterState_Get() != PyInterpreterState_Main()) {
+        PyErr_SetString(PyExc_ImportError, "undula cannot be imported in a sub-interpreter");
+        return nullptr;
+    }
+    try {
+        py::detail::get_internals();
+        static py::module_::module_def definition;
+        py::module_ module = py::module_::create_extension_module("_host", nullptr, &definition);
+        undula::prepare();
+        undula::define(module);
+        return module.ptr();
+    } catch (py::error_already_set& error) {
+        error.restore();
+    } catch (const std::exception& error) {
+        PyErr_SetString(PyExc_ImportError, error.what());
+    }
+    return nullptr;
+}

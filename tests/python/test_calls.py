@@ -172,6 +172,67 @@ def run(source):
     return ended.stdout.decode().split()
 
 
+FORKING = """
+w = undula.coiflet(30)
+
+def work():
+    while True:
+        undula.dwt(np.ones(2**18), 10, w)
+        undula.evaluate(undula.father, np.linspace(-1, 2, 1000), "daub4")
+
+def child():
+    undula.lct(np.ones(1536), 2, lambda x: 1.0)
+    return np.array_equal(undula.idwt([1, 0], 1, undula.daublet(2)), undula.daublet(2))
+
+def fork(_=0):
+    process = os.fork()
+    if process == 0:
+        threading.Timer(20, os._exit, [2]).start()
+        try:
+            os._exit(0 if child() else 1)
+        finally:
+            os._exit(3)
+    print(os.waitstatus_to_exitcode(os.waitpid(process, 0)[1]))
+    return 0.0
+
+fork()
+threading.Thread(target=work, daemon=True).start()
+for _ in range(20):
+    time.sleep(0.005)
+    fork()
+undula.best_basis([np.ones(2)], fork)
+"""
+
+
+def test_a_forked_process_can_call_whatever_its_parent_is_doing():
+    """Another thread of the parent is in a call, or the forking thread itself in a user function."""
+    assert set(run(FORKING)) == {"0"}
+
+
+WAITING = """
+import signal
+began, waiting = threading.Event(), time.monotonic()
+
+def block(x):
+    began.set()
+    time.sleep(1)
+    return 0.0
+
+threading.Thread(target=undula.best_basis, args=([np.ones(2)], block)).start()
+began.wait()
+signal.signal(signal.SIGALRM, signal.default_int_handler)
+signal.setitimer(signal.ITIMER_REAL, 0.1)
+try:
+    undula.daublet(2)
+except KeyboardInterrupt:
+    print(time.monotonic() - waiting < 1)
+"""
+
+
+def test_an_interrupt_ends_the_wait_for_a_turn():
+    assert run(WAITING) == ["True"]
+
+
 NESTING = """
 def nested(x):
     return undula.evaltbl([np.ones(2)], nested)
@@ -198,3 +259,13 @@ for size in (0, 64, 256, 1024):
 
 def test_nesting_ends_in_an_error_whatever_the_stack():
     assert set(run(NESTING)) == {"RecursionError"}
+
+
+def test_it_refuses_to_be_imported_in_a_sub_interpreter():
+    source = """
+import _xxsubinterpreters as interpreters
+interpreters.run_string(interpreters.create(), 'try: import undula._host\\nexcept ImportError: print("refused", flush=True)')
+"""
+    command = [sys.executable, "-c", source]
+    ended = subprocess.run(command, capture_output=True, timeout=60, check=True)
+    assert ended.stdout == b"refused\n"
