@@ -220,10 +220,8 @@ Host::Host() : state_(std::make_unique<State>(*this)) {}
 
 Host::~Host() = default;
 
-// Never destroyed: a call may wait for it while the process ends.
-std::unique_lock<std::recursive_mutex> Host::lock() {
-    static std::recursive_mutex& theLock = *new std::recursive_mutex;
-    return std::unique_lock(theLock);
+std::unique_lock<CallLock> Host::lock() {
+    return std::unique_lock(CallLock::instance());
 }
 
 Value Host::call(const Function& function, std::span<const Value> arguments) {
@@ -331,8 +329,7 @@ namespace {
 
 // Reuses the column in `slot` when nothing else holds it and the length is right.
 const aMatrix& columnIn(Value& slot, int rows) {
-    if (!slot.isMatrix() || !Values::isSole(slot) || slot.rows() != rows)
-        slot = Values::makeMatrix(rows, 1, true);
+    if (!slot.isMatrix() || !Values::isSole(slot) || slot.rows() != rows) slot = Value::blank(rows, 1, true);
     return slot.matrix();
 }
 

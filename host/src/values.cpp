@@ -41,17 +41,16 @@ std::size_t liveValues() {
 
 namespace {
 
-constexpr std::int64_t maxDoubles = std::numeric_limits<std::uint32_t>::max() / sizeof(double);
-
 std::uint32_t bytesOf(int rows, int cols) {
     if (rows < 0 || cols < 0) throw std::invalid_argument("a matrix of negative size");
-    const std::int64_t doubles = std::int64_t{rows} * cols;
-    if (doubles > maxDoubles) throw std::length_error("a matrix of 4 GiB or more");
-    return static_cast<std::uint32_t>(doubles) * std::uint32_t{sizeof(double)};
+    if (!Value::isPossible(rows, cols)) throw std::length_error("a matrix of 4 GiB or more");
+    return static_cast<std::uint32_t>(std::int64_t{rows} * cols) * std::uint32_t{sizeof(double)};
 }
 
 int lengthOf(std::size_t count) {
-    if (count > static_cast<std::size_t>(maxDoubles)) throw std::length_error("a matrix of 4 GiB or more");
+    if (!Value::isPossible(static_cast<std::int64_t>(count), 1)) {
+        throw std::length_error("a matrix of 4 GiB or more");
+    }
     return static_cast<int>(count);
 }
 
@@ -106,14 +105,6 @@ bool Values::isSole(const Value& value) {
     return sole;
 }
 
-Value Values::makeMatrix(int rows, int cols, bool isComplex) {
-    Value value = make<OwnedMatrix>(rows, cols);
-    auto& matrix = get<OwnedMatrix>(value);
-    matrix.re = static_cast<double*>(::operator new(matrix.bytes));
-    if (isComplex) matrix.im = static_cast<double*>(::operator new(matrix.bytes));
-    return value;
-}
-
 void Values::putScalar(Value& slot, std::complex<double> number) {
     if (!slot.isScalar() || !isSole(slot)) slot = make<OwnedScalar>();
     auto& scalar = get<OwnedScalar>(slot);
@@ -127,12 +118,26 @@ Value::Value(std::complex<double> number) {
 
 Value::Value(std::string_view text) : Value(Values::make<OwnedString>(text)) {}
 
+bool Value::isPossible(std::int64_t rows, std::int64_t cols) {
+    constexpr std::int64_t longest = std::numeric_limits<std::int32_t>::max();
+    constexpr std::int64_t most = std::numeric_limits<std::uint32_t>::max() / sizeof(double);
+    return rows <= longest && cols <= longest && (rows <= 0 || cols <= most / rows);
+}
+
+Value Value::blank(int rows, int cols, bool isComplex) {
+    Value value = Values::make<OwnedMatrix>(rows, cols);
+    auto& matrix = Values::get<OwnedMatrix>(value);
+    matrix.re = static_cast<double*>(::operator new(matrix.bytes));
+    if (isComplex) matrix.im = static_cast<double*>(::operator new(matrix.bytes));
+    return value;
+}
+
 Value Value::column(std::span<const double> re, std::span<const double> im) {
     return matrix(lengthOf(re.size()), 1, re, im);
 }
 
 Value Value::matrix(int rows, int cols, std::span<const double> re, std::span<const double> im) {
-    Value value = Values::makeMatrix(rows, cols, !im.empty());
+    Value value = blank(rows, cols, !im.empty());
     auto& matrix = Values::get<OwnedMatrix>(value);
     if (!fits(re, matrix) || !(im.empty() || fits(im, matrix))) {
         throw std::invalid_argument("as many numbers as the matrix has cells are needed");

@@ -18,6 +18,10 @@ class Registry {
     std::shared_ptr<Anyval> find(const Anyval* value) const noexcept;
     std::size_t size() const noexcept;
 
+    // Around a fork, so that the list is whole in the child.
+    void lock() { mutex_.lock(); }
+    void unlock() { mutex_.unlock(); }
+
  private:
     // Held only for a look-up, never while waiting for or calling anything else.
     mutable std::mutex mutex_;
@@ -91,9 +95,6 @@ class Values {
     static Owned& get(const Value& value) {
         return static_cast<Owned&>(*value.value_);
     }
-
-    // A matrix with arrays of its own, not yet filled.
-    static Value makeMatrix(int rows, int cols, bool isComplex);
 
     // Sets `slot` to a scalar, reusing one that nothing else holds.
     static void putScalar(Value& slot, std::complex<double> number);

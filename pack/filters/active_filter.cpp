@@ -1,13 +1,16 @@
 #include "filters/active_filter.h"
 
+#include <atomic>
+
 namespace undula {
 
 constinit FilterBank ActiveFilter;
 
-FilterBank select(const Wavelet& wavelet) {
-    if (ActiveFilter.selected == &wavelet) return ActiveFilter;
-    ActiveFilter = {
-        .selected = &wavelet,
+namespace {
+
+// Everything but which wavelet it is.
+FilterBank bankOf(const Wavelet& wavelet) {
+    return {
         .ha = wavelet.analysisLow(),
         .hs = wavelet.synthesisLow(),
         .ga = wavelet.analysisHigh(),
@@ -29,6 +32,19 @@ FilterBank select(const Wavelet& wavelet) {
         .flipA = wavelet.analysisHighFlipped(),
         .flipS = wavelet.synthesisHighFlipped(),
     };
+}
+
+}  // namespace
+
+// Another thread may fork the process meanwhile. While the bank is written no wavelet counts as selected,
+// so that the child process does not go on with half a bank.
+FilterBank select(const Wavelet& wavelet) {
+    if (ActiveFilter.selected == &wavelet) return ActiveFilter;
+    ActiveFilter.selected = nullptr;
+    std::atomic_signal_fence(std::memory_order_seq_cst);
+    ActiveFilter = bankOf(wavelet);
+    std::atomic_signal_fence(std::memory_order_seq_cst);
+    ActiveFilter.selected = &wavelet;
     return ActiveFilter;
 }
 

@@ -10,8 +10,19 @@
 #pragma once
 
 #include <cfenv>
+#include <cstdint>
 
 namespace undula {
+
+#if defined(__SSE2_MATH__)
+// Of the unit that the arithmetic does not use.
+struct X87State {
+    std::uint16_t control;
+    std::uint16_t status;
+
+    bool operator==(const X87State&) const = default;
+};
+#endif
 
 // Holds the caller's state and gives the pack its own: round to nearest, no faults pending. Puts
 // the caller's state back, flags included, on every path.
@@ -28,6 +39,9 @@ class FloatingPointFrame {
     // Of a call that this one is nested in.
     bool outerFrame;
     unsigned outerFaults;
+#elif defined(__SSE2_MATH__)
+    unsigned vectorState;
+    X87State x87;
 #else
     std::fenv_t environment;
 #endif

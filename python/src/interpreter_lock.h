@@ -27,16 +27,6 @@ auto askingForLock(Work work) {
     }
 }
 
-// The same for work that returns a new reference, or null with a Python error set.
-template <class Work>
-py::object newReference(Work work) {
-    PyObject* const made = askingForLock(work);
-    if (made == nullptr) {
-        throw py::error_already_set();
-    }
-    return py::reinterpret_steal<py::object>(made);
-}
-
 // Releases the lock, which the thread holds, while it lives.
 class LockReleased {
  public:

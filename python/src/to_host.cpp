@@ -1,119 +1,79 @@
-#include <pybind11/complex.h>
-#include <pybind11/numpy.h>
-
-#include <complex>
+#include <algorithm>
 #include <cstdint>
+#include <iterator>
 #include <limits>
-#include <new>
 #include <optional>
-#include <string_view>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
+#include "arrays.h"
 #include "conversion.h"
 #include "costs.h"
-#include "interpreter_lock.h"
+#include "stack.h"
 
 namespace undula {
 namespace {
 
 constexpr py::ssize_t wordSize = sizeof(double);
 
-struct Release {
-    void operator()(double* block) const { ::operator delete(block); }
-};
-// Numbers in memory that a matrix of the host can adopt.
-using Block = std::unique_ptr<double, Release>;
-
-Block makeBlock(std::size_t count) {
-    return Block(static_cast<double*>(::operator new(count * sizeof(double))));
-}
-
-// Makes objects that contain each other end in a RecursionError, not in a stack overflow.
-class Descent {
- public:
-    Descent() {
-        if (Py_EnterRecursiveCall(" while reading an argument") != 0) {
-            throw py::error_already_set();
-        }
-    }
-    ~Descent() { Py_LeaveRecursiveCall(); }
-    Descent(const Descent&) = delete;
-    Descent& operator=(const Descent&) = delete;
-};
-
 std::string typeName(py::handle object) {
     return Py_TYPE(object.ptr())->tp_name;
 }
 
-// An array of no dimension counts as a number.
-bool isArray(py::handle object) {
-    return py::isinstance<py::array>(object) && py::reinterpret_borrow<py::array>(object).ndim() > 0;
-}
-
-// A sequence other than text and arrays.
+// A sequence, of numbers or of whatever else, but not text.
 bool isSequence(py::handle object) {
     PyObject* const raw = object.ptr();
     return PySequence_Check(raw) != 0 && !PyUnicode_Check(raw) && !PyBytes_Check(raw) &&
-           !PyByteArray_Check(raw) && !py::hasattr(object, "__array__");
+           !PyByteArray_Check(raw);
 }
 
-py::tuple itemsOf(py::handle sequence) {
-    return newReference([=] { return PySequence_Tuple(sequence.ptr()); });
-}
-
-bool isNumberKind(char kind) {
-    return std::string_view("biufc").find(kind) != std::string_view::npos;
-}
-
-// Whether a sequence contains an array at any depth: then it is a table, else rows or numbers.
-bool holdsArray(const py::tuple& items) {
-    const Descent descent;
-    for (const py::handle item : items) {
-        if (isArray(item) || (isSequence(item) && holdsArray(itemsOf(item)))) {
-            return true;
-        }
-    }
-    return false;
-}
+// A list or an array in an argument. It is read once, wherever else in the argument it stands.
+struct Container {
+    Reference object;  // kept alive, so that no other object has its address
+    Reference items;   // of a sequence, as a tuple
+    bool holdsArray = false;
+    Value value;  // empty until it is asked for
+};
 
 // Reads one argument.
 class Reader {
  public:
-    Reader(const std::string& place, Lent* lent) : place_(place), lent_(lent) {}
+    Reader(const Place& place, Lent* lent) : place_(place), lent_(lent) {}
 
-    Value value(py::handle object) const {
-        const Descent descent;
+    Value value(py::handle object) {
+        PyObject* const raw = object.ptr();
         if (const auto found = number(object)) {
             return *found;
         }
-        if (PyUnicode_Check(object.ptr())) {
-            return text(object);
+        if (PyUnicode_Check(raw)) {
+            return text(raw);
         }
-        if (isArray(object)) {
-            return array(py::reinterpret_borrow<py::array>(object));
+        if (isArrayLike(object)) {
+            return array(plain(object));
         }
         if (isSequence(object)) {
-            return sequence(itemsOf(object));
-        }
-        if (py::hasattr(object, "__array__")) {
-            const py::object asarray = py::module_::import("numpy").attr("asarray");
-            return array(newReference([&] { return PyObject_CallOneArg(asarray.ptr(), object.ptr()); }));
+            return nested(object);
         }
         if (const auto cost = costFunction(object)) {
             return *cost;
         }
-        if (PyCallable_Check(object.ptr()) != 0) {
-            return userFunction(object, place_);
+        if (py::isinstance<UserFunction>(object)) {
+            return wrappedFunction(object, place_);
         }
-        if (py::isinstance<NumberFunction>(object)) {
-            return numberFunction(object, place_);
+        if (PyCallable_Check(raw) != 0) {
+            return userFunction(object, place_);
         }
         refuse("cannot be of type " + typeName(object));
     }
 
  private:
-    [[noreturn]] void refuse(const std::string& reason) const { throw py::type_error(place_ + " " + reason); }
+    [[noreturn]] void refuse(const std::string& reason) const {
+        throw py::type_error(place_.text() + " " + reason);
+    }
+    [[noreturn]] void refuseValue(const std::string& reason) const {
+        throw py::value_error(place_.text() + " " + reason);
+    }
 
     // The value of a Python or NumPy number; none for other objects.
     std::optional<std::complex<double>> number(py::handle object) const {
@@ -124,102 +84,101 @@ class Reader {
         if (PyLong_Check(raw)) {
             return integer(raw);
         }
-        if (PyComplex_Check(raw) || isNumpyNumber(object)) {
-            const Py_complex parts = PyComplex_AsCComplex(raw);
-            if (PyErr_Occurred() != nullptr) {
-                throw py::error_already_set();
-            }
-            return std::complex<double>(parts.real, parts.imag);
+        if (PyComplex_Check(raw)) {
+            return std::complex(PyComplex_RealAsDouble(raw), PyComplex_ImagAsDouble(raw));
         }
-        if (py::isinstance<py::array>(object) && !isArray(object)) {
+        return isNumPyScalar(object) ? numberIn(plain(object)) : std::nullopt;
+    }
+
+    // The number in an array of no dimension; none where it holds something else.
+    std::optional<std::complex<double>> numberIn(const Reference& array) const {
+        if (kindOf(array) == 'O') {
             const Descent descent;
-            return number(object.attr("item")());
+            return number(Reference::to(objectsIn(array)[0]));
         }
-        return std::nullopt;
+        return isNumberKind(kindOf(array)) ? std::optional(numberOf(array)) : std::nullopt;
     }
 
     double integer(PyObject* raw) const {
         const double value = PyLong_AsDouble(raw);
         if (PyErr_Occurred() != nullptr) {
             PyErr_Clear();
-            throw py::value_error(place_ + " holds an int that is too large");
+            refuseValue("holds an int that is too large");
         }
         return value;
     }
 
-    static bool isNumpyNumber(py::handle object) {
-        static const py::handle generic = py::object(py::module_::import("numpy").attr("generic")).release();
-        return py::isinstance(object, generic) &&
-               isNumberKind(object.attr("dtype").attr("kind").cast<char>());
+    Value text(PyObject* raw) const {
+        if (PyUnicode_READY(raw) != 0) {
+            throwPending();
+        }
+        if (PyUnicode_KIND(raw) != PyUnicode_1BYTE_KIND) {
+            refuseValue("has characters beyond Latin-1");
+        }
+        const auto* bytes = reinterpret_cast<const char*>(PyUnicode_1BYTE_DATA(raw));
+        const std::string_view letters(bytes, static_cast<std::size_t>(PyUnicode_GET_LENGTH(raw)));
+        if (letters.find('\0') != std::string_view::npos) {
+            refuseValue("has a character of code 0");
+        }
+        return letters;
     }
 
-    Value text(py::handle object) const {
-        const auto bytes = py::reinterpret_steal<py::bytes>(PyUnicode_AsLatin1String(object.ptr()));
-        if (!bytes) {
-            PyErr_Clear();
-            throw py::value_error(place_ + " has characters beyond Latin-1");
+    // Its array of NumPy's own class, from which alone size and numbers are read.
+    Reference plain(py::handle object) const {
+        const Reference array = arrayOf(object);
+        if (isMasked(array)) {
+            refuse(
+                "cannot be a masked array, of which the masked numbers would count too: "
+                "use its method filled or compressed");
         }
-        const std::string letters = bytes;
-        if (letters.find('\0') != std::string::npos) {
-            throw py::value_error(place_ + " has a character of code 0");
-        }
-        return Value(letters);
+        return plainArray(array);
     }
 
-    Value array(const py::array& source) const {
-        const char kind = source.dtype().kind();
+    Value array(const Reference& plain) {
+        const py::array source = viewOf(plain);
+        const char kind = kindOf(plain);
+        if (source.ndim() == 0) {
+            if (const auto found = numberIn(plain)) {
+                return *found;
+            }
+        }
         if (kind != 'O' && !isNumberKind(kind)) {
-            refuse("cannot be an array of " + py::str(source.dtype()).cast<std::string>());
+            refuse("cannot be an array of " + textOf(source.dtype()));
         }
         if (source.ndim() < 1 || source.ndim() > 2) {
             refuse("cannot be an array of " + std::to_string(source.ndim()) + " dimensions");
         }
+        requireSize(source.shape(0), colsOf(source));
         if (kind == 'O') {
-            return objects(source);
-        }
-        if (kind == 'c') {
-            Block re = copy(source.attr("real"));
-            Block im = copy(source.attr("imag"));
-            return adopt(source.shape(0), colsOf(source), std::move(re), std::move(im));
+            const Reference objects = objectsOf(plain);
+            return cells(source.shape(0), colsOf(source), objectsIn(objects), true);
         }
         if (lent_ != nullptr && isBorrowable(source)) {
             return borrow(source);
         }
-        return adopt(source.shape(0), colsOf(source), copy(source));
+        return copy(plain);
+    }
+
+    static Value copy(const Reference& plain) {
+        const py::array source = viewOf(plain);
+        const bool isComplex = kindOf(plain) == 'c';
+        Value result =
+            Value::blank(static_cast<int>(source.shape(0)), static_cast<int>(colsOf(source)), isComplex);
+        if (isComplex) {
+            copyNumbers(attribute(plain, "real"), result.matrix().re);
+            copyNumbers(attribute(plain, "imag"), result.matrix().im);
+        } else {
+            copyNumbers(plain, result.matrix().re);
+        }
+        return result;
     }
 
     static py::ssize_t colsOf(const py::array& source) { return source.ndim() == 2 ? source.shape(1) : 1; }
 
-    // The sides of a matrix, when the host can have one of that size.
-    std::pair<int, int> sides(py::ssize_t rows, py::ssize_t cols) const {
-        constexpr py::ssize_t longest = std::numeric_limits<std::int32_t>::max();
-        constexpr py::ssize_t largest = std::numeric_limits<std::uint32_t>::max() / wordSize;
-        if (rows > longest || cols > longest || (rows > 0 && cols > largest / rows)) {
-            throw py::value_error(place_ + " is too large: 4 GiB or more, or a side of 2^31");
+    void requireSize(py::ssize_t rows, py::ssize_t cols) const {
+        if (!Value::isPossible(rows, cols)) {
+            refuseValue("is too large: 4 GiB or more, or a side of 2^31");
         }
-        return {static_cast<int>(rows), static_cast<int>(cols)};
-    }
-
-    Value adopt(py::ssize_t rows, py::ssize_t cols, Block re, Block im = nullptr) const {
-        const auto [height, width] = sides(rows, cols);
-        Value result = Value::adopt(height, width, re.get(), im.get());
-        static_cast<void>(re.release());
-        static_cast<void>(im.release());
-        return result;
-    }
-
-    // The numbers by columns, whatever the dtype and the order of the source.
-    Block copy(const py::array& source) const {
-        sides(source.shape(0), colsOf(source));
-        Block block = makeBlock(static_cast<std::size_t>(source.size()));
-        const std::vector<py::ssize_t> shape(source.shape(), source.shape() + source.ndim());
-        const std::vector<py::ssize_t> steps{wordSize, wordSize * source.shape(0)};
-        const py::capsule owner(block.get());  // keeps the array from making a copy of the block
-        py::array_t<double> target(shape, {steps.begin(), steps.begin() + source.ndim()}, block.get(), owner);
-        if (askingForLock([&] { return PyObject_SetItem(target.ptr(), Py_Ellipsis, source.ptr()); }) != 0) {
-            throw py::error_already_set();
-        }
-        return block;
     }
 
     // Whether the host can read the memory of an array as a matrix: doubles, with columns a whole
@@ -241,7 +200,8 @@ class Reader {
     }
 
     Value borrow(const py::array& source) const {
-        const auto [rows, cols] = sides(source.shape(0), colsOf(source));
+        const auto rows = static_cast<int>(source.shape(0));
+        const auto cols = static_cast<int>(colsOf(source));
         const auto stride = static_cast<int>(strideOf(source) / wordSize);
         const auto* numbers = static_cast<const double*>(source.data());
         Value result = Value::borrow(rows, cols, stride, numbers, nullptr, keep(source));
@@ -249,94 +209,134 @@ class Reader {
         return result;
     }
 
-    // An object array: its cells are numbers or arrays.
-    Value objects(const py::array& source) const {
-        const py::list byColumns = source.attr("ravel")("F").attr("tolist")();
-        return cells(source.shape(0), colsOf(source), py::tuple(byColumns));
+    Container& container(py::handle object) {
+        const auto [place, isNew] = containers_.try_emplace(object.ptr());
+        Container& found = place->second;
+        if (isNew) {
+            const Descent descent;
+            found.object = Reference::to(object);
+            if (!isArrayLike(object)) {
+                found.items = tupleOf(object);
+                found.holdsArray = holdsArray(itemsOf(found.items));
+            }
+        }
+        return found;
     }
 
-    Value sequence(const py::tuple& items) const {
-        if (holdsArray(items)) {
-            return cells(py::ssize_t(items.size()), 1, items);
+    // Whether there is an array at any depth: then a sequence is a table, else rows or numbers.
+    bool holdsArray(Objects items) {
+        return std::ranges::any_of(items, [this](PyObject* item) {
+            if (PyFloat_Check(item) || PyLong_Check(item) || isNumPyScalar(item)) {
+                return false;
+            }
+            return isArrayLike(item) || (isSequence(item) && container(item).holdsArray);
+        });
+    }
+
+    // The value of a list or an array in an argument.
+    Value nested(py::handle object) {
+        const Descent descent;
+        Container& found = container(object);
+        if (!found.value) {
+            found.value = found.items ? sequence(found) : array(plain(object));
         }
-        if (!items.empty() && isSequence(items[0])) {
+        return found.value;
+    }
+
+    Value sequence(const Container& list) {
+        const Objects items = itemsOf(list.items);
+        if (!list.holdsArray && !items.empty() && isSequence(items[0])) {
             return rowsOf(items);
         }
-        return numbers(py::ssize_t(items.size()), 1, items);
+        return cells(std::ssize(items), 1, items, list.holdsArray);
     }
 
-    // A sequence of equally long sequences of numbers.
-    Value rowsOf(const py::tuple& items) const {
-        std::vector<py::tuple> rows;
-        for (const py::handle item : items) {
-            if (!isSequence(item)) {
-                refuse("holds a " + typeName(item) + " among its rows");
+    // Equally long sequences of numbers.
+    Value rowsOf(Objects rows) {
+        std::vector<Objects> numbers;
+        for (PyObject* const row : rows) {
+            if (!isSequence(row)) {
+                refuse("holds a " + typeName(row) + " among its rows");
             }
-            rows.push_back(itemsOf(item));
-            if (rows.back().size() != rows.front().size()) {
+            numbers.push_back(itemsOf(container(row).items));
+            if (numbers.back().size() != numbers.front().size()) {
                 refuse("has rows of different lengths (a table is a list of arrays)");
             }
         }
-        const std::size_t cols = rows.front().size();
-        py::tuple byColumns(rows.size() * cols);
-        for (std::size_t col = 0; col < cols; ++col) {
-            for (std::size_t row = 0; row < rows.size(); ++row) {
-                byColumns[col * rows.size() + row] = rows[row][col];
-            }
+        std::vector<PyObject*> byColumns;
+        for (std::size_t col = 0; col < numbers.front().size(); ++col) {
+            std::ranges::transform(numbers, std::back_inserter(byColumns),
+                                   [col](Objects row) { return row[col]; });
         }
-        return numbers(py::ssize_t(rows.size()), py::ssize_t(cols), byColumns);
+        return cells(std::ssize(rows), std::ssize(numbers.front()), byColumns, false);
     }
 
-    // A matrix whose cells, listed by columns, are all numbers.
-    Value numbers(py::ssize_t rows, py::ssize_t cols, const py::tuple& items) const {
-        for (const py::handle item : items) {
-            if (!number(item)) {
-                refuse("holds a " + typeName(item) + " in place of a number");
-            }
-        }
-        return cells(rows, cols, items);
-    }
-
-    // A matrix whose cells, listed by columns, are numbers or arrays.
-    Value cells(py::ssize_t rows, py::ssize_t cols, const py::tuple& items) const {
-        const auto [height, width] = sides(rows, cols);
-        Block re = makeBlock(items.size());
-        Block im = makeBlock(items.size());
-        std::vector<std::size_t> nested;
-        bool isReal = true;
+    // A matrix of cells, listed by columns: of numbers, and where cells may be nested of arrays.
+    Value cells(py::ssize_t rows, py::ssize_t cols, Objects items, bool mayNest) {
+        requireSize(rows, cols);
+        std::vector<double> re(items.size());
+        std::vector<double> im;
+        std::vector<std::pair<std::size_t, Value>> arrays;
         for (std::size_t place = 0; place < items.size(); ++place) {
-            const auto found = number(items[place]);
-            const auto plain = found.value_or(0.0);
-            re.get()[place] = plain.real();
-            im.get()[place] = plain.imag();
-            isReal = isReal && plain.imag() == 0.0;
-            if (!found) {
-                nested.push_back(place);
+            const auto [number, value] = cell(items[place], mayNest);
+            re[place] = number.real();
+            if (number.imag() != 0.0) {
+                im.resize(items.size());
+                im[place] = number.imag();
+            }
+            if (value) {
+                arrays.emplace_back(place, value);
             }
         }
-        Value result = adopt(rows, cols, std::move(re), isReal ? nullptr : std::move(im));
-        for (const std::size_t place : nested) {
-            const auto row = static_cast<int>(place % static_cast<std::size_t>(height));
-            const auto col = static_cast<int>(place / static_cast<std::size_t>(height));
-            result.nest(row, col, nestedValue(items[place]));
+        Value result = Value::matrix(static_cast<int>(rows), static_cast<int>(cols), re, im);
+        for (const auto& [place, value] : arrays) {
+            const auto at = static_cast<py::ssize_t>(place);
+            result.nest(static_cast<int>(at % rows), static_cast<int>(at / rows), value);
         }
         return result;
     }
 
-    Value nestedValue(py::handle object) const {
-        if (!isArray(object) && !isSequence(object)) {
-            refuse("holds a " + typeName(object) + " in place of a number or an array");
+    // The number of a cell, or its array.
+    std::pair<std::complex<double>, Value> cell(py::handle item, bool mayNest) {
+        if (const auto found = number(item)) {
+            return {*found, Value()};
         }
-        return value(object);
+        if (mayNest && (isArrayLike(item) || isSequence(item))) {
+            const Value value = nested(item);
+            return value.isScalar() ? std::pair(value.scalar(), Value())
+                                    : std::pair(std::complex(0.0), value);
+        }
+        refuse("holds a " + typeName(item) + " in place of a number" + (mayNest ? " or an array" : ""));
     }
 
-    const std::string& place_;
+    const Place& place_;
     Lent* const lent_;
+    std::unordered_map<PyObject*, Container> containers_;
 };
 
 }  // namespace
 
-Value toHost(py::handle object, const std::string& place, Lent* lent) {
+std::string Place::text() const {
+    std::string text = std::string(function) + ": argument " + std::to_string(index + 1);
+    if (!name.empty()) {
+        text += " (" + name + ")";
+    }
+    return isResult ? text + ", its result" : text;
+}
+
+Descent::Descent() {
+    requireStack();
+    checkSignals();
+    if (Py_EnterRecursiveCall(" while converting a value") != 0) {
+        throwPending();
+    }
+}
+
+Descent::~Descent() {
+    Py_LeaveRecursiveCall();
+}
+
+Value toHost(py::handle object, const Place& place, Lent* lent) {
     return Reader(place, lent).value(object);
 }
 

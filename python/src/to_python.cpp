@@ -1,21 +1,22 @@
-#include <pybind11/complex.h>
 #include <pybind11/numpy.h>
 
 #include <algorithm>
 #include <complex>
+#include <utility>
+#include <vector>
 
 #include "conversion.h"
 
 namespace undula {
 namespace {
 
-constexpr py::ssize_t wordSize = sizeof(double);
+using Complex = std::complex<double>;
 
-py::object number(std::complex<double> value) {
-    if (value.imag() == 0.0) {
-        return py::float_(value.real());
-    }
-    return py::cast(value);
+Reference number(Complex value) {
+    return newReference([=] {
+        return value.imag() == 0.0 ? PyFloat_FromDouble(value.real())
+                                   : PyComplex_FromDoubles(value.real(), value.imag());
+    });
 }
 
 bool hasImaginaryPart(const Value& matrix) {
@@ -35,98 +36,104 @@ std::vector<py::ssize_t> shapeOf(const Value& matrix) {
     return {matrix.rows(), matrix.cols()};
 }
 
-// Distances in bytes between the elements of a matrix with this stride, for each axis of shapeOf.
-std::vector<py::ssize_t> stepsOf(const Value& matrix, py::ssize_t elementSize, py::ssize_t stride) {
-    if (matrix.cols() == 1) {
-        return {elementSize};
-    }
-    return {elementSize, elementSize * stride};
+// A fresh array of the shape of a matrix, by columns.
+template <class Number>
+py::array_t<Number, py::array::f_style> newArray(const Value& matrix) {
+    return py::array_t<Number, py::array::f_style>(shapeOf(matrix));
+}
+
+Reference owned(py::object object) {
+    return Reference(object.release().ptr());
 }
 
 // Not copied by NumPy, which would release the interpreter lock meanwhile.
-py::array copyOf(const Value& matrix) {
-    py::array_t<double> result(shapeOf(matrix), stepsOf(matrix, wordSize, matrix.rows()));
+Reference copyOf(const Value& matrix) {
+    auto result = newArray<double>(matrix);
     double* out = result.mutable_data();
     for (int col = 0; col < matrix.cols(); ++col) {
-        out = std::ranges::copy(matrix.re(col), out).out;
+        const auto numbers = matrix.re(col);
+        out = numbers.empty() ? std::fill_n(out, matrix.rows(), 0.0) : std::ranges::copy(numbers, out).out;
     }
-    return result;
+    return owned(std::move(result));
 }
 
-py::array zeros(const Value& matrix) {
-    py::array_t<double> result(shapeOf(matrix), stepsOf(matrix, wordSize, matrix.rows()));
-    std::fill_n(result.mutable_data(), result.size(), 0.0);
-    return result;
-}
-
-py::array realNumbers(const Value& matrix, const Lent* lent) {
+// An array around the memory of a matrix.
+Reference viewOf(const Value& matrix) {
+    constexpr py::ssize_t wordSize = sizeof(double);
     const aMatrix& raw = matrix.matrix();
-    if (raw.re == nullptr) {
-        return zeros(matrix);
-    }
-    if (lent == nullptr || lent->contains(matrix.raw())) {
-        return copyOf(matrix);
-    }
     auto held = std::make_unique<Value>(matrix);
     const py::capsule owner(held.get(), [](void* value) { delete static_cast<Value*>(value); });
     static_cast<void>(held.release());
-    return py::array_t<double>(shapeOf(matrix), stepsOf(matrix, wordSize, raw.stride), raw.re, owner);
+    std::vector<py::ssize_t> steps = {wordSize, wordSize * raw.stride};
+    steps.resize(shapeOf(matrix).size());
+    return owned(py::array_t<double>(shapeOf(matrix), steps, raw.re, owner));
 }
 
-py::array complexNumbers(const Value& matrix) {
-    using Complex = std::complex<double>;
-    py::array_t<Complex> result(shapeOf(matrix), stepsOf(matrix, sizeof(Complex), matrix.rows()));
+Reference complexNumbers(const Value& matrix) {
+    auto result = newArray<Complex>(matrix);
     Complex* out = result.mutable_data();
     for (int col = 0; col < matrix.cols(); ++col) {
-        const auto re = matrix.re(col);
-        const auto im = matrix.im(col);
-        for (std::size_t row = 0; row < static_cast<std::size_t>(matrix.rows()); ++row) {
-            *out++ = Complex(re.empty() ? 0.0 : re[row], im.empty() ? 0.0 : im[row]);
+        for (int row = 0; row < matrix.rows(); ++row) {
+            *out++ = matrix.at(row, col);
         }
     }
-    return result;
+    return owned(std::move(result));
 }
 
-py::object cell(const Value& matrix, int row, int col, const Lent* lent) {
+Reference cell(const Value& matrix, int row, int col, const Lent* lent) {
     const Value nested = matrix.nested(row, col);
     return nested ? toPython(nested, lent) : number(matrix.at(row, col));
 }
 
-py::object cells(const Value& matrix, const Lent* lent) {
-    if (matrix.cols() == 1) {
-        py::list result(static_cast<std::size_t>(matrix.rows()));
-        for (int row = 0; row < matrix.rows(); ++row) {
-            result[static_cast<std::size_t>(row)] = cell(matrix, row, 0, lent);
-        }
-        return result;
-    }
-    py::array result(py::dtype("O"), shapeOf(matrix));
+Reference listOf(const Value& matrix, const Lent* lent) {
+    Reference result = newReference([&] { return PyList_New(matrix.rows()); });
     for (int row = 0; row < matrix.rows(); ++row) {
-        for (int col = 0; col < matrix.cols(); ++col) {
-            result[py::make_tuple(row, col)] = cell(matrix, row, col, lent);
-        }
+        PyList_SET_ITEM(result.get(), row, cell(matrix, row, 0, lent).release());
     }
     return result;
 }
 
+Reference objectArrayOf(const Value& matrix, const Lent* lent) {
+    py::array result(py::dtype("O"), shapeOf(matrix));
+    auto** place = static_cast<PyObject**>(result.mutable_data());
+    for (int row = 0; row < matrix.rows(); ++row) {
+        for (int col = 0; col < matrix.cols(); ++col) {
+            const Reference before(std::exchange(*place++, cell(matrix, row, col, lent).release()));
+        }
+    }
+    return owned(std::move(result));
+}
+
+Reference text(const std::string& letters) {
+    const auto size = static_cast<py::ssize_t>(letters.size());
+    return newReference([&] { return PyUnicode_DecodeLatin1(letters.data(), size, nullptr); });
+}
+
+Reference array(const Value& matrix, const Lent* lent) {
+    if (matrix.anyNested()) {
+        const Descent descent;
+        return matrix.cols() == 1 ? listOf(matrix, lent) : objectArrayOf(matrix, lent);
+    }
+    if (hasImaginaryPart(matrix)) {
+        return complexNumbers(matrix);
+    }
+    const bool mayBeShared = lent != nullptr && !lent->contains(matrix.raw());
+    return mayBeShared && matrix.matrix().re != nullptr ? viewOf(matrix) : copyOf(matrix);
+}
+
 }  // namespace
 
-py::object toPython(const Value& value, const Lent* lent) {
+Reference toPython(const Value& value, const Lent* lent) {
     if (value.isScalar()) {
         return number(value.scalar());
     }
     if (value.isString()) {
-        const std::string text = value.text();
-        const auto size = static_cast<py::ssize_t>(text.size());
-        return py::reinterpret_steal<py::object>(PyUnicode_DecodeLatin1(text.data(), size, nullptr));
+        return text(value.text());
     }
-    if (!value.isMatrix()) {
-        throw py::type_error("the pack has returned a value that Python has no object for");
+    if (value.isMatrix()) {
+        return array(value, lent);
     }
-    if (value.anyNested()) {
-        return cells(value, lent);
-    }
-    return hasImaginaryPart(value) ? complexNumbers(value) : realNumbers(value, lent);
+    throw py::type_error("the pack has returned a value that Python has no object for");
 }
 
 }  // namespace undula

@@ -1,11 +1,9 @@
 // A Python callable as a user function. What it raises passes through the host as a C++ exception,
 // which the host keeps from unwinding the pack.
 #include <cmath>
-#include <string>
 #include <vector>
 
 #include "conversion.h"
-#include "interpreter_lock.h"
 
 namespace undula {
 
@@ -18,47 +16,57 @@ std::shared_ptr<PyObject> keep(py::handle object) {
 
 namespace {
 
+Place resultOf(Place place) {
+    place.isResult = true;
+    return place;
+}
+
 // What a callable returns for values of the host. The interpreter lock is held.
-py::object resultOf(py::handle callable, const std::vector<Value>& arguments) {
-    py::tuple converted(arguments.size());
-    for (std::size_t i = 0; i < arguments.size(); ++i) {
-        converted[i] = toPython(arguments[i]);
+Reference resultFor(py::handle callable, const std::vector<Value>& arguments) {
+    const auto count = static_cast<py::ssize_t>(arguments.size());
+    const Reference converted = newReference([=] { return PyTuple_New(count); });
+    for (py::ssize_t i = 0; i < count; ++i) {
+        PyTuple_SET_ITEM(converted.get(), i, toPython(arguments[static_cast<std::size_t>(i)]).release());
     }
-    return newReference([&] { return PyObject_CallObject(callable.ptr(), converted.ptr()); });
+    return call(callable, converted);
 }
 
 // A result as a number; the usual one without ado.
-Value numberOf(const py::object& result, const std::string& place) {
-    if (PyFloat_CheckExact(result.ptr())) {
-        return PyFloat_AS_DOUBLE(result.ptr());
+Value numberOf(const Reference& result, const Place& function) {
+    if (PyFloat_CheckExact(result.get())) {
+        return PyFloat_AS_DOUBLE(result.get());
     }
-    Value value = toHost(result, place + ", its result");
+    Value value = toHost(result, resultOf(function));
     if (!value.isScalar()) {
-        throw py::type_error(place + " must return one number, not " + Py_TYPE(result.ptr())->tp_name);
+        throw py::type_error(function.text() + " must return one number, not " +
+                             Py_TYPE(result.get())->tp_name);
     }
     return value;
 }
 
 }  // namespace
 
-Value userFunction(py::handle callable, const std::string& place) {
-    const auto call = [callable = keep(callable), place](const std::vector<Value>& arguments) {
+Value userFunction(py::handle callable, const Place& place) {
+    const auto function = [callable = keep(callable),
+                           ofResult = resultOf(place)](const std::vector<Value>& arguments) {
         const LockHeld lock;
-        return toHost(resultOf(callable.get(), arguments), place + ", its result");
+        return toHost(resultFor(callable.get(), arguments), ofResult);
     };
-    return Value::function(efihost::Callback(call));
+    return Value::function(efihost::Callback(function));
 }
 
-Value numberFunction(py::handle object, const std::string& place) {
-    auto* const function = object.cast<NumberFunction*>();
-    const auto call = [kept = keep(object), function, place](const std::vector<Value>& arguments) {
+Value wrappedFunction(py::handle object, const Place& place) {
+    auto* const wrapper = object.cast<UserFunction*>();
+    if (!wrapper->wantsNumber) {
+        return userFunction(wrapper->callable, place);
+    }
+    const auto function = [kept = keep(object), wrapper, place](const std::vector<Value>& arguments) {
         const LockHeld lock;
-        const py::object result = resultOf(function->callable, arguments);
-        Value value = numberOf(result, place);
-        function->metNan = function->metNan || std::isnan(value.real());
+        Value value = numberOf(resultFor(wrapper->callable, arguments), place);
+        wrapper->metNan = wrapper->metNan || std::isnan(value.real());
         return value;
     };
-    return Value::function(efihost::Callback(call));
+    return Value::function(efihost::Callback(function));
 }
 
 }  // namespace undula

@@ -25,8 +25,8 @@ def preparation(description, rows, filters):
     if types.get("wavelet") == "string":
         return _with_name(description, rows), None
     names_of = {len(form): form for form in description.forms}
-    if "number function" in types.values():
-        return _with_number_function(description, row), _AFTERWARDS.get(description.name)
+    if any(argument.kind == "function" for argument in description.arguments):
+        return _with_function(description, row), _AFTERWARDS.get(description.name)
     return lambda args: (row, args, names_of[len(args)]), _AFTERWARDS.get(description.name)
 
 
@@ -112,21 +112,23 @@ def _as_packet(given, indices):
     return tuple(all), tuple(all.values())
 
 
-def _with_number_function(description, row):
+def _with_function(description, row):
+    """Whatever can be called is a function there, be it a number or a sequence as well."""
     (names,) = description.forms
-    place = next(i for i, name in enumerate(names) if description.argument(name).type == "number function")
+    place = next(i for i, name in enumerate(names) if description.kind_of(name) == "function")
+    wants_number = description.argument(names[place]).type == "number function"
 
     def prepare(args):
         function = args[place]
         if callable(function) and type(function).__module__ != _host.__name__:
-            args = (*args[:place], _host.NumberFunction(function), *args[place + 1 :])
+            args = (*args[:place], _host.UserFunction(function, wants_number), *args[place + 1 :])
         return row, args, names
 
     return prepare
 
 
 def _after_best_basis(args):
-    if isinstance(args[1], _host.NumberFunction) and args[1].met_nan:
+    if isinstance(args[1], _host.UserFunction) and args[1].met_nan:
         warn("best_basis: the cost of some coefficient is NaN, and a packet that holds one never wins")
 
 

@@ -49,7 +49,8 @@ def evaluate(function, /, *arguments, **named):
     array([ 1., -1.])
     """
     description = getattr(function, "_description", None)
-    if description is None:
+    # A wrapper may have copied the attributes of the function that it wraps.
+    if description is None or getattr(sys.modules["undula"], description.name) is not function:
         raise TypeError("evaluate: argument 1 is not a function of the pack")
     if description.result.kind != "scalar":
         raise TypeError(f"{function.__name__}: its result is not a real number")

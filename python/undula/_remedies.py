@@ -135,17 +135,28 @@ def _expected(refused):
 def _shown(value):
     if callable(value):
         return "a function"
-    if not _is_regular(value):
+    shape = _shape(value)
+    if shape is None:
         return "a list of different arrays"
-    return f"an array of shape {np.shape(value)}" if np.ndim(value) > 0 else repr(value)
+    return f"an array of shape {shape}" if shape else repr(value)
 
 
-def _is_regular(value):
-    try:
-        np.shape(value)
-    except ValueError:
-        return False
-    return True
+def _is_list(value):
+    return isinstance(value, (list, tuple))
+
+
+def _is_array(value):
+    return _is_list(value) or np.ndim(value) > 0
+
+
+def _shape(value):
+    """The shape of an array, or of rows of numbers; None for other lists, in which lists may go on without end."""
+    if not _is_list(value):
+        return np.shape(value)
+    if any(_is_list(row) and any(map(_is_array, row)) for row in value):
+        return None
+    rows = {(len(row),) if _is_list(row) else np.shape(row) for row in value}
+    return None if len(rows) > 1 else (len(value), *(rows.pop() if rows else ()))
 
 
 def _not_a_column(refused):
@@ -165,7 +176,7 @@ def _not_a_table(refused):
 def _complex(refused):
     if refused.name not in ("data", "subband"):
         return None
-    if isinstance(refused.value(), list) and any(map(np.ndim, refused.value())):
+    if isinstance(refused.value(), list) and any(map(_is_array, refused.value())):
         return "a table holds several arrays; one of them, or extract_basis(table, basis), is data"
     return f"transform {refused.name}.real and {refused.name}.imag one by one"
 
@@ -175,14 +186,14 @@ def _letters(refused):
 
 
 def _not_whole(refused):
-    return f"{refused.name} was {refused.value()}" if np.ndim(refused.value()) == 0 else None
+    return None if _is_array(refused.value()) else f"{refused.name} was {refused.value()}"
 
 
 # Levels
 
 
 def _sides(value):
-    return np.shape(value) if _is_regular(value) else ()
+    return _shape(value) or ()
 
 
 def _twos(number):
@@ -221,7 +232,7 @@ def _taps(wavelet):
 def _too_deep(refused):
     sides = _sides(refused.given.get("data"))
     level = refused.value()
-    if 0 in sides or np.ndim(level) > 0 or isinstance(level, str):
+    if 0 in sides or _is_array(level) or isinstance(level, str):
         return None
     if level < 0:
         return "levels count from 0, the data itself"
@@ -242,7 +253,7 @@ def _any_length(refused):
     other = {"dwt": "dwts", "dwti": "dwts", "wpt": "wpts", "wpti": "wpts"}.get(refused.function())
     sides = _sides(refused.given.get("data"))
     level = refused.value()
-    if other is None or not sides or 1 in sides or np.ndim(level) > 0 or np.real(level) < 0:
+    if other is None or not sides or 1 in sides or _is_array(level) or np.real(level) < 0:
         return None
     if level < min(side.bit_length() for side in sides):
         return f"{other} takes any length, with a symmetric wavelet such as 'Bspline24'"

@@ -61,12 +61,37 @@ def test_any_real_dtype_arrives_as_doubles(dtype):
         (np.empty((0, 3)), np.empty((0, 3))),
         (np.array([[1, 2], [3, 4]], dtype=object), [[1, 2], [3, 4]]),
         ([1 + 0j, 2], [1, 2]),
+        (memoryview(np.array([[1.0, 2.0], [3.0, 4.0]])), [[1, 2], [3, 4]]),
+        (memoryview(b"ab"), [97, 98]),
+        (np.array([[1, 2], [3, 4]]).view(np.matrix), [[1, 2], [3, 4]]),
+        (np.array([[1, 2], [3, 4]], object).view(np.matrix), [[1, 2], [3, 4]]),
     ],
 )
 def test_sequences_are_columns_and_matrices(given, expected):
     result = through(given)
     assert result.shape == np.shape(expected)
     assert np.array_equal(result, expected)
+
+
+class Liar(np.ndarray):
+    """Says of itself what is not true, also to who copies or lists it."""
+
+    shape = size = property(lambda self: (1,))
+    real = imag = property(lambda self: np.ones(1))
+
+    def ravel(self, *_):
+        return np.ones(1, object)
+
+    def item(self, *_):
+        return 7.0
+
+
+@pytest.mark.parametrize("dtype", [float, complex, object, np.float32])
+def test_sizes_and_numbers_are_those_of_the_array_itself(dtype):
+    given = np.arange(64).astype(dtype)
+    assert np.array_equal(through(given.view(Liar)), np.arange(64))
+    assert np.array_equal(through(given.reshape(8, 8).view(Liar)), np.arange(64).reshape(8, 8))
+    assert np.array_equal(undula.daublet(given[4:5].reshape(()).view(Liar)), undula.daublet(4))
 
 
 def test_numbers_that_are_not_finite_pass_through():
@@ -89,7 +114,10 @@ def test_numbers_that_are_not_finite_pass_through():
         (np.array(["a"]), "array of <U1"),
         (np.datetime64(1, "D"), "array of datetime64"),
         (np.array([None]), "holds a NoneType"),
+        (np.array(np.datetime64(4, "ns")), "array of datetime64"),
         (np.zeros(2, dtype=[("a", float)]), "array of"),
+        (np.ma.ones(2), "masked array"),
+        ([1, np.ma.masked], "masked array"),
     ],
 )
 def test_anything_else_is_a_type_error_that_names_the_argument(given, reason):
@@ -108,6 +136,7 @@ def test_anything_else_is_a_type_error_that_names_the_argument(given, reason):
         ("\u20ac", "beyond Latin-1"),
         (np.broadcast_to(1.0, (2**20, 2**20)), "4 GiB"),
         (np.empty((0, 2**31)), "2\\^31"),
+        (np.broadcast_to(np.array(1, object), (2**20, 2**16)), "4 GiB"),
     ],
 )
 def test_values_that_no_host_can_have(given, reason):
@@ -116,8 +145,17 @@ def test_values_that_no_host_can_have(given, reason):
     assert str(caught.value).startswith("dwt: argument 1 (data) ")
 
 
-def test_a_list_that_holds_itself_ends_in_an_error():
-    endless = []
+@pytest.mark.parametrize("leaf", [1, np.ones(2)])
+def test_a_list_that_is_in_many_places_is_read_once(leaf):
+    shared = [leaf]
+    for _ in range(60):
+        shared = [shared, shared]
+    with pytest.raises((TypeError, undula.Error), match="list in place of a number|must be real array"):
+        through(shared)
+
+
+def test_what_holds_itself_ends_in_an_error():
+    endless = [np.ones(2)]
     endless.append(endless)
     with pytest.raises(RecursionError):
         through(endless)
@@ -125,6 +163,32 @@ def test_a_list_that_holds_itself_ends_in_an_error():
     hidden[()] = hidden
     with pytest.raises(RecursionError):
         through(hidden)
+
+
+class Squares(list):
+    def __call__(self, x):
+        return x * x
+
+
+@pytest.mark.parametrize("square", [np.square, np.poly1d([1, 0, 0]), Squares([1, 2]), lambda x: np.float32(x * x)])
+def test_whatever_can_be_called_is_a_function_where_one_is_wanted(square):
+    assert undula.best_basis([np.ones(2)], square).tolist() == [[0, 0]]
+    with pytest.raises(undula.Error, match="must be function"):
+        undula.best_basis([np.ones(2)], np.ones(2))
+
+
+def test_a_type_is_a_function():
+    value = undula.evaltbl([np.array([1.0, 2.0])], np.float64)[0, 2]
+    assert value.tolist() == [1, 2]
+
+
+def test_what_the_reading_of_an_argument_raises_is_raised():
+    class Interrupting:
+        def __getattr__(self, name):
+            raise KeyboardInterrupt
+
+    with pytest.raises(KeyboardInterrupt):
+        through(Interrupting())
 
 
 @pytest.mark.parametrize("number", [4, 4.0, 4 + 0j, np.int16(4), np.float32(4), np.complex64(4), np.array(4)])

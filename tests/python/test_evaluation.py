@@ -1,6 +1,7 @@
 """Functions at points, one by one and over arrays."""
 
 import doctest
+import functools
 import threading
 import time
 
@@ -83,6 +84,7 @@ def test_an_error_tells_the_element(live_values):
     [
         (TypeError, "not a function of the pack", (len, [1])),
         (TypeError, "not a function of the pack", ("father", [1], "haar")),
+        (TypeError, "not a function of the pack", (functools.wraps(undula.father)(lambda: 0), [1], "haar")),
         (TypeError, r"father: argument 1 \(x\) does not hold numbers", (undula.father, ["a"], "haar")),
         (TypeError, r"father: argument 1 \(x\) does not hold numbers", (undula.father, [None], "haar")),
         (ValueError, r"different shapes: \(2,\), \(3,\)", (undula.father, [1, 2], [1, 2, 3], 0, "haar")),

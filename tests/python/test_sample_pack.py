@@ -124,6 +124,8 @@ def test_what_a_user_function_answers_is_named_when_it_is_refused():
     with pytest.raises(TypeError) as caught:
         evaluate(lambda _: {}, 1)
     assert str(caught.value) == "evaluate: argument 1 (function), its result cannot be of type dict"
+    with pytest.raises(TypeError, match="its result cannot be a masked array"):
+        evaluate(lambda _: np.ma.ones(2), 1)
 
 
 def test_a_user_function_may_call_the_library():

@@ -7,7 +7,7 @@
 //     Value y = host.call(pack, "dwt", Value::column(samples), 3, w);
 //
 // Packs have state, so no two calls in the process overlap: there is one lock, and every call takes
-// it. It is recursive, so a user function may call the library again.
+// it (call_lock.h). It is recursive, so a user function may call the library again.
 #pragma once
 
 #include <concepts>
@@ -21,6 +21,7 @@
 #include <vector>
 
 #include "efi/services.h"
+#include "efihost/call_lock.h"
 #include "efihost/error.h"
 #include "efihost/pack.h"
 #include "efihost/value.h"
@@ -58,7 +59,7 @@ class EFI_HOST Host {
 
     // Takes the lock that every call takes. A caller who holds another lock that user functions need,
     // such as an interpreter's, must release that one first.
-    static std::unique_lock<std::recursive_mutex> lock();
+    static std::unique_lock<CallLock> lock();
 
     // Asked whenever a pack polls for interruption; true ends the call with "interrupted". What it
     // throws comes out of the call. It may set another question, or none.
@@ -109,7 +110,7 @@ class EFI_HOST Call {
  private:
     friend class Host;
     struct Frame;
-    std::unique_lock<std::recursive_mutex> lock_;
+    std::unique_lock<CallLock> lock_;
     Host& host_;
     std::unique_ptr<Frame> frame_;
     Frame* outer_;

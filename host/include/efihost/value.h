@@ -46,6 +46,12 @@ class EFI_HOST Value {
     static Value column(std::span<const double> re, std::span<const double> im = {});
     static Value matrix(int rows, int cols, std::span<const double> re, std::span<const double> im = {});
 
+    // A real or complex matrix that holds no particular numbers, for the caller to write them.
+    static Value blank(int rows, int cols, bool isComplex);
+
+    // Whether there can be a matrix of this size.
+    static bool isPossible(std::int64_t rows, std::int64_t cols);
+
     // A matrix that takes over arrays of rows * cols doubles made with the global operator new. A null
     // array reads as zeros. When this throws, the arrays are still the caller's.
     static Value adopt(int rows, int cols, double* re, double* im = nullptr);
