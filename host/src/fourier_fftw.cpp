@@ -1,6 +1,7 @@
 // The plans of FFTW, which has a road for every length.
 #include <fftw3.h>
 
+#include <mutex>
 #include <new>
 #include <type_traits>
 
@@ -23,8 +24,8 @@ class InPlacePlan : public FourierPlan {
  public:
     InPlacePlan(std::size_t n, bool inverse) {
         // One planner serves the process: others in it may plan at the same time, or a host may end.
-        static const bool hasLock = (fftw_make_planner_thread_safe(), true);
-        static_cast<void>(hasLock);
+        static std::once_flag once;
+        std::call_once(once, fftw_make_planner_thread_safe);
         // Estimated, not measured: measuring a length takes up to seconds, and what it chooses, and
         // with it the last bits of results, differs from run to run.
         FourierNumbers numbers(n);
