@@ -70,7 +70,7 @@ windows-test: build windows
 	tools/test_windows
 
 release-check:
-	tools/install build test demo lint fuzz windows wine
+	tools/install build fftw test demo lint fuzz windows wine
 	tools/release_check $(FUZZ)
 
 clean:

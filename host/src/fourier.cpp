@@ -1,104 +1,13 @@
 #include "fourier.h"
 
-#include <algorithm>
-#include <cmath>
-#include <cstdint>
-#include <kissfft.hh>
-#include <numbers>
-
 namespace efihost {
 
 namespace {
-
-using Complex = std::complex<double>;
-
-// The butterflies take time proportional to a prime factor at each of the n points.
-constexpr std::size_t largestDirectFactor = 50;
 
 // Plans take 16 to 150 bytes a point. Those of more than `longestKept` points are not kept, and all
 // are dropped before they exceed `pointsKept` points together.
 constexpr std::size_t longestKept = std::size_t{1} << 17;
 constexpr std::size_t pointsKept = std::size_t{1} << 19;
-
-// What is left of n without the prime factors up to `largest`.
-std::size_t roughPart(std::size_t n, std::size_t largest) {
-    for (std::size_t factor = 2; factor <= largest; ++factor) {
-        while (n % factor == 0) n /= factor;
-    }
-    return n;
-}
-
-std::size_t smoothLengthFrom(std::size_t least) {
-    std::size_t n = least;
-    while (roughPart(n, 5) != 1) ++n;
-    return n;
-}
-
-class DirectPlan : public FourierPlan {
- public:
-    DirectPlan(std::size_t n, bool inverse) : fft_(n, inverse) {}
-
-    void transform(FourierRoom& room) const override {
-        room.spare.resize(room.numbers.size());
-        fft_.transform(room.numbers.data(), room.spare.data());
-        room.numbers.swap(room.spare);
-    }
-
- private:
-    kissfft<double> fft_;
-};
-
-void multiply(std::vector<Complex>& numbers, const std::vector<Complex>& factors) {
-    std::ranges::transform(numbers, factors, numbers.begin(), std::multiplies<>());
-}
-
-// With m k = (m^2 + k^2 - (m - k)^2) / 2 the transform becomes a convolution with the chirp
-// exp(-+pi i k^2 / n), which transforms of a smooth length carry out.
-class ChirpPlan : public FourierPlan {
- public:
-    ChirpPlan(std::size_t n, bool inverse)
-        : chirp_(n),
-          response_(smoothLengthFrom(2 * n - 1)),
-          forwards_(response_.size(), false),
-          backwards_(response_.size(), true) {
-        const double unit = (inverse ? 1.0 : -1.0) * std::numbers::pi / static_cast<double>(n);
-        for (std::size_t k = 0; k < n; ++k) {
-            // The square is reduced as an integer, so that no digit of the angle is lost.
-            const std::uint64_t square = std::uint64_t{k} * k % (2 * std::uint64_t{n});
-            chirp_[k] = std::polar(1.0, unit * static_cast<double>(square));
-        }
-        const double scale = 1.0 / static_cast<double>(response_.size());
-        response_[0] = std::conj(chirp_[0]) * scale;
-        for (std::size_t k = 1; k < n; ++k) {
-            response_[k] = response_[response_.size() - k] = std::conj(chirp_[k]) * scale;
-        }
-        FourierRoom room{std::move(response_), {}};
-        forwards_.transform(room);
-        response_ = std::move(room.numbers);
-    }
-
-    void transform(FourierRoom& room) const override {
-        std::vector<Complex>& numbers = room.numbers;
-        multiply(numbers, chirp_);
-        numbers.resize(response_.size());
-        forwards_.transform(room);
-        multiply(numbers, response_);
-        backwards_.transform(room);
-        numbers.resize(chirp_.size());
-        multiply(numbers, chirp_);
-    }
-
- private:
-    std::vector<Complex> chirp_;
-    std::vector<Complex> response_;  // spectrum of the conjugate chirp, over the padded length
-    DirectPlan forwards_;
-    DirectPlan backwards_;
-};
-
-std::unique_ptr<FourierPlan> makePlan(std::size_t n, bool inverse) {
-    if (roughPart(n, largestDirectFactor) == 1) return std::make_unique<DirectPlan>(n, inverse);
-    return std::make_unique<ChirpPlan>(n, inverse);
-}
 
 double at(const double* part, std::size_t k) {
     return part ? part[k] : 0.0;
@@ -121,7 +30,7 @@ void FourierTransformer::transform(const FourierColumn<const double>& x, bool in
                                    const FourierColumn<double>& result) {
     if (x.n > longestKept) {
         FourierRoom room;
-        transformBy(*makePlan(x.n, inverse), room, x, result);
+        transformBy(*makeFourierPlan(x.n, inverse), room, x, result);
     } else {
         transformBy(keptPlan(x.n, inverse), room_, x, result);
     }
@@ -134,7 +43,7 @@ const FourierPlan& FourierTransformer::keptPlan(std::size_t n, bool inverse) {
         plans_.clear();
         points_ = 0;
     }
-    const auto added = plans_.emplace(key, makePlan(n, inverse)).first;
+    const auto added = plans_.emplace(key, makeFourierPlan(n, inverse)).first;
     points_ += n;
     return *added->second;
 }

@@ -1,19 +1,38 @@
-// Discrete Fourier transforms of any length, in time proportional to n log n.
+// Discrete Fourier transforms of any length, in time proportional to n log n. An engine makes the plans;
+// the build chooses it, kissfft or FFTW.
 #pragma once
 
 #include <complex>
 #include <cstddef>
 #include <map>
 #include <memory>
+#include <new>
 #include <utility>
 #include <vector>
 
 namespace efihost {
 
+// Gives memory that begins with a cache line, so that no vector of numbers lies across two.
+template <class T>
+struct LineAllocator {
+    using value_type = T;
+    static constexpr std::align_val_t line{64};
+
+    LineAllocator() = default;
+    template <class Other>
+    explicit LineAllocator(const LineAllocator<Other>&) {}
+
+    T* allocate(std::size_t count) { return static_cast<T*>(::operator new(count * sizeof(T), line)); }
+    void deallocate(T* memory, std::size_t) { ::operator delete(memory, line); }
+    bool operator==(const LineAllocator&) const = default;
+};
+
+using FourierNumbers = std::vector<std::complex<double>, LineAllocator<std::complex<double>>>;
+
 // Memory that transforms share, so that it is not allocated every time.
 struct FourierRoom {
-    std::vector<std::complex<double>> numbers;  // to be transformed, and then the result
-    std::vector<std::complex<double>> spare;
+    FourierNumbers numbers;  // to be transformed, and then the result
+    FourierNumbers spare;
 };
 
 // The transform of one length and direction.
@@ -22,6 +41,9 @@ class FourierPlan {
     virtual ~FourierPlan() = default;
     virtual void transform(FourierRoom& room) const = 0;
 };
+
+// The engine's part. Throws std::bad_alloc.
+std::unique_ptr<FourierPlan> makeFourierPlan(std::size_t n, bool inverse);
 
 // The parts of n complex numbers.
 template <class Number>

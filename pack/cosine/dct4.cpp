@@ -72,22 +72,27 @@ Failure Dct4::transform(double* line, std::uint64_t length) {
     return isEven(length) ? transformEven(**found, line) : transformOdd(**found, line);
 }
 
-// Samples from both ends are paired to complex numbers, and so are the coefficients.
+// Samples from both ends are paired to complex numbers, and so are the coefficients: place 2 i with the
+// i-th odd place from the end.
 Failure Dct4::transformEven(const Plan& plan, double* line) {
-    const auto last = static_cast<std::size_t>(plan.length) - 1;
-    const std::size_t pairs = (last + 1) / 2;
+    const auto pairs = static_cast<std::size_t>(plan.length) / 2;
+    const double* cosines = plan.cosines.data();
+    const double* sines = plan.sines.data();
     for (std::size_t i = 0; i < pairs; ++i) {
         const double first = line[2 * i];
-        const double second = line[last - 2 * i];
-        plan.column.re[i] = first * plan.cosines[i] + second * plan.sines[i];
-        plan.column.im[i] = first * plan.sines[i] - second * plan.cosines[i];
+        const double second = line[2 * (pairs - 1 - i) + 1];
+        plan.column.re[i] = first * cosines[i] + second * sines[i];
+        plan.column.im[i] = first * sines[i] - second * cosines[i];
     }
     const auto z = service.transform(service.host, plan.column);
     if (!z) return z.failure();
     const double scale = std::sqrt(2.0 / static_cast<double>(plan.length));
+    const double* re = z->re;
+    const double* im = z->im;
     for (std::size_t k = 0; k < pairs; ++k) {
-        line[2 * k] = scale * (z->re[k] * plan.cosines[k] - z->im[k] * plan.sines[k]);
-        line[last - 2 * k] = scale * (z->re[k] * plan.sines[k] + z->im[k] * plan.cosines[k]);
+        const std::size_t mirror = pairs - 1 - k;
+        line[2 * k] = scale * (re[k] * cosines[k] - im[k] * sines[k]);
+        line[2 * k + 1] = scale * (re[mirror] * sines[mirror] + im[mirror] * cosines[mirror]);
     }
     return {};
 }

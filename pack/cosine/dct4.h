@@ -31,7 +31,7 @@ struct FourierResult {
 // The unscaled inverse Fourier transform: Z[m] = sum of z[i] exp(2 pi i m / n).
 struct FourierService {
     void* host;
-    // Makes a column of n zeros, which lives as long as the call.
+    // Makes a column of n numbers without values, which lives as long as the call.
     Result<FourierColumn> (*newColumn)(void* host, std::uint64_t n);
     // The result is valid until the next transform.
     Result<FourierResult> (*transform)(void* host, const FourierColumn& column);

@@ -12,68 +12,101 @@ double* line(const Lines& lines, Index position) {
     return lines.origin + position * lines.stride;
 }
 
-// A segment reaches at most one period beyond either end.
-Index wrapped(Index position, Index period) {
-    if (position < 0) return position + period;
-    return position < period ? position : position - period;
+bool isSingle(const Lines& lines) {
+    return lines.count == 1 && lines.stride == 1;
 }
 
-// Calls run(position, count) for runs of positions from `first` up to `end` whose samples lie side by
-// side: all of them in a single signal, one position of several.
+// A sample near an end of a segment, and the one at its mirror image beyond that end.
+struct Mirrored {
+    double& inside;
+    double& mirror;
+};
+
+// Such samples of several lines, counted from the end on: `step` leads inwards, and outwards for the images,
+// which lie all in the period or all in the neighbouring one.
+struct Edge {
+    double* inside;
+    double* mirror;
+    Index step;
+
+    Mirrored at(Index k, Index line) const { return {inside[k * step + line], mirror[line - k * step]}; }
+};
+
+enum End : Index { First = 1, Last = -1 };
+
+template <End end, bool single>
+Edge edgeOf(const Lines& lines, Index period, const CosineSegment& segment) {
+    const Index start = segment.start;
+    const Index after = start + segment.length;
+    const Index inside = end == First ? start : after - 1;
+    const Index mirror = end == First ? (start == 0 ? period : start) - 1 : (after == period ? 0 : after);
+    return {line(lines, inside), line(lines, mirror), end * (single ? 1 : lines.stride)};
+}
+
+// Calls combine(rising, falling, sample of `in`, sample of `out`) along an edge, with the sign of the mirror
+// images in `falling`. Along a single line, with its strides known, samples can be worked on side by side.
+template <End end, bool single, class Combine>
+void alongEdge(const Lines& in, Index period, const CosineSegment& segment, const BellSamples& bell,
+               const Lines& out, Combine combine) {
+    const Edge from = edgeOf<end, single>(in, period, segment);
+    const Edge to = edgeOf<end, single>(out, period, segment);
+    const double* rising = bell.rising.data();
+    const double* falling = bell.falling.data();
+    const Index count = single ? 1 : in.count;
+    for (Index k = 0; k < bell.halfLength; ++k) {
+        const double r = rising[k];
+        const double f = end == First ? falling[k] : -falling[k];
+        for (Index i = 0; i < count; ++i) combine(r, f, from.at(k, i), to.at(k, i));
+    }
+}
+
+template <class Combine>
+void alongEdges(const Lines& in, Index period, const CosineSegment& segment, const BellSamples& bell,
+                const Lines& out, Combine combine) {
+    if (isSingle(in) && isSingle(out)) {
+        alongEdge<First, true>(in, period, segment, bell, out, combine);
+        alongEdge<Last, true>(in, period, segment, bell, out, combine);
+    } else {
+        alongEdge<First, false>(in, period, segment, bell, out, combine);
+        alongEdge<Last, false>(in, period, segment, bell, out, combine);
+    }
+}
+
+// Calls run(position, count) for runs of positions between the edges whose samples lie side by side: all
+// of them in a single signal, one position of several.
 template <class Run>
-void forEachRun(const Lines& lines, Index first, Index end, Run run) {
+void betweenEdges(const Lines& lines, const CosineSegment& segment, const BellSamples& bell, Run run) {
+    const Index first = segment.start + bell.halfLength;
+    const Index end = segment.start + segment.length - bell.halfLength;
     if (first >= end) return;
-    if (lines.count == 1 && lines.stride == 1) {
+    if (isSingle(lines)) {
         run(first, end - first);
     } else {
         for (Index position = first; position < end; ++position) run(position, lines.count);
     }
 }
 
-// out = a x + b y.
-void combine(double a, const double* x, double b, const double* y, double* out, Index count) {
-    for (Index i = 0; i < count; ++i) out[i] = a * x[i] + b * y[i];
-}
-
-// out += a x.
-void accumulate(double a, const double* x, double* out, Index count) {
-    for (Index i = 0; i < count; ++i) out[i] += a * x[i];
-}
-
 }  // namespace
 
-void fold(const Lines& in, Index period, const CosineSegment& segment, const BellSamples& bell,
+void fold(const Lines& in, std::ptrdiff_t period, const CosineSegment& segment, const BellSamples& bell,
           const Lines& out) {
-    const auto [a, length] = segment;
-    const auto sample = [&](Index position) { return line(in, wrapped(position, period)); };
-    for (Index k = 0; k < bell.halfLength; ++k) {
-        const double r = bell.rising[static_cast<std::size_t>(k)];
-        const double f = bell.falling[static_cast<std::size_t>(k)];
-        combine(r, sample(a + k), f, sample(a - 1 - k), line(out, a + k), in.count);
-        combine(r, sample(a + length - 1 - k), -f, sample(a + length + k), line(out, a + length - 1 - k),
-                in.count);
-    }
-    forEachRun(in, a + bell.halfLength, a + length - bell.halfLength, [&](Index position, Index count) {
+    alongEdges(in, period, segment, bell, out,
+               [](double r, double f, Mirrored x, Mirrored y) { y.inside = r * x.inside + f * x.mirror; });
+    betweenEdges(in, segment, bell, [&](Index position, Index count) {
         std::copy_n(line(in, position), count, line(out, position));
     });
 }
 
-void unfold(const Lines& in, Index period, const CosineSegment& segment, const BellSamples& bell,
+void unfold(const Lines& in, std::ptrdiff_t period, const CosineSegment& segment, const BellSamples& bell,
             const Lines& out) {
-    const auto [a, length] = segment;
-    const auto target = [&](Index position) { return line(out, wrapped(position, period)); };
-    for (Index k = 0; k < bell.halfLength; ++k) {
-        const double r = bell.rising[static_cast<std::size_t>(k)];
-        const double f = bell.falling[static_cast<std::size_t>(k)];
-        const double* first = line(in, a + k);
-        const double* last = line(in, a + length - 1 - k);
-        accumulate(r, first, target(a + k), in.count);
-        accumulate(f, first, target(a - 1 - k), in.count);
-        accumulate(r, last, target(a + length - 1 - k), in.count);
-        accumulate(-f, last, target(a + length + k), in.count);
-    }
-    forEachRun(in, a + bell.halfLength, a + length - bell.halfLength, [&](Index position, Index count) {
-        accumulate(1.0, line(in, position), line(out, position), count);
+    alongEdges(in, period, segment, bell, out, [](double r, double f, Mirrored x, Mirrored y) {
+        y.inside += r * x.inside;
+        y.mirror += f * x.inside;
+    });
+    betweenEdges(in, segment, bell, [&](Index position, Index count) {
+        const double* from = line(in, position);
+        double* to = line(out, position);
+        for (Index i = 0; i < count; ++i) to[i] += from[i];
     });
 }
 

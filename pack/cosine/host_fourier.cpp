@@ -14,8 +14,6 @@ Result<FourierColumn> newColumn(void* host, std::uint64_t n) {
     auto re = newElements(n, 1);
     auto im = newElements(n, 1);
     if (!re || !im) return Code::OutOfMemory;
-    std::fill_n(re.data(), n, 0.0);
-    std::fill_n(im.data(), n, 0.0);
     const auto matrix = newMatrix(static_cast<EfiCallContext*>(host), static_cast<int>(n), 1, re, im);
     if (!matrix) return matrix.failure();
     return FourierColumn{(*matrix)->re, (*matrix)->im, *matrix};

@@ -149,15 +149,16 @@ void multiply(const Block& data, double factor) {
 Failure cosineLevel(const Block& data, std::uint32_t level, const Bells& bells, const Block& out,
                     const Block& scratch, Dct4& dct) {
     if (data.isEmpty()) return {};
-    const Block& foldedDown = data.isSignal() ? out : scratch;
+    if (data.isSignal()) {
+        return forPlaces(data, level, [&](const Rectangle& packet) {
+            foldDown(fold, data, packet, bells.down, out);
+            return transformColumns(out, packet, dct);
+        });
+    }
     forPlaces(data, level, [&](const Rectangle& packet) {
-        foldDown(fold, data, packet, bells.down, foldedDown);
+        foldDown(fold, data, packet, bells.down, scratch);
         return Failure();
     });
-    if (data.isSignal())
-        return forPlaces(out, level,
-                         [&](const Rectangle& packet) { return transformColumns(out, packet, dct); });
-
     Workspace workspace;
     return forPlaces(data, level, [&](const Rectangle& packet) {
         foldAlong(fold, scratch, packet, bells.forRows(), out);

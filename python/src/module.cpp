@@ -179,6 +179,7 @@ py::object callMany(const Function& function, const py::tuple& arguments, const 
 
 void define(py::module_& module) {
     module.attr("__version__") = UNDULA_VERSION;
+    module.attr("fourier_engine") = efihost::fourierEngine();
     module.def("live_values", &efihost::liveValues, "How many values of the host exist.");
 
     py::class_<ErrorValue>(module, "ErrorValue", "The result of a call that has failed.")

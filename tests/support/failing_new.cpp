@@ -7,7 +7,8 @@
 #include <new>
 
 // Each delete must meet memory of its own kind, so that all are replaced but those of over-aligned
-// types, which nothing here has. The libraries that the program loads use these, too.
+// memory, which only the host's Fourier transforms ask for. The libraries that the program loads use
+// these, too.
 
 namespace {
 

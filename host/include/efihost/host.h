@@ -28,6 +28,9 @@
 
 namespace efihost {
 
+// Where the Fourier transforms of this build come from: "kissfft" or "fftw".
+EFI_HOST const char* fourierEngine();
+
 class EFI_HOST Host {
  public:
     Host();
