@@ -25,9 +25,10 @@ A refused call raises `undula.Error`, which names the function, the message and 
 
 Many points at once
 -------------------
-`undula.evaluate` calls a function for each element of arrays, in C++:
+Where a function whose result is a real number takes a scalar, an array may stand. The function is
+called for each element, in C++; several arrays are broadcast against each other:
 
->>> undula.evaluate(undula.father, [-0.5, 0.0, 0.5], "haar").round(12)
+>>> undula.father([-0.5, 0.0, 0.5], "haar").round(12)
 array([0., 1., 1.])
 """
 

@@ -5,6 +5,7 @@ from pathlib import Path
 from undula import _host
 from undula._descriptions import read_descriptions
 from undula._errors import error_for
+from undula._evaluate import at_points
 
 LIBRARY = Path(_host.__file__).parents[2] / "lib" / "libundula.so"
 
@@ -25,10 +26,17 @@ def _function(row, description):
     def kinds_of(names):
         return tuple(kinds[each] for each in names)
 
+    has_points = description is not None and description.result.kind == "scalar"
+
     def function(*args):
         if count is not None and len(args) != count:
             raise TypeError(_count_message(name, count, len(args)))
         names = names_of(len(args))
+        if has_points:
+            scalars = [place for place, kind in enumerate(kinds_of(names)) if kind == "scalar"]
+            values = at_points(row, names, args, scalars)
+            if values is not None:
+                return values
         outcome = row.call(args, names, kinds_of(names))
         if isinstance(outcome, _host.ErrorValue):
             raise error_for(name, outcome.message, outcome.argument, names)
