@@ -46,9 +46,14 @@ struct Call::Frame {
         made.push_back(Values::make<Owned>(std::forward<Arguments>(given)...));
         return Values::get<Owned>(made.back());
     }
+    // A scalar, of those that earlier calls have left if there are any.
+    OwnedScalar& makeScalar();
+    // Drops what the call has made. Scalars that nobody holds are kept for the next call.
+    void clear();
 
     EfiCallContext context;
     std::vector<Value> made;
+    std::vector<Value> spareScalars;
     std::list<ListCell> lists;
     Value evaluated;
     Value transformed;
@@ -103,6 +108,27 @@ void Call::Frame::release(const Cons* list) {
     }
 }
 
+OwnedScalar& Call::Frame::makeScalar() {
+    if (spareScalars.empty()) return make<OwnedScalar>();
+    made.push_back(std::move(spareScalars.back()));
+    spareScalars.pop_back();
+    auto& scalar = Values::get<OwnedScalar>(made.back());
+    scalar.re = scalar.im = 0.0;
+    return scalar;
+}
+
+void Call::Frame::clear() {
+    constexpr std::size_t mostSpare = 4;
+    for (Value& value : made) {
+        const bool isSpare = value.isScalar() && Values::isSole(value) && spareScalars.size() < mostSpare;
+        if (isSpare) spareScalars.push_back(std::move(value));
+    }
+    made.clear();
+    lists.clear();
+    arguments.clear();
+    evaluated = transformed = callee = Value();
+}
+
 Call::Frame& Host::State::current() const {
     if (!frame) throw "no call is in progress";
     return *frame;
@@ -151,7 +177,7 @@ void takeArguments(std::vector<Value>& taken, const Cons* list) {
         const Anyval* value = list->value;
         if (value && value->tag == TagScalar) {
             const auto& scalar = static_cast<const aComplex&>(*value);
-            Values::putScalar(taken[count], {scalar.re, scalar.im});
+            taken[count].setScalar({scalar.re, scalar.im});
         } else {
             taken[count] = Value::of(value);
         }
@@ -167,7 +193,7 @@ const aComplex* oneRealScalar(const Cons* list) {
 
 void evaluateReal(const RealCallback& function, const Cons* arguments, Value& result) {
     if (const aComplex* x = oneRealScalar(arguments)) {
-        Values::putScalar(result, function(x->re));
+        result.setScalar(function(x->re));
     } else {
         result = Value::error("must be real scalar", 0);
     }
@@ -211,9 +237,17 @@ EfiCallContext* Call::context() const {
     return &frame_->context;
 }
 
+// The result is mostly what was made last, which need not be looked for.
 Value Call::finish(Anyval* result) {
     if (frame_->thrown) std::rethrow_exception(std::exchange(frame_->thrown, nullptr));
-    return Value::of(result);
+    const bool isLast = result != nullptr && !frame_->made.empty() && frame_->made.back().raw() == result;
+    return isLast ? frame_->made.back() : Value::of(result);
+}
+
+void Call::restart() {
+    host_.state_->holdRoots();
+    frame_->clear();
+    forgetWithheldFault();
 }
 
 Host::Host() : state_(std::make_unique<State>(*this)) {}
@@ -232,19 +266,37 @@ Value Host::call(const Function& function, std::span<const Value> arguments) {
     return result;
 }
 
-Value Host::callRaw(const Function& function, std::span<const Value> arguments) {
+namespace {
+
+Value callIn(Call& calling, const Function& function, std::span<const Value> arguments) {
     const std::size_t count = arguments.size();
     const bool fits =
-        function.arity ? count == static_cast<std::size_t>(*function.arity) : count <= maxArguments;
+        function.arity ? count == static_cast<std::size_t>(*function.arity) : count <= Host::maxArguments;
     if (!fits) throw Error(std::string(function.name), "Wrong number of Arguments", 0);
     const auto empty = std::ranges::find_if_not(arguments, &Value::operator bool);
     if (empty != arguments.end()) {
         throw Error(std::string(function.name), "no value", static_cast<int>(empty - arguments.begin()) + 1);
     }
-    std::array<Anyval*, maxArguments> raw{};
+    std::array<Anyval*, Host::maxArguments> raw{};
     std::ranges::transform(arguments, raw.begin(), &Value::raw);
-    Call calling(*this);
     return calling.finish(invoke(function, calling.context(), {raw.data(), count}));
+}
+
+}  // namespace
+
+Value Host::callRaw(const Function& function, std::span<const Value> arguments) {
+    Call calling(*this);
+    return callIn(calling, function, arguments);
+}
+
+void Host::callSeries(const Function& function, std::size_t count,
+                      const std::function<std::span<const Value>(std::size_t)>& arguments,
+                      const std::function<bool(std::size_t, const Value&)>& take) {
+    Call calling(*this);
+    for (std::size_t i = 0; i < count; ++i) {
+        if (!take(i, callIn(calling, function, arguments(i)))) return;
+        calling.restart();
+    }
 }
 
 void Host::setInterrupt(std::function<bool()> question) {
@@ -275,7 +327,7 @@ aMatrix* Host::makeMatrix(int rows, int cols, double* re, double* im, unsigned b
 }
 
 aComplex* Host::makeScalar() {
-    return orNull([&]() -> aComplex* { return &state_->current().make<OwnedScalar>(); });
+    return orNull([&]() -> aComplex* { return &state_->current().makeScalar(); });
 }
 
 Cons* Host::makeCell(Anyval* value, Cons* next) {

@@ -105,15 +105,15 @@ bool Values::isSole(const Value& value) {
     return sole;
 }
 
-void Values::putScalar(Value& slot, std::complex<double> number) {
-    if (!slot.isScalar() || !isSole(slot)) slot = make<OwnedScalar>();
-    auto& scalar = get<OwnedScalar>(slot);
-    scalar.re = number.real();
-    scalar.im = number.imag();
+Value::Value(std::complex<double> number) {
+    setScalar(number);
 }
 
-Value::Value(std::complex<double> number) {
-    Values::putScalar(*this, number);
+void Value::setScalar(std::complex<double> number) {
+    if (!isScalar() || !Values::isSole(*this)) *this = Values::make<OwnedScalar>();
+    auto& scalar = Values::get<OwnedScalar>(*this);
+    scalar.re = number.real();
+    scalar.im = number.imag();
 }
 
 Value::Value(std::string_view text) : Value(Values::make<OwnedString>(text)) {}

@@ -96,9 +96,6 @@ class Values {
         return static_cast<Owned&>(*value.value_);
     }
 
-    // Sets `slot` to a scalar, reusing one that nothing else holds.
-    static void putScalar(Value& slot, std::complex<double> number);
-
     // Whether the handle is the only one, so the value may be changed.
     static bool isSole(const Value& value);
 };

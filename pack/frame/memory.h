@@ -55,12 +55,14 @@ class Array {
     std::unique_ptr<T, Free> elements;
 };
 
-// Working storage that a chain of steps shares: it grows to the largest request and is freed once.
+// Working storage that a chain of steps shares: it grows to the largest request and is freed once. Few
+// numbers are in the storage itself: functions at a point need no more.
 class Workspace {
  public:
     // Room for `count` doubles with no particular values, valid until the next call; null when
     // there is no memory. It starts at a cache line, so that vectors lie in one line each.
     double* room(std::uint64_t count) {
+        if (count <= mostFew) return few;
         if (!array || count > capacity) {
             array = Array<double>();
             array = Array<double>::uninitialised(count + line);
@@ -72,7 +74,9 @@ class Workspace {
 
  private:
     static constexpr std::size_t line = 8;  // doubles
+    static constexpr std::uint64_t mostFew = 128;
 
+    alignas(64) double few[mostFew];
     Array<double> array;
     std::uint64_t capacity = 0;
 };

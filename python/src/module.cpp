@@ -9,6 +9,7 @@
 
 #include <chrono>
 #include <complex>
+#include <ctime>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -38,13 +39,23 @@ struct ErrorValue {
 // The result of a call, or why there is none.
 using Outcome = std::variant<Value, ErrorValue>;
 
+// Of a clock that is a few milliseconds behind, but quickly read where there is such a clock.
+std::chrono::nanoseconds roughTime() {
+#if defined(CLOCK_MONOTONIC_COARSE)
+    timespec now{};
+    clock_gettime(CLOCK_MONOTONIC_COARSE, &now);
+    return std::chrono::seconds(now.tv_sec) + std::chrono::nanoseconds(now.tv_nsec);
+#else
+    return std::chrono::steady_clock::now().time_since_epoch();
+#endif
+}
+
 // Returns false, or raises what the handler of a pending signal raises, such as KeyboardInterrupt.
 // Packs poll often and taking the interpreter lock is slow, so most polls only look at the clock.
 bool checkInterrupt() {
-    using Clock = std::chrono::steady_clock;
     constexpr auto period = std::chrono::milliseconds(20);
-    static Clock::time_point next;  // guarded by the lock that every call holds
-    const auto now = Clock::now();
+    static std::chrono::nanoseconds next{};  // guarded by the lock that every call holds
+    const auto now = roughTime();
     if (now < next) {
         return false;
     }
@@ -87,22 +98,25 @@ std::unique_lock<CallLock> takeTurn() {
     return turn;
 }
 
-Outcome outcomeOf(const Function& function, const std::vector<Value>& arguments) {
-    try {
-        Value result = theHost->callRaw(function, arguments);
-        if (result.isError()) {
-            return ErrorValue{result.message(), result.argument()};
-        }
-        return result;
-    } catch (const efihost::Error& error) {
-        return ErrorValue{error.message(), error.argument()};
+ErrorValue errorValue(const efihost::Error& error) {
+    return {error.message(), error.argument()};
+}
+
+Outcome outcomeOf(const Value& result) {
+    if (result.isError()) {
+        return ErrorValue{result.message(), result.argument()};
     }
+    return result;
 }
 
 Outcome callInTurn(const Function& function, const std::vector<Value>& arguments) {
     const LockReleased unlocked;
     const auto turn = takeTurn();
-    return outcomeOf(function, arguments);
+    try {
+        return outcomeOf(theHost->callRaw(function, arguments));
+    } catch (const efihost::Error& error) {
+        return errorValue(error);
+    }
 }
 
 std::string textAt(const py::tuple& texts, std::size_t index) {
@@ -131,49 +145,82 @@ py::object call(const Function& function, const py::tuple& arguments, const py::
     return py::reinterpret_steal<py::object>(toPython(std::get<Value>(outcome), &lent).release());
 }
 
-using Numbers = py::array_t<std::complex<double>, py::array::c_style>;
-
-// An argument that differs in each of many calls.
+// An argument that differs in each of many calls. One of the two is null.
 struct Varying {
     std::size_t place;
-    const std::complex<double>* numbers;
+    const double* reals;
+    const std::complex<double>* complexes;
+
+    std::complex<double> operator[](std::size_t i) const {
+        return reals != nullptr ? reals[i] : complexes[i];
+    }
 };
 
-// All calls are one turn, so no other thread selects another wavelet meanwhile. Functions that do not
-// poll can be interrupted between calls. Returns the first error.
-std::optional<ErrorValue> callManyInTurn(const Function& function, std::vector<Value>& arguments,
-                                         const std::vector<Varying>& varying, std::size_t count,
-                                         double* out) {
+template <class Number>
+const Number* numbersIn(const py::array& array) {
+    const bool fits = py::array_t<Number, py::array::c_style>::check_(array);
+    return fits ? static_cast<const Number*>(array.data()) : nullptr;
+}
+
+Varying varying(std::size_t place, const py::array& array) {
+    const Varying result = {place, numbersIn<double>(array), numbersIn<std::complex<double>>(array)};
+    if (result.reals == nullptr && result.complexes == nullptr) {
+        throw py::type_error("an array of other numbers than float64 and complex128, or with gaps");
+    }
+    return result;
+}
+
+// Makes calls in one turn, so that no other thread selects another wavelet meanwhile. Those of functions
+// that do not poll can be interrupted between calls. Returns the first error.
+template <class Arguments, class Take>
+std::optional<ErrorValue> callSeriesInTurn(const Function& function, std::size_t count, Arguments arguments,
+                                           Take take) {
     const LockReleased unlocked;
     const auto turn = takeTurn();
-    for (std::size_t i = 0; i < count; ++i) {
-        checkInterrupt();
-        for (const Varying& argument : varying) {
-            arguments[argument.place] = argument.numbers[i];
-        }
-        Outcome outcome = outcomeOf(function, arguments);
-        if (auto* error = std::get_if<ErrorValue>(&outcome)) {
-            error->element = i;
-            return std::move(*error);
-        }
-        out[i] = std::get<Value>(outcome).real();
+    std::size_t current = 0;
+    std::optional<ErrorValue> error;
+    try {
+        theHost->callSeries(
+            function, count,
+            [&](std::size_t i) {
+                checkInterrupt();
+                current = i;
+                return arguments(i);
+            },
+            [&](std::size_t i, const Value& result) {
+                if (result.isError()) {
+                    error = {result.message(), result.argument(), i};
+                } else {
+                    take(i, result);
+                }
+                return !error;
+            });
+    } catch (const efihost::Error& refusal) {
+        error = {refusal.message(), refusal.argument(), current};
     }
-    return std::nullopt;
+    return error;
 }
 
 // The arrays replace the arguments at the places.
 py::object callMany(const Function& function, const py::tuple& arguments, const py::tuple& names,
-                    const std::vector<std::size_t>& places, const std::vector<Numbers>& arrays) {
+                    const std::vector<std::size_t>& places, const std::vector<py::array>& arrays) {
     Lent lent;
     std::vector<Value> values = valuesOf(function, arguments, names, lent);
-    std::vector<Varying> varying;
+    std::vector<Varying> replaced;
     for (std::size_t i = 0; i < places.size(); ++i) {
-        varying.push_back({places.at(i), arrays.at(i).data()});
+        replaced.push_back(varying(places.at(i), arrays.at(i)));
     }
-    const py::ssize_t count = arrays.at(0).size();
-    py::array_t<double> results(count);
-    const auto error =
-        callManyInTurn(function, values, varying, static_cast<std::size_t>(count), results.mutable_data());
+    py::array_t<double> results(arrays.at(0).size());
+    double* const out = results.mutable_data();
+    const auto error = callSeriesInTurn(
+        function, static_cast<std::size_t>(results.size()),
+        [&](std::size_t i) -> std::span<const Value> {
+            for (const Varying& each : replaced) {
+                values[each.place].setScalar(each[i]);
+            }
+            return values;
+        },
+        [out](std::size_t i, const Value& result) { out[i] = result.real(); });
     return error ? py::cast(*error) : results;
 }
 

@@ -30,9 +30,10 @@ say what would be right. What is computed, but is probably not what was meant, i
 
 Many points at once
 -------------------
-`undula.evaluate` calls a function for each element of arrays, in C++:
+Where a function whose result is a real number takes a scalar, an array may stand. The function is
+called for each element, in C++; several arrays are broadcast against each other:
 
->>> undula.evaluate(undula.father, [-0.5, 0.0, 0.5], "haar").round(12)
+>>> undula.father([-0.5, 0.0, 0.5], "haar").round(12)
 array([0., 1., 1.])
 
 Helpers

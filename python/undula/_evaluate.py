@@ -1,35 +1,29 @@
-"""A function of the pack for each number of an array."""
+"""A function of the pack at each of many points, in one call."""
 
 import sys
 
 import numpy as np
 
 from undula import _host
-from undula._remedies import failure
 
 
 def evaluate(function, /, *arguments, **named):
     """Values of a function of the pack at each element of arrays.
 
-    Wherever the function takes a scalar, an array of numbers may stand: the function is called for
-    each element. Several such arrays must have the same shape and are gone through together; other
-    arguments are the same in every call. An argument that is itself an array, such as a filter, is
-    passed whole.
-
-    The loop runs in C++, as one turn: other Python threads keep running, other calls of the pack
-    wait. Ctrl-C ends it.
+    The same as a call of the function itself with these arguments, which takes arrays too: see
+    "Many points at once" in the help of the package.
 
     Parameters
     ----------
     function : function of this module
         One whose result is a real number, such as `father` or `waveterp`.
     arguments
-        Its arguments, by position or by name.
+        Its arguments, by position or by name. Wherever it takes a scalar, an array of numbers may stand.
 
     Returns
     -------
     array
-        The results, in the shape of the arrays. Without any array, what the function itself returns.
+        The results, in the shape of the arrays. Without any array, a float.
 
     Raises
     ------
@@ -39,7 +33,7 @@ def evaluate(function, /, *arguments, **named):
         It is not a function of the pack with a real number as its result, or an array does not hold
         numbers.
     ValueError
-        The arrays differ in shape.
+        The shapes of the arrays do not fit together.
 
     Examples
     --------
@@ -54,41 +48,56 @@ def evaluate(function, /, *arguments, **named):
         raise TypeError("evaluate: argument 1 is not a function of the pack")
     if description.result.kind != "scalar":
         raise TypeError(f"{function.__name__}: its result is not a real number")
-    given = function._bind(arguments, named) if named else arguments
-    if len(given) not in map(len, description.forms):
-        return function(*given)  # which says what is wrong
-    row, arguments, names = function._prepare(given)
-    description = vars(sys.modules["undula"])[row.name]._description
-    places = [
-        place
-        for place, name in enumerate(names)
-        if description.kind_of(name) == "scalar" and np.ndim(arguments[place]) > 0
-    ]
-    if not places:
-        return function(*given)
-    arrays = [_numbers(function, place, names[place], arguments[place]) for place in places]
-    shape = _common_shape(function, arrays)
-    fixed = tuple(0.0 if place in places else argument for place, argument in enumerate(arguments))
-    outcome = row.call_many(fixed, names, places, arrays)
+    return function(*arguments, **named)
+
+
+def at_points(row, called, names, arguments, scalars, exception_for):
+    """The results for each element of the arrays among the arguments; None where there is none.
+
+    `row` is the function of the table that does what the one `called` so does, and whose result is a real
+    number; `names` are those of its arguments, and `scalars` the places where it takes a scalar. An array there, or a sequence, has the function
+    called for each element; several are broadcast against each other. All other arguments are the same
+    in every call. Raises what `undula.evaluate` says; `exception_for` makes an exception of an error value.
+    """
+    places = [place for place in scalars if not isinstance(arguments[place], (float, int, complex))]
+    arrays = [_array(arguments[place]) for place in places]
+    if not any(array.ndim for array in arrays):
+        return None
+    for place, array in zip(places, arrays):
+        if array.dtype.kind not in "biufc":
+            raise TypeError(f"{called}: argument {place + 1} ({names[place]}) does not hold numbers")
+    shape = _common_shape(called, arrays)
+    numbers = [_contiguous(np.broadcast_to(array, shape)) for array in arrays]
+    others = tuple(0.0 if place in places else argument for place, argument in enumerate(arguments))
+    outcome = row.call_many(others, names, places, numbers)
     if isinstance(outcome, _host.ErrorValue):
-        error = failure(function._description, outcome, names, given)
+        error = exception_for(outcome)
         error.add_note(f"for the elements at {_index(outcome.element, shape)}")
         raise error
     return outcome.reshape(shape)
 
 
-def _numbers(function, place, name, argument):
-    array = np.asarray(argument)
-    if array.dtype.kind not in "biufc":
-        raise TypeError(f"{function.__name__}: argument {place + 1} ({name}) does not hold numbers")
-    return np.ascontiguousarray(array, np.complex128)
+def _array(argument):
+    """The argument as an array; one of no dimension where it is not to be gone through."""
+    if isinstance(argument, np.ma.MaskedArray):
+        return np.array(None)  # refused as in any other call
+    try:
+        return np.asarray(argument)
+    except ValueError:  # rows of different lengths
+        return np.array([None])
 
 
-def _common_shape(function, arrays):
+def _contiguous(array):
+    return np.ascontiguousarray(array, complex if array.dtype.kind == "c" else float)
+
+
+def _common_shape(called, arrays):
     shapes = [array.shape for array in arrays]
-    if len(set(shapes)) > 1:
-        raise ValueError(f"{function.__name__}: arrays of different shapes: {', '.join(map(str, shapes))}")
-    return shapes[0]
+    try:
+        return np.broadcast_shapes(*shapes)
+    except ValueError:
+        listed = ", ".join(map(str, shapes))
+        raise ValueError(f"{called}: shapes that do not fit together: {listed}") from None
 
 
 def _index(element, shape):

@@ -6,9 +6,11 @@ from undula import _host
 from undula._arguments import preparation
 from undula._binding import binder, count_text, signature
 from undula._descriptions import read_descriptions
+from undula._evaluate import at_points
 from undula._filters import Filters
 from undula._remedies import failure
 
+_NO_SCALARS = {"data", "wavelet", "offsets", "flips", "type"}
 LIBRARY = Path(__file__).parent / "lib" / "libundula.so"
 
 
@@ -27,12 +29,22 @@ def _function(description, rows, filters):
     bind = binder(description)
     prepare, finish = preparation(description, rows, filters)
 
+    has_points = description.result.kind == "scalar"
+    places_of = _ScalarPlaces()
+
     def function(*args, **named):
         if named:
             args = bind(args, named)
         if len(args) not in counts:
             return _call_with_wrong_count(row, description, args)
         target, ready, names = prepare(args)
+        if has_points:
+            places = places_of[names]
+            points = at_points(
+                target, description.name, names, ready, places, lambda e: failure(description, e, names, args)
+            )
+            if points is not None:
+                return points
         outcome = target.call(ready, names)
         if type(outcome) is _host.ErrorValue:
             raise failure(description, outcome, names, args)
@@ -46,6 +58,14 @@ def _function(description, rows, filters):
     function.__signature__ = signature(description)
     function._description, function._bind, function._prepare = description, bind, prepare
     return function
+
+
+class _ScalarPlaces(dict):
+    """Where scalars stand among the arguments of these names of a function of points."""
+
+    def __missing__(self, names):
+        places = [place for place, name in enumerate(names) if name not in _NO_SCALARS]
+        return self.setdefault(names, places)
 
 
 def _call_with_wrong_count(row, description, args):

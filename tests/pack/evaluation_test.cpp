@@ -303,3 +303,26 @@ TEST_F(UnreachedWorkers, EvaluateTheSelectedWavelet) {
         EXPECT_EQ(complaintOf(worker(name + "2d", {0, 0, 0, 0, twoTo31, 0, 0})), "invalid level (5)");
     }
 }
+
+// Scalars that nobody holds serve the next call of a series.
+TEST_F(Evaluation, AreThoseOfSingleCallsInASeries) {
+    Arguments arguments = {0.0, "daub6"};
+    std::vector<Value> held;
+    Numbers seen;
+    host.callSeries(
+        pack().function("father"), 40,
+        [&](std::size_t i) {
+            arguments[0].setScalar(0.1 * static_cast<double>(i) - 2.0);
+            return std::span<const Value>(arguments);
+        },
+        [&](std::size_t i, const Value& result) {
+            seen.push_back(result.real());
+            if (i % 3 == 0) held.push_back(result);
+            return i < 30;
+        });
+    ASSERT_EQ(seen.size(), 31U);
+    for (std::size_t i = 0; i < seen.size(); ++i) {
+        EXPECT_EQ(seen[i], call("father", 0.1 * static_cast<double>(i) - 2.0, "daub6").real()) << i;
+        EXPECT_EQ(held[i / 3].real(), seen[i / 3 * 3]) << i;
+    }
+}

@@ -31,7 +31,10 @@ def test_every_scalar_may_be_an_array():
         assert np.array_equal(undula.evaluate(undula.wavelet, one, 0, 0, other, w), expected)
     shifts = undula.evaluate(undula.dlwavelet, 0.3, 0, range(-3, 4), 1, w)
     assert np.array_equal(shifts, [undula.dlwavelet(0.3, 0, k, 1, w) for k in range(-3, 4)])
-    assert undula.evaluate(undula.wavelet, 0.3, 0, 0, np.array(1), w) == undula.wavelet(0.3, 0, 0, 1, w)
+    grid = undula.wavelet(x[:1], 0, 0, n[:, :1], w)
+    assert np.array_equal(grid, expected)
+    one = undula.wavelet(0.3, 0, 0, np.array(1), w)
+    assert isinstance(one, float) and one == undula.wavelet(0.3, 0, 0, 1, w)
 
 
 def test_arguments_that_are_arrays_are_passed_whole(rng):
@@ -87,7 +90,9 @@ def test_an_error_tells_the_element(live_values):
         (TypeError, "not a function of the pack", (functools.wraps(undula.father)(lambda: 0), [1], "haar")),
         (TypeError, r"father: argument 1 \(x\) does not hold numbers", (undula.father, ["a"], "haar")),
         (TypeError, r"father: argument 1 \(x\) does not hold numbers", (undula.father, [None], "haar")),
-        (ValueError, r"different shapes: \(2,\), \(3,\)", (undula.father, [1, 2], [1, 2, 3], 0, "haar")),
+        (TypeError, r"father: argument 1 \(x\) does not hold numbers", (undula.father, [[1], [1, 2]], "haar")),
+        (TypeError, r"father: argument 1 \(x\) cannot be a masked", (undula.father, np.ma.ones(2), "haar")),
+        (ValueError, r"do not fit together: \(2,\), \(3,\)", (undula.father, [1, 2], [1, 2, 3], 0, "haar")),
         (TypeError, "daublet: its result is not a real number", (undula.daublet, 4)),
         (TypeError, "dwt: its result is not a real number", (undula.dwt, [1, 2], 1, [1, 1])),
     ],

@@ -97,5 +97,6 @@ def test_whatever_is_given_the_error_stays_that_of_the_pack(name):
             arguments = [ODD[k] for k in choice.integers(len(ODD), size=len(form))]
             try:
                 getattr(undula, name)(*arguments)
-            except (undula.Error, TypeError) as error:
-                assert isinstance(error, undula.Error) or str(error).startswith(f"{name}: argument")
+            except (ValueError, TypeError) as error:
+                told = (f"{name}: argument", f"{name}: shapes")
+                assert isinstance(error, undula.Error) or str(error).startswith(told)

@@ -11,6 +11,7 @@
 #pragma once
 
 #include <concepts>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -56,6 +57,13 @@ class EFI_HOST Host {
     Value callRaw(const Pack& pack, std::string_view name, const std::vector<Value>& arguments) {
         return callRaw(pack.function(name), arguments);
     }
+
+    // A series of calls of a function, in one turn: `arguments` gives those of call i, and `take` gets its
+    // result, as from callRaw, and says whether to go on. What a call leaves behind serves the next one, so
+    // that a series of short calls costs a fraction of as many single ones.
+    void callSeries(const Function& function, std::size_t count,
+                    const std::function<std::span<const Value>(std::size_t)>& arguments,
+                    const std::function<bool(std::size_t, const Value&)>& take);
 
     // The most arguments that a call may have.
     static constexpr int maxArguments = 12;
@@ -109,6 +117,9 @@ class EFI_HOST Call {
     // The result of the pack as a value that outlives the call; empty for null. Rethrows what a user
     // function or the interruption question threw meanwhile.
     Value finish(Anyval* result);
+
+    // Begins another call in place of this one, whose values live on only where somebody holds them.
+    void restart();
 
  private:
     friend class Host;

@@ -105,6 +105,9 @@ class EFI_HOST Value {
     std::vector<double> reals() const;
     std::vector<double> imaginaries() const;
 
+    // Makes this the handle of a scalar, of the present one where no other handle holds that.
+    void setScalar(std::complex<double> number);
+
     // Nested values. A cell holds a number or a value.
     bool anyNested() const;
     Value nested(int row, int col) const;  // empty where the cell holds a number
