@@ -147,12 +147,16 @@ def _typed(description):
     if description.parameters()[0] != longest:  # the longest form has places of its own
         ways.append(_parameters(description, longest, (), required=longest))
     result = description.result.type or description.result.kind
-    for way in ways:
-        parameters, returned = way if isinstance(way, tuple) else (way, RESULTS[result])
+    ways = [way if isinstance(way, tuple) else (way, RESULTS[result]) for way in ways]
+    if result == "scalar":  # at one point or at many
+        scalar = TYPES["scalar"]
+        ways += [(parameters.replace(scalar, f"{scalar} | ArrayLike"), RESULTS["array"]) for parameters, _ in ways]
+    for parameters, returned in ways:
         if len(ways) > 1:
             yield "@overload"
         # A number is an array to NumPy's types too, so that of two ways the first one counts.
-        overlaps = "  # type: ignore[misc]" if way is ways[0] and returned == RESULTS["table"] else ""
+        first = returned == RESULTS["scalar"] or (parameters == ways[0][0] and returned == RESULTS["table"])
+        overlaps = "  # type: ignore[misc]" if first else ""
         yield f"def {description.name}({parameters}) -> {returned}: ...{overlaps if len(ways) > 1 else ''}"
 
 
