@@ -23,7 +23,7 @@ using Lent = std::set<const Anyval*>;
 struct Place {
     std::string_view function;  // of the pack, whose names live as long as the process
     std::size_t index;          // of the argument, from 0
-    std::string name;           // of the argument; may be empty
+    std::string_view name;      // of the argument; may be empty
     bool wantsFunction = false;
     bool isResult = false;  // not the argument itself, but what it has returned as a function
 

@@ -12,17 +12,16 @@ std::shared_ptr<PyObject> keep(py::handle object) {
 }
 
 Value userFunction(py::handle callable, const Place& place) {
-    Place ofResult = place;
-    ofResult.wantsFunction = false;
-    ofResult.isResult = true;
-    const auto function = [callable = keep(callable), ofResult](const std::vector<Value>& arguments) {
+    const auto function = [callable = keep(callable), function = place.function, index = place.index,
+                           name = std::string(place.name)](const std::vector<Value>& arguments) {
         const LockHeld lock;
         const auto count = static_cast<py::ssize_t>(arguments.size());
         const Reference converted = newReference([=] { return PyTuple_New(count); });
         for (py::ssize_t i = 0; i < count; ++i) {
             PyTuple_SET_ITEM(converted.get(), i, toPython(arguments[static_cast<std::size_t>(i)]).release());
         }
-        return toHost(call(callable.get(), converted), ofResult);
+        const Place ofResult = {.function = function, .index = index, .name = name, .isResult = true};
+        return toHost(callPython(callable.get(), converted), ofResult);
     };
     return Value::function(efihost::Callback(function));
 }

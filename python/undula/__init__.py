@@ -33,6 +33,7 @@ array([0., 1., 1.])
 """
 
 from undula import _functions, _host
+from undula._batches import transform_nd
 from undula._errors import ArithmeticFault, Error, OutOfMemoryError
 from undula._evaluate import evaluate
 
@@ -44,6 +45,6 @@ __version__ = _host.__version__
 _loaded, _described = _functions.load_functions()
 globals().update(_loaded)
 
-evaluate.__module__ = __name__
+evaluate.__module__ = transform_nd.__module__ = __name__
 
-__all__ = ["Error", "OutOfMemoryError", "ArithmeticFault", "evaluate", *_described]
+__all__ = ["Error", "OutOfMemoryError", "ArithmeticFault", "evaluate", "transform_nd", *_described]

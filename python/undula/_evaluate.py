@@ -43,13 +43,19 @@ def evaluate(function, /, *arguments):
     >>> undula.evaluate(undula.mother2d, [0.25, 0.75], [0.1, 0.1], "haar", "H").round(12)
     array([ 1., -1.])
     """
-    description = getattr(function, "_description", None)
-    # A wrapper may have copied the attributes of the function that it wraps.
-    if description is None or getattr(sys.modules["undula"], description.name) is not function:
-        raise TypeError("evaluate: argument 1 is not a function of the pack")
+    description = description_of(function, "evaluate")
     if description.result.kind != "scalar":
         raise TypeError(f"{function.__name__}: its result is not a real number")
     return function(*arguments)
+
+
+def description_of(function, caller):
+    """The description of a function of the pack, the first argument of `caller`."""
+    description = getattr(function, "_description", None)
+    # A wrapper may have copied the attributes of the function that it wraps.
+    if description is None or getattr(sys.modules["undula"], description.name) is not function:
+        raise TypeError(f"{caller}: argument 1 is not a function of the pack")
+    return description
 
 
 def at_points(row, names, arguments, scalars):
