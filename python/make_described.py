@@ -46,11 +46,17 @@ def _argument(item, shared):
     return item | {"meaning": " ".join(item["meaning"].split())}
 
 
+AXIS_KIND = "int or pair of int, by name only"
+AXIS = """The axis of many signals, or those of the rows and columns of many images, in an array of any number
+of dimensions, each of which is transformed for itself. Without it the data is one signal or one image."""
+
+
 def docstring(description):
     parts = [description.summary, *paragraphs(description.details)]
     if len(description.forms) > 1:
         parts.append(_section("Forms", description.calls()))
-    parts.append(_section("Parameters", _entries(description.arguments)))
+    axis = [f"axis : {AXIS_KIND}", *_indented(AXIS)] if description.takes_axis else []
+    parts.append(_section("Parameters", [*_entries(description.arguments), *axis]))
     result = description.result
     parts.append(_section("Returns", [result.type or result.kind, *_indented(result.meaning)]))
     parts.append(_section("Raises", ["undula.Error", *_failures(description.errors)]))
@@ -191,7 +197,8 @@ def _parameters(description, placed, named, kinds={}, required=()):
             return text
         return f"{text} | None = ..." if argument.default is None else f"{text} = ..."
 
-    return ", ".join([*map(typed, placed), *(["*"] if named else []), *map(typed, named)])
+    last = [*map(typed, named), *(["axis: int | tuple[int, int] | None = ..."] if description.takes_axis else [])]
+    return ", ".join([*map(typed, placed), *(["*"] if last else []), *last])
 
 
 def main(source, folder):

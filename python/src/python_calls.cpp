@@ -25,7 +25,7 @@ Reference attributeIfAny(py::handle object, const char* name) {
     return Reference(found);
 }
 
-Reference call(py::handle callable, py::handle arguments) {
+Reference callPython(py::handle callable, py::handle arguments) {
     return newReference([=] { return PyObject_CallObject(callable.ptr(), arguments.ptr()); });
 }
 

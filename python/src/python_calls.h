@@ -59,7 +59,7 @@ Reference newReference(Work work) {
 Reference attribute(py::handle object, const char* name);
 Reference attributeIfAny(py::handle object, const char* name);
 
-Reference call(py::handle callable, py::handle arguments);
+Reference callPython(py::handle callable, py::handle arguments);
 
 using Objects = std::span<PyObject* const>;
 

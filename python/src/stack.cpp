@@ -15,7 +15,7 @@ namespace undula {
 namespace {
 
 // A call of the pack with its conversions takes up to 48 KiB. As much is left to what is called back.
-constexpr std::uintptr_t reserve = 96U * 1024U;
+constexpr std::uintptr_t reserve = std::uintptr_t{96} * 1024;
 
 // The lowest address of this thread's stack; 0 where it is not known.
 std::uintptr_t lowestAddress() {

@@ -319,7 +319,7 @@ class Reader {
 std::string Place::text() const {
     std::string text = std::string(function) + ": argument " + std::to_string(index + 1);
     if (!name.empty()) {
-        text += " (" + name + ")";
+        text += " (" + std::string(name) + ")";
     }
     return isResult ? text + ", its result" : text;
 }

@@ -1,6 +1,8 @@
 // A Python callable as a user function. What it raises passes through the host as a C++ exception,
 // which the host keeps from unwinding the pack.
 #include <cmath>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "conversion.h"
@@ -16,10 +18,17 @@ std::shared_ptr<PyObject> keep(py::handle object) {
 
 namespace {
 
-Place resultOf(Place place) {
-    place.isResult = true;
-    return place;
-}
+// The place of an argument, for as long as the function lives.
+struct Argument {
+    std::string_view function;
+    std::size_t index;
+    std::string name;
+
+    explicit Argument(const Place& place) : function(place.function), index(place.index), name(place.name) {}
+    Place place(bool isResult) const {
+        return {.function = function, .index = index, .name = name, .isResult = isResult};
+    }
+};
 
 // What a callable returns for values of the host. The interpreter lock is held.
 Reference resultFor(py::handle callable, const std::vector<Value>& arguments) {
@@ -28,17 +37,17 @@ Reference resultFor(py::handle callable, const std::vector<Value>& arguments) {
     for (py::ssize_t i = 0; i < count; ++i) {
         PyTuple_SET_ITEM(converted.get(), i, toPython(arguments[static_cast<std::size_t>(i)]).release());
     }
-    return call(callable, converted);
+    return callPython(callable, converted);
 }
 
 // A result as a number; the usual one without ado.
-Value numberOf(const Reference& result, const Place& function) {
+Value numberOf(const Reference& result, const Argument& function) {
     if (PyFloat_CheckExact(result.get())) {
         return PyFloat_AS_DOUBLE(result.get());
     }
-    Value value = toHost(result, resultOf(function));
+    Value value = toHost(result, function.place(true));
     if (!value.isScalar()) {
-        throw py::type_error(function.text() + " must return one number, not " +
+        throw py::type_error(function.place(false).text() + " must return one number, not " +
                              Py_TYPE(result.get())->tp_name);
     }
     return value;
@@ -48,9 +57,9 @@ Value numberOf(const Reference& result, const Place& function) {
 
 Value userFunction(py::handle callable, const Place& place) {
     const auto function = [callable = keep(callable),
-                           ofResult = resultOf(place)](const std::vector<Value>& arguments) {
+                           argument = Argument(place)](const std::vector<Value>& arguments) {
         const LockHeld lock;
-        return toHost(resultFor(callable.get(), arguments), ofResult);
+        return toHost(resultFor(callable.get(), arguments), argument.place(true));
     };
     return Value::function(efihost::Callback(function));
 }
@@ -60,9 +69,10 @@ Value wrappedFunction(py::handle object, const Place& place) {
     if (!wrapper->wantsNumber) {
         return userFunction(wrapper->callable, place);
     }
-    const auto function = [kept = keep(object), wrapper, place](const std::vector<Value>& arguments) {
+    const auto function = [kept = keep(object), wrapper,
+                           argument = Argument(place)](const std::vector<Value>& arguments) {
         const LockHeld lock;
-        Value value = numberOf(resultFor(wrapper->callable, arguments), place);
+        Value value = numberOf(resultFor(wrapper->callable, arguments), argument);
         wrapper->metNan = wrapper->metNan || std::isnan(value.real());
         return value;
     };

@@ -44,6 +44,7 @@ makes lengths that can be halved. `undula.thresholding` has thresholds, `undula.
 """
 
 from undula import _functions, _host, costs, plot, thresholding
+from undula._batches import transform_nd
 from undula._denoise import denoise
 from undula._errors import ArgumentCountError, ArithmeticFault, Error, OutOfMemoryError
 from undula._evaluate import evaluate
@@ -68,6 +69,7 @@ _public = [
     evaluate,
     levels,
     pad,
+    transform_nd,
     wavelets,
     *_loaded.values(),
 ]

@@ -30,14 +30,17 @@ def signature(description):
     needed = min(description.forms, key=len)
     kinds = [inspect.Parameter.POSITIONAL_OR_KEYWORD] * len(placed)
     kinds += [inspect.Parameter.KEYWORD_ONLY] * len(named)
-    return inspect.Signature(
+    parameters = [
         inspect.Parameter(
             name,
             kind,
             default=inspect.Parameter.empty if name in needed else description.argument(name).default,
         )
         for name, kind in zip(placed + named, kinds)
-    )
+    ]
+    if description.takes_axis:
+        parameters.append(inspect.Parameter("axis", inspect.Parameter.KEYWORD_ONLY, default=None))
+    return inspect.Signature(parameters)
 
 
 def binder(description):

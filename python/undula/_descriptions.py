@@ -8,6 +8,10 @@ from pathlib import Path
 WIDTH = 88
 
 
+FORWARD = ("dwt", "dwts", "dwti")
+INVERSE = ("idwt", "idwts", "idwti")
+
+
 @dataclass(frozen=True)
 class Argument:
     """`also` is a kind that Python takes besides; `type` says more than the kind, for type checkers."""
@@ -54,6 +58,11 @@ class Description:
 
     def kind_of(self, name):
         return self.argument(name).kind
+
+    @property
+    def takes_axis(self):
+        """Whether it goes along the axes of an array of more dimensions than its own."""
+        return self.name in FORWARD + INVERSE
 
     def calls(self):
         """Every form as it is written in a call."""

@@ -42,22 +42,29 @@ def evaluate(function, /, *arguments, **named):
     >>> undula.evaluate(undula.mother2d, [0.25, 0.75], [0.1, 0.1], "haar", "H").round(12)
     array([ 1., -1.])
     """
-    description = getattr(function, "_description", None)
-    # A wrapper may have copied the attributes of the function that it wraps.
-    if description is None or getattr(sys.modules["undula"], description.name) is not function:
-        raise TypeError("evaluate: argument 1 is not a function of the pack")
+    description = description_of(function, "evaluate")
     if description.result.kind != "scalar":
         raise TypeError(f"{function.__name__}: its result is not a real number")
     return function(*arguments, **named)
+
+
+def description_of(function, caller):
+    """The description of a function of the pack, the first argument of `caller`."""
+    description = getattr(function, "_description", None)
+    # A wrapper may have copied the attributes of the function that it wraps.
+    if description is None or getattr(sys.modules["undula"], description.name) is not function:
+        raise TypeError(f"{caller}: argument 1 is not a function of the pack")
+    return description
 
 
 def at_points(row, called, names, arguments, scalars, exception_for):
     """The results for each element of the arrays among the arguments; None where there is none.
 
     `row` is the function of the table that does what the one `called` so does, and whose result is a real
-    number; `names` are those of its arguments, and `scalars` the places where it takes a scalar. An array there, or a sequence, has the function
-    called for each element; several are broadcast against each other. All other arguments are the same
-    in every call. Raises what `undula.evaluate` says; `exception_for` makes an exception of an error value.
+    number; `names` are those of its arguments, and `scalars` the places where it takes a scalar. An array
+    there, or a sequence, has the function called for each element; several are broadcast against each
+    other. All other arguments are the same in every call. Raises what `undula.evaluate` says;
+    `exception_for` makes an exception of an error value.
     """
     places = [place for place in scalars if not isinstance(arguments[place], (float, int, complex))]
     arrays = [_array(arguments[place]) for place in places]

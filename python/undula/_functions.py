@@ -4,6 +4,7 @@ from pathlib import Path
 
 from undula import _host
 from undula._arguments import preparation
+from undula._batches import apply_along
 from undula._binding import binder, count_text, signature
 from undula._descriptions import read_descriptions
 from undula._evaluate import at_points
@@ -29,12 +30,16 @@ def _function(description, rows, filters):
     bind = binder(description)
     prepare, finish = preparation(description, rows, filters)
 
+    takes_axis = description.takes_axis
     has_points = description.result.kind == "scalar"
     places_of = _ScalarPlaces()
 
     def function(*args, **named):
+        axis = None
         if named:
-            args = bind(args, named)
+            if takes_axis:
+                axis = named.pop("axis", None)
+            args = bind(args, named) if named else args
         if len(args) not in counts:
             return _call_with_wrong_count(row, description, args)
         target, ready, names = prepare(args)
@@ -45,7 +50,10 @@ def _function(description, rows, filters):
             )
             if points is not None:
                 return points
-        outcome = target.call(ready, names)
+        if axis is None:
+            outcome = target.call(ready, names)
+        else:
+            outcome = apply_along(target, names, ready, axis, lambda e: failure(description, e, names, args))
         if type(outcome) is _host.ErrorValue:
             raise failure(description, outcome, names, args)
         if finish is not None:

@@ -18,7 +18,7 @@ GIVEN = {
 MISTAKES = [
     # Order and number
     ("dwt(x, w, 3)", "given was an array of shape (8,); the order is dwt(data, level, wavelet)"),
-    ("dwt(x, 3)", "takes 3 to 5 arguments, got 2: dwt(data, level, wavelet, offsets=None, flips=None)"),
+    ("dwt(x, 3)", "takes 3 to 5 arguments, got 2: dwt(data, level, wavelet, offsets=None, flips=None, *"),
     ("daublet()", "takes 1 argument, got 0"),
     ("father(0.5, 'haar', 2)", "got 3: father(x, wavelet) or father(x, level, shift, wavelet)"),
     ("father('haar', 0.5)", "x is one number; given was 'haar'; the order is father(x, wavelet)"),

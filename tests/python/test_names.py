@@ -30,7 +30,7 @@ def test_arguments_by_name_go_where_those_by_position_go(name):
 
 def test_signatures_show_names_and_defaults():
     shown = {name: str(inspect.signature(getattr(undula, name))) for name in DESCRIPTIONS}
-    assert shown["dwt"] == "(data, level, wavelet, offsets=None, flips=None)"
+    assert shown["dwt"] == "(data, level, wavelet, offsets=None, flips=None, *, axis=None)"
     assert shown["mother2d"] == "(x, y, wavelet, type, *, level=0, shift_x=0, shift_y=0)"
     assert all("..." not in text for text in shown.values())
 
