@@ -91,7 +91,7 @@ std::vector<Value> valuesOf(const Description& function, Form form, const Prepar
         const Argument& argument = call.form[i];
         const octave_value& given = call.arguments(static_cast<octave_idx_type>(i));
         const int position = positionIn(form, call.form, static_cast<int>(i) + 1);
-        if (argument.role == Role::Filter && given.is_string()) {
+        if (argument.role == Role::Filter && isText(given)) {
             values.push_back(filterNamed(given.string_value()));
             if (values.back().isError()) raise(function, form, values.back().message(), position);
         } else {
@@ -134,7 +134,7 @@ octave_value_list call(std::string_view name, const octave_value_list& given) {
 }
 
 octave_value_list callByName(const octave_value_list& given) {
-    if (given.empty() || !given(0).is_string()) {
+    if (given.empty() || !isText(given(0))) {
         error_with_id("Undula:no-such-function", "undula_call: argument 1 must be the name of a function");
     }
     return call(given(0).string_value(), given.slice(1, given.length() - 1));

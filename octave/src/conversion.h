@@ -38,6 +38,9 @@ octave_value toOctave(Value&& value, bool asRows);
 // The value of a function.
 Value userFunction(const octave_value& function, const Place& place, Role role, bool asRows);
 
+// Whether a value is a text of at most one row.
+bool isText(const octave_value& given);
+
 // Whether a value is a signal that lies in a row.
 bool isRow(const octave_value& given);
 

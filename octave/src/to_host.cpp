@@ -44,7 +44,7 @@ class Reader {
 
  private:
     Value text(const octave_value& given) const {
-        if (given.ndims() > 2 || given.rows() > 1) refuse(place_, "cannot be a text of several rows");
+        if (!isText(given)) refuse(place_, "cannot be a text of several rows");
         const std::string letters = given.string_value();
         if (letters.find('\0') != std::string::npos) refuse(place_, "has a character of code 0");
         return letters;
@@ -124,6 +124,10 @@ std::string Place::text() const {
 
 void refuse(const Place& place, const std::string& reason) {
     error_with_id("Undula:no-such-value", "%s %s", place.text().c_str(), reason.c_str());
+}
+
+bool isText(const octave_value& given) {
+    return given.is_string() && given.ndims() == 2 && given.rows() <= 1;
 }
 
 bool isRow(const octave_value& given) {

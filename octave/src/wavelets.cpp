@@ -7,11 +7,10 @@
 #include <vector>
 
 #include "calls.h"
+#include "conversion.h"
 
 namespace undula {
 namespace {
-
-using efihost::Value;
 
 // Which packets a function of a wavelet is, by direction; none for a type that there is not.
 struct Indices {
@@ -22,7 +21,7 @@ struct Indices {
 std::optional<Indices> indicesOf(std::string_view function, const octave_value& type) {
     if (function.find("mother") == std::string_view::npos) return Indices{0, 0};
     if (!function.ends_with("2d")) return Indices{1, 0};
-    const std::string letter = type.is_string() ? type.string_value() : "";
+    const std::string letter = isText(type) ? type.string_value() : "";
     if (letter == "H") return Indices{1, 0};
     if (letter == "V") return Indices{0, 1};
     if (letter == "D") return Indices{1, 1};
@@ -78,7 +77,7 @@ Prepared prepare(const Description& function, Form form, const octave_value_list
     const auto place = std::ranges::find(form, Role::Name, &Argument::role) - form.begin();
     if (place == std::ssize(form)) return call;
     const octave_value wavelet = given(place);
-    if (wavelet.is_string()) {
+    if (isText(wavelet)) {
         const Wavelet* const known = findWavelet(wavelet.string_value());
         if (known) call.arguments(place) = std::string(known->packName);
     } else if (isFilter(wavelet)) {
