@@ -83,7 +83,7 @@ windows-test: build windows
 	tools/test_windows
 
 release-check:
-	tools/install build test demo lint fuzz windows wine
+	tools/install build test octave demo lint fuzz windows wine
 	tools/release_check $(FUZZ)
 
 clean:

@@ -91,8 +91,6 @@ FUNCTIONS = """\
 
 #pragma GCC visibility push(default)
 
-// PKG_ADD: autoload ("undula_call", "undula.oct");
-// PKG_DEL: autoload ("undula_call", "undula.oct", "remove");
 DEFUN_DLD(undula_call, arguments, , R"texinfo(-*- texinfo -*-
 @deftypefn {} {@var{y} =} undula_call (@var{name}, @dots{})
 
@@ -112,8 +110,8 @@ undula_call ("dwt", [4, 6, 10, 12, 8, 6, 5, 5], 1, "haar")
 """
 
 FUNCTION = """\
-// PKG_ADD: autoload ("{name}", "undula.oct");
-// PKG_DEL: autoload ("{name}", "undula.oct", "remove");
+// PKG_ADD: autoload ("{name}", "undula_call.oct");
+// PKG_DEL: autoload ("{name}", "undula_call.oct", "remove");
 DEFUN_DLD({name}, arguments, , R"texinfo({help})texinfo") {{
     return undula::call("{name}", arguments);
 }}
@@ -141,8 +139,7 @@ def index(descriptions):
 
 
 def autoloads(descriptions):
-    names = [*(one.name for one in descriptions), "undula_call"]
-    return "".join(f'autoload ("{name}", "undula.oct");\n' for name in names)
+    return "".join(f'autoload ("{one.name}", "undula_call.oct");\n' for one in descriptions)
 
 
 def examples(descriptions):

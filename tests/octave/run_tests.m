@@ -1,5 +1,8 @@
-## Runs the tests, and the examples of the help: octave-cli run_tests.m FOLDER, where FOLDER has the package
-## in undula/ and examples.txt.
+## Runs the tests, and the examples of the help:
+##
+##     octave-cli run_tests.m EXAMPLES PACKAGE
+##
+## PACKAGE is a folder with the package, or a list of installed packages, of which it is one.
 
 1;
 
@@ -41,9 +44,14 @@ function digits = digits_of (shown)
   digits = max ([0, cellfun(@(one) numel (one{1}), fractions)]);
 endfunction
 
-folder = argv (){end};
-addpath (fullfile (folder, "undula"));
-check_examples (fullfile (folder, "examples.txt"));
+[examples, package] = argv (){end-1:end};
+if (isfolder (package))
+  addpath (package);
+else
+  pkg ("local_list", package);
+  pkg ("load", "undula");
+endif
+check_examples (examples);
 [passed, all] = test (fullfile (fileparts (mfilename ("fullpath")), "undula.tst"), "quiet");
 printf ("%d of %d tests passed\n", passed, all);
 exit (! (passed == all && all > 0));
