@@ -3,7 +3,7 @@
 ## @deftypefnx {} {@var{figures} =} undula_demo ()
 ##
 ## Draws three figures: an electrocardiogram from which noise is removed, the packet table of a signal whose
-## frequency rises, and the best basis of that signal.
+## frequency rises and which has a click in it, and the best basis of that signal.
 ##
 ## @var{figures} are their handles.
 ## @end deftypefn
@@ -25,7 +25,8 @@ function window = draw_denoised ()
   noise = median (abs (get_detail (y, 1))) / 0.6745;
   threshold = noise * sqrt (2 * log (numel (y)));
   smooth = get_smooth (y, level);
-  y = put_smooth (sign (y) .* max (abs (y) - threshold, 0), level, smooth);
+  y(abs (y) < threshold) = 0;
+  y = put_smooth (y, level, smooth);
   denoised = idwt (y, level, "s8");
   seconds = (0:numel (clean) - 1)' / 360;
   window = figure ();
@@ -46,7 +47,8 @@ endfunction
 
 function x = chirp_signal ()
   t = (0:511)' / 512;
-  x = cos (2 * pi * (20 * t + 90 * t .^ 2));
+  x = cos (2 * pi * (20 * t + 30 * t .^ 2));
+  x(400) += 12;
 endfunction
 
 ## Time goes to the right, frequency downwards within each level.
