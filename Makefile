@@ -1,6 +1,8 @@
 # make build         the libraries and the Python package, in build/
 # make demo          remove noise from a real electrocardiogram; draws out/denoise_ecg.png
 # make test          the C++ and the Python tests
+# make octave        the package for GNU Octave, build/undula-VERSION.tar.gz
+# make octave-test   the tests from Octave, beside Python
 # make bench         time the kernels and transforms, also beside PyWavelets
 # make lint          check the formatting, the code with clang-tidy, and the share of tests
 # make asan          the C++ tests under the address and undefined-behaviour sanitizers
@@ -16,7 +18,7 @@
 SECONDS = 60
 FUZZ = 1800
 
-.PHONY: help build demo test bench lint asan fuzz windows windows-test release-check clean
+.PHONY: help build demo test octave octave-test bench lint asan fuzz windows windows-test release-check clean
 
 help:
 	@sed -n 's/^# make/make/p' Makefile
@@ -37,6 +39,17 @@ test:
 	cmake --build --preset release
 	ctest --preset python
 	ctest --preset release
+
+octave:
+	tools/install build octave
+	cmake --preset release
+	cmake --build --preset release --target undula_octave_tarball
+
+octave-test:
+	tools/install build octave
+	cmake --preset release
+	cmake --build --preset release
+	ctest --preset octave
 
 bench:
 	tools/install build bench
@@ -70,7 +83,7 @@ windows-test: build windows
 	tools/test_windows
 
 release-check:
-	tools/install build fftw test demo lint fuzz windows wine
+	tools/install build fftw test octave demo lint fuzz windows wine
 	tools/release_check $(FUZZ)
 
 clean:

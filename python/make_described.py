@@ -35,6 +35,7 @@ def _entry(name, entry, shared):
         "result": entry["result"],
         "errors": [shared["errors"][item] if isinstance(item, str) else item for item in entry["errors"]],
         "example": entry["example"].strip(),
+        "octave": entry.get("octave", ""),
         "literature": [shared["literature"][key] for key in entry.get("literature", ())],
     }
     return made | {"doc": docstring(description_of(made | {"doc": ""}))}

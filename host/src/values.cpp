@@ -5,6 +5,7 @@
 #include <limits>
 #include <new>
 #include <stdexcept>
+#include <utility>
 
 namespace efihost {
 
@@ -267,6 +268,12 @@ std::vector<double> Value::reals() const {
 
 std::vector<double> Value::imaginaries() const {
     return blockOf(matrix(), matrix().im);
+}
+
+double* Value::release() {
+    auto& matrix = Values::get<OwnedMatrix>(wanted(*this, isMatrix()));
+    const bool isOwner = Values::isSole(*this) && !matrix.keeper && matrix.stride == matrix.rows;
+    return isOwner ? std::exchange(matrix.re, nullptr) : nullptr;
 }
 
 bool Value::anyNested() const {

@@ -48,6 +48,7 @@ class Description:
     example: str
     literature: tuple[str, ...]
     doc: str
+    octave: str = ""
 
     def argument_names(self, count):
         """Names of the arguments of a call with `count` of them; empty when no form has that many."""

@@ -232,7 +232,7 @@ def _taps(wavelet):
 def _too_deep(refused):
     sides = _sides(refused.given.get("data"))
     level = refused.value()
-    if 0 in sides or _is_array(level) or isinstance(level, str):
+    if 0 in sides or _is_array(level) or isinstance(level, str) or np.iscomplexobj(level):
         return None
     if level < 0:
         return "levels count from 0, the data itself"

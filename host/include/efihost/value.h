@@ -108,6 +108,11 @@ class EFI_HOST Value {
     // Makes this the handle of a scalar, of the present one where no other handle holds that.
     void setScalar(std::complex<double> number);
 
+    // Gives up the real parts of a matrix, which lie by columns without gaps; the caller frees them with the
+    // global operator delete, and the matrix reads as zeros from then on. Null, and nothing changes, where
+    // another handle holds the matrix or the memory is borrowed.
+    double* release();
+
     // Nested values. A cell holds a number or a value.
     bool anyNested() const;
     Value nested(int row, int col) const;  // empty where the cell holds a number
