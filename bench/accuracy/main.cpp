@@ -3,6 +3,7 @@
 //     accuracy FIGURES.csv [LARGEST]
 //
 // Signals and images have 2^6, 2^8 ... 2^LARGEST numbers, 2^20 unless told otherwise.
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <fstream>
@@ -23,6 +24,11 @@ std::string rounded(double value, const char* format) {
     char text[32];
     std::snprintf(text, sizeof text, format, value);
     return text;
+}
+
+std::string rowOf(const std::string& call, const std::string& kind) {
+    std::string row = "`";
+    return row.append(call).append("`").append(kind);
 }
 
 // The largest figure of each row and column, and what it belongs to.
@@ -77,29 +83,40 @@ struct Tables {
 
     void enter(const std::string& forward, const std::string& inverse, const std::string& kind,
                const Wavelet& wavelet, int size, const Errors& found) {
-        errors.enter("`" + forward + "`" + kind, wavelet.family, wavelet.name, size, found.forward);
-        errors.enter("`" + inverse + "`" + kind, wavelet.family, wavelet.name, size, found.inverse);
-        roundTrips.enter("`" + inverse + "(" + forward + ")`" + kind, wavelet.family, wavelet.name, size,
+        errors.enter(rowOf(forward, kind), wavelet.family, wavelet.name, size, found.forward);
+        errors.enter(rowOf(inverse, kind), wavelet.family, wavelet.name, size, found.inverse);
+        roundTrips.enter(rowOf(inverse + "(" + forward + ")", kind), wavelet.family, wavelet.name, size,
                          found.roundTrip * unit);
     }
 };
 
+// A signal or an image of 2^size numbers, at level 0.
+Shape shapeOf(bool image, int size) {
+    const int side = 1 << (image ? size / 2 : size);
+    return {side, image ? side : 1, 0};
+}
+
+void measureSizes(Measures& measures, Tables& tables, const Treatment& treatment, const Wavelet& wavelet,
+                  bool image, int largest) {
+    const std::string kind = image ? ", image" : "";
+    std::cerr << treatment.letter << kind << ' ' << wavelet.name << '\n';
+    for (int size = 6; size <= largest; size += 2) {
+        Shape shape = shapeOf(image, size);
+        shape.levels = treatment.deepest(wavelet, shape.rows);
+        if (shape.levels == 0) continue;
+        tables.enter("dwt" + treatment.letter, "idwt" + treatment.letter, kind, wavelet, size,
+                     measures.transform(treatment, wavelet, shape));
+        tables.enter("wpt" + treatment.letter, "iwpt" + treatment.letter, kind, wavelet, size,
+                     measures.packets(treatment, wavelet, shape));
+    }
+}
+
 void measureTransforms(Measures& measures, Tables& tables, int largest) {
     for (const Treatment& treatment : treatments) {
         for (const bool image : {false, true}) {
-            const std::string kind = image ? ", image" : "";
             for (const Wavelet& wavelet : measures.wavelets()) {
-                if (!treatment.takes(wavelet)) continue;
-                std::cerr << treatment.letter << kind << ' ' << wavelet.name << '\n';
-                for (int size = 6; size <= largest; size += 2) {
-                    Shape shape = {1 << (image ? size / 2 : size), image ? 1 << size / 2 : 1, 0};
-                    shape.levels = treatment.deepest(wavelet, shape.rows);
-                    if (shape.levels == 0) continue;
-                    tables.enter("dwt" + treatment.letter, "idwt" + treatment.letter, kind, wavelet, size,
-                                 measures.transform(treatment, wavelet, shape));
-                    tables.enter("wpt" + treatment.letter, "iwpt" + treatment.letter, kind, wavelet, size,
-                                 measures.packets(treatment, wavelet, shape));
-                }
+                if (treatment.takes(wavelet))
+                    measureSizes(measures, tables, treatment, wavelet, image, largest);
             }
         }
     }
@@ -125,8 +142,8 @@ void measureDct(Measures& measures, Table& table, int largest) {
     const auto enter = [&](const char* row, int length) {
         std::cerr << "DCT-IV of " << length << '\n';
         const double error = measures.dct(length);
-        table.enter(row, "u", std::to_string(length), std::log2(length), error);
-        table.enter(row, "u sqrt(log2 n)", std::to_string(length), std::log2(length),
+        table.enter(row, "units", std::to_string(length), std::log2(length), error);
+        table.enter(row, "units / sqrt(log2 n)", std::to_string(length), std::log2(length),
                     error / std::sqrt(std::log2(length)));
     };
     for (int size = 6; size <= largest; size += 2) enter("powers of two", 1 << size);
@@ -138,24 +155,22 @@ void measureDct(Measures& measures, Table& table, int largest) {
     }
 }
 
-void measureCosines(Measures& measures, Table& errors, Table& roundTrips, int largest) {
-    for (const BellOf bell : {BellOf::Pack, BellOf::User}) {
-        for (const bool image : {false, true}) {
-            // A definition of n^2 products for each line.
-            for (int size = 6; size <= (image ? std::min(largest, 16) : largest); size += 2) {
-                const int side = 1 << (image ? size / 2 : size);
-                for (const int levels : {0, 1, 2, size / 2 - 1}) {
-                    std::cerr << "cosines of 2^" << size << ", level " << levels << '\n';
-                    const Errors found = measures.cosines(bell, {side, image ? side : 1, levels});
-                    const bool user = bell == BellOf::User;
-                    const std::string kind = image ? ", image" : "";
-                    const std::string name = "level " + std::to_string(levels);
-                    errors.enter((user ? "`lct`" : "`cpt`") + kind, "u", name, size, found.forward);
-                    errors.enter((user ? "`ilct`" : "`icpt`") + kind, "u", name, size, found.inverse);
-                    roundTrips.enter((user ? "`ilct(lct)`" : "`icpt(cpt)`") + kind, "relative", name, size,
-                                     found.roundTrip * unit);
-                }
-            }
+void measureCosines(Measures& measures, Table& errors, Table& roundTrips, BellOf bell, bool image,
+                    int largest) {
+    const std::string forward = bell == BellOf::User ? "lct" : "cpt";
+    const std::string inverse = bell == BellOf::User ? "ilct" : "icpt";
+    const std::string both = bell == BellOf::User ? "ilct(lct)" : "icpt(cpt)";
+    const std::string kind = image ? ", image" : "";
+    for (int size = 6; size <= largest; size += 2) {
+        Shape shape = shapeOf(image, size);
+        for (const int levels : {0, 1, 2, size / 2 - 1}) {
+            std::cerr << forward << kind << " of 2^" << size << ", level " << levels << '\n';
+            shape.levels = levels;
+            const Errors found = measures.cosines(bell, shape);
+            const std::string name = "level " + std::to_string(levels);
+            errors.enter(rowOf(forward, kind), "units", name, size, found.forward);
+            errors.enter(rowOf(inverse, kind), "units", name, size, found.inverse);
+            roundTrips.enter(rowOf(both, kind), "relative", name, size, found.roundTrip * unit);
         }
     }
 }
@@ -187,7 +202,7 @@ void printWide(Measures& measures) {
                     largest, errorOfWide(treatment, wavelet, {4096, 1, treatment.deepest(wavelet, 4096)}));
         }
     }
-    std::cout << rounded(largest, "%.4f") << " u at most.\n" << std::endl;
+    std::cout << rounded(largest, "%.4f") << " units at most.\n" << std::endl;
 }
 
 }  // namespace
@@ -205,20 +220,24 @@ int main(int argc, char** argv) {
     printWide(measures);
     Tables transforms = {Table(file, families), Table(file, families)};
     measureTransforms(measures, transforms, largest);
-    transforms.errors.print("u", "%.1f", true);
+    transforms.errors.print("units", "%.1f", true);
     Table functions(file, families);
     measureFunctions(measures, functions);
-    functions.print("u", "%.1f", true);
-    Table dct(file, {"u", "u sqrt(log2 n)"});
+    functions.print("units", "%.1f", true);
+    Table dct(file, {"units", "units / sqrt(log2 n)"});
     measureDct(measures, dct, largest);
     dct.print("DCT-IV of n numbers", "%.2f", true);
-    Table cosines(file, {"u"});
+    Table cosines(file, {"units"});
     Table cosineTrips(file, {"relative"});
-    measureCosines(measures, cosines, cosineTrips, largest);
+    for (const BellOf bell : {BellOf::Pack, BellOf::User}) {
+        measureCosines(measures, cosines, cosineTrips, bell, false, largest);
+        // The definition of an image takes n products for each number of each line.
+        measureCosines(measures, cosines, cosineTrips, bell, true, std::min(largest, 16));
+    }
     cosines.print("local cosines", "%.1f", true);
     double bell = 0.0;
     for (int size = 0; size < largest; ++size) bell = std::max(bell, bellError(1 << size));
-    std::cout << "The built-in bell and its complement: " << rounded(bell, "%.1f") << " u.\n\n";
+    std::cout << "The built-in bell and its complement: " << rounded(bell, "%.1f") << " units.\n\n";
     transforms.roundTrips.print("relative", "%.0e", true);
     cosineTrips.print("there and back", "%.0e", false);
     printLimits(measures, file);

@@ -82,7 +82,10 @@ Value basisOfLevel(const Shape& shape) {
     const int count = side * across;
     Signal rows;
     rows.insert(rows.end(), static_cast<std::size_t>(count), shape.levels);
-    for (int i = 0; i < count; ++i) rows.push_back(i / across);
+    for (int i = 0; i < count; ++i) {
+        const int row = i / across;
+        rows.push_back(row);
+    }
     for (int i = 0; i < count && shape.cols > 1; ++i) rows.push_back(i % across);
     return Value::matrix(count, shape.cols == 1 ? 2 : 3, rows);
 }
@@ -188,7 +191,11 @@ struct CosineLine {
     const WideSignal& x;
     long length;
 
-    Wide sample(long p) const { return plain::at(x, plain::mod(p, plain::lengthOf(x))); }
+    // At most one period beyond either end.
+    Wide sample(long p) const {
+        const long n = plain::lengthOf(x);
+        return plain::at(x, p < 0 ? p + n : p < n ? p : p - n);
+    }
 
     Wide folded(long start, long k) const {
         const long fromEnd = length - 1 - k;
@@ -273,6 +280,45 @@ WideSignal cosinesOf(Direction direction, const Bell& bell, const Shape& shape, 
         for (long c = 0; c < shape.cols; ++c) plain::at(image, c * rows + r) = plain::at(row, c);
     }
     return image;
+}
+
+// The two-scale relation of a filter, scaled to the sum sqrt(2), which filters that are cut off miss: from
+// values at oldSteps points a unit to those at `steps` points, once or twice as many.
+WideSignal refined(const Signal& taps, const WideSignal& old, long oldSteps, long steps) {
+    const Wide sum = std::accumulate(taps.begin(), taps.end(), Wide{0});
+    const long L = plain::lengthOf(taps);
+    WideSignal out(static_cast<std::size_t>((L - 1) * steps + 1));
+    for (long i = 0; i < plain::lengthOf(out); ++i) {
+        for (long q = 0; q < L; ++q) {
+            const long from = i * (2 * oldSteps / steps) - q * oldSteps;
+            if (0 <= from && from < plain::lengthOf(old))
+                plain::at(out, i) += 2 / sum * plain::at(taps, q) * plain::at(old, from);
+        }
+    }
+    return out;
+}
+
+// The scaling function at the integers, an eigenvector of the two-scale relation; empty where that does not
+// settle.
+WideSignal valuesAtIntegers(const Signal& taps) {
+    // From the first coefficient that is more than a rounding, where a jump belongs to what comes after it.
+    WideSignal values(taps.size());
+    const auto first = std::ranges::find_if(taps, [](double tap) { return std::fabs(tap) > 1e-15; });
+    values[static_cast<std::size_t>(first - taps.begin())] = 1.0;
+    Wide change = 0.0;
+    for (int i = 0; i < 2000; ++i) {
+        WideSignal next = refined(taps, values, 1, 1);
+        const Wide total = std::accumulate(next.begin(), next.end(), Wide{0});
+        change = 0.0;
+        for (std::size_t k = 0; k < values.size(); ++k) {
+            next[k] /= total;
+            // NaN, where the values have grown beyond all numbers, stays.
+            const Wide moved = std::fabs(next[k] - values[k]);
+            if (!(moved <= change)) change = moved;
+        }
+        values = next;
+    }
+    return change < 1e-9L ? values : WideSignal();
 }
 
 }  // namespace
@@ -437,45 +483,15 @@ double bellError(int halfLength) {
     return largest;
 }
 
-// The values at the integers are an eigenvector of the two-scale relation, which then gives those at halves,
-// quarters and so on. The filter is scaled to the sum sqrt(2), which filters that are cut off miss.
 LimitDistance limitDistance(const Wavelet& wavelet, bool dual) {
     constexpr int stages = 12;
     const Signal& taps = dual ? wavelet.pair.synthesis : wavelet.pair.analysis;
     const long offset = dual ? wavelet.pair.synthesisOffset : wavelet.pair.analysisOffset;
     const long L = plain::lengthOf(taps);
     const Wide sum = std::accumulate(taps.begin(), taps.end(), Wide{0});
-    // The relation at the points first + i / steps, of values at the points first + i / (steps / 2).
-    const auto refined = [&](const WideSignal& old, long oldSteps, long steps) {
-        WideSignal out(static_cast<std::size_t>((L - 1) * steps + 1));
-        for (long i = 0; i < plain::lengthOf(out); ++i) {
-            for (long q = 0; q < L; ++q) {
-                const long from = i * 2 * oldSteps / steps - q * oldSteps;
-                if (0 <= from && from < plain::lengthOf(old))
-                    plain::at(out, i) += 2 / sum * plain::at(taps, q) * plain::at(old, from);
-            }
-        }
-        return out;
-    };
-    // From the first coefficient that is more than a rounding, where a jump belongs to what comes after it.
-    WideSignal values(static_cast<std::size_t>(L));
-    const auto first = std::ranges::find_if(taps, [](double tap) { return std::fabs(tap) > 1e-15; });
-    values[static_cast<std::size_t>(first - taps.begin())] = 1.0;
-    Wide change = 0.0;
-    for (int i = 0; i < 2000; ++i) {
-        WideSignal next = refined(values, 1, 1);
-        const Wide total = std::accumulate(next.begin(), next.end(), Wide{0});
-        change = 0.0;
-        for (std::size_t k = 0; k < values.size(); ++k) {
-            next[k] /= total;
-            // NaN, where the values have grown beyond all numbers, stays.
-            const Wide moved = std::fabs(next[k] - values[k]);
-            if (!(moved <= change)) change = moved;
-        }
-        values = next;
-    }
-    if (!(change < 1e-9L)) return {};
-    for (int j = 0; j < stages; ++j) values = refined(values, 1L << j, 2L << j);
+    WideSignal values = valuesAtIntegers(taps);
+    if (values.empty()) return {};
+    for (int j = 0; j < stages; ++j) values = refined(taps, values, 1L << j, 2L << j);
 
     Wide moment = 0.0;
     for (long q = 0; q < L; ++q) moment += static_cast<Wide>(offset + q) * plain::at(taps, q) / sum;

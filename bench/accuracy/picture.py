@@ -26,12 +26,12 @@ def lines(path):
     with open(path, newline="") as file:
         for row in csv.DictReader(file, delimiter=";", fieldnames=("row", "column", "name", "size", "figure")):
             kind, column = row["row"], row["column"]
-            if kind in ("row", "limit") or "(" in kind or column in ("relative", "u sqrt(log2 n)"):
+            if kind in ("row", "limit") or "(" in kind or column in ("relative", "units / sqrt(log2 n)"):
                 continue
             label = column
             if kind in COSINES:
                 kind, label = "DCT-IV", "DCT-IV, " + kind
-            elif column == "u":
+            elif column == "units":
                 label = "cpt, lct and inverses"
                 kind = "cpt"
             for panel, words in PANELS.items():

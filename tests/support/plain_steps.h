@@ -69,7 +69,7 @@ SignalOf<Number> periodicAnalysis(const FilterBank& bank, const SignalOf<Number>
 template <class Number>
 SignalOf<Number> symmetricAnalysis(const FilterBank& bank, const SignalOf<Number>& x, bool swap) {
     const long n = lengthOf(x);
-    const long period = bank.La % 2 != 0 ? 2 * n - 2 : 2 * n;
+    const long period = bank.La % 2 != 0 ? std::max(2 * n - 2, 1L) : 2 * n;
     return analyse(bank, x, swap, [=](long p) {
         p = mod(p, period);
         return p < n ? p : period - p - (period == 2 * n ? 1 : 0);
