@@ -4,6 +4,7 @@
 # make octave        the package for GNU Octave, build/undula-VERSION.tar.gz
 # make octave-test   the tests from Octave, beside Python
 # make bench         time the kernels and transforms, also beside PyWavelets
+# make accuracy      how exact the arithmetic is: the tables and the picture of docs/accuracy.md, in 15 minutes
 # make lint          check the formatting, the code with clang-tidy, and the share of tests
 # make asan          the C++ tests under the address and undefined-behaviour sanitizers
 # make fuzz          random calls of every function, for SECONDS=60
@@ -18,7 +19,7 @@
 SECONDS = 60
 FUZZ = 1800
 
-.PHONY: help build demo test octave octave-test bench lint asan fuzz windows windows-test release-check clean
+.PHONY: help build demo test octave octave-test bench accuracy lint asan fuzz windows windows-test release-check clean
 
 help:
 	@sed -n 's/^# make/make/p' Makefile
@@ -55,6 +56,11 @@ bench:
 	tools/install build bench
 	cmake --preset release
 	cmake --build --preset release --target bench
+
+accuracy:
+	tools/install build demo
+	cmake --preset release
+	cmake --build --preset release --target accuracy
 
 lint:
 	tools/install build lint

@@ -55,6 +55,17 @@ void multiply(FourierNumbers& numbers, const FourierNumbers& factors) {
     std::ranges::transform(numbers, factors, numbers.begin(), std::multiplies<>());
 }
 
+// exp(+-pi i k / n) for k < 2 n. The angle is taken from the nearest of four axes, since the rounding of
+// a large angle is a large error.
+Complex onCircle(std::uint64_t k, std::uint64_t n, bool inverse) {
+    const std::uint64_t axis = (2 * k + n / 2) / n;
+    const double beyond = 0.5 * (2.0 * static_cast<double>(k) - static_cast<double>(axis * n));
+    const Complex turned = std::polar(1.0, std::numbers::pi * beyond / static_cast<double>(n));
+    const Complex axes[] = {{1.0, 0.0}, {0.0, 1.0}, {-1.0, 0.0}, {0.0, -1.0}};
+    const Complex point = turned * axes[axis % 4];
+    return inverse ? point : std::conj(point);
+}
+
 // With m k = (m^2 + k^2 - (m - k)^2) / 2 the transform becomes a convolution with the chirp
 // exp(-+pi i k^2 / n), which transforms of a smooth length carry out.
 class ChirpPlan : public FourierPlan {
@@ -64,11 +75,10 @@ class ChirpPlan : public FourierPlan {
           response_(smoothLengthFrom(2 * n - 1)),
           forwards_(response_.size(), false),
           backwards_(response_.size(), true) {
-        const double unit = (inverse ? 1.0 : -1.0) * std::numbers::pi / static_cast<double>(n);
         for (std::size_t k = 0; k < n; ++k) {
             // The square is reduced as an integer, so that no digit of the angle is lost.
             const std::uint64_t square = std::uint64_t{k} * k % (2 * std::uint64_t{n});
-            chirp_[k] = std::polar(1.0, unit * static_cast<double>(square));
+            chirp_[k] = onCircle(square, n, inverse);
         }
         const double scale = 1.0 / static_cast<double>(response_.size());
         response_[0] = std::conj(chirp_[0]) * scale;

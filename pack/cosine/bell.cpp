@@ -31,7 +31,8 @@ bool sampleBell(std::uint64_t halfLength, double_to_double_func* bell, BellSampl
         } else {
             const double b = bell->evaluate(0.5 + midpoint / (2.0 * n));
             samples.rising[k] = b;
-            samples.falling[k] = std::sqrt(1.0 - b * b);
+            // Near 1 the difference of the squares would lose half the digits.
+            samples.falling[k] = std::sqrt((1.0 - b) * (1.0 + b));
         }
     }
     return true;

@@ -115,15 +115,15 @@ TEST_F(SymmetricTransform, FollowsTheDefinitionAndIsInverted) {
     for (int length = 2; length <= 40; ++length) shapes.emplace_back(length, 1);
     for (const auto& [m, n] : splinePairs) {
         const Value filter = call("Bspline", m, n);
-        const FilterPair pair = splinePair(filter);
+        const PairBank bank(splinePair(filter));
         for (const auto& [rows, cols] : shapes) {
             const Value x = strided(rows, cols, image(rows, cols).reals());
             for (int level = 0; 1 << level <= (cols == 1 ? rows : std::min(rows, cols)); ++level) {
                 SCOPED_TRACE(testing::Message() << m << n << ", " << rows << " x " << cols << ", " << level);
                 const Value y = call("dwts", x, level, filter);
                 expectNear(y.reals(),
-                           transformed(plain::symmetricAnalysis, Direction::analysis, pair, x.reals(), rows,
-                                       cols, level),
+                           transformed<double>(plain::symmetricAnalysis, Direction::analysis, bank, x.reals(),
+                                               rows, cols, level),
                            1e-13);
                 expectNear(numbers("idwts", y, level, filter), x.reals(), cols == 1 ? 1e-14 : 2e-14);
             }

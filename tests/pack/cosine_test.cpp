@@ -4,7 +4,6 @@
 #include <numbers>
 #include <numeric>
 
-#include "cosine/bell.h"
 #include "support/packets.h"
 
 using efihost::Callback;
@@ -156,23 +155,6 @@ TEST_F(CosinePackets, MergesSegmentsOfOddLength) {
     for (const Tiling& tiling : allTilings(1, 2)) {
         const Numbers merged = numbers("icpt", signal(4 * 35), 2, basisOf(1, tiling));
         EXPECT_NEAR(energyOf(merged), energyOf(noise(4 * 35)), 1e-12);
-    }
-}
-
-// 1 - b^2 = cos^2(pi/2 sin^2(pi x/2)), without the difference in which digits are lost near the end.
-TEST(Bell, KeepsItsDigitsWhereItsComplementIsSmall) {
-    constexpr long double quarter = std::numbers::pi_v<long double> / 2;
-    for (const int n : {1, 4, 100, 1000}) {
-        undula::BellSamples samples;
-        ASSERT_TRUE(undula::sampleBell(static_cast<std::uint64_t>(n), nullptr, samples));
-        for (int k = 0; k < n; ++k) {
-            const auto at = static_cast<std::size_t>(k);
-            const long double sine = std::sin(quarter * (0.5L + (k + 0.5L) / (2 * n)));
-            const long double angle = quarter * sine * sine;
-            EXPECT_NEAR(samples.rising[at], static_cast<double>(std::sin(angle)), 4e-16);
-            EXPECT_NEAR(samples.falling[at] / static_cast<double>(std::cos(angle)), 1, 1e-12)
-                << n << " " << k;
-        }
     }
 }
 

@@ -8,104 +8,17 @@
 
 #include "support/function_table.h"
 #include "support/packets.h"
-#include "support/spline_pairs.h"
 
 namespace {
 
 constexpr double denormal = std::numeric_limits<double>::denorm_min();
-constexpr double rootOfTwo = 1.4142135623730951;
 constexpr double twoTo31 = 0x1p31;
-
-struct Placed {
-    Numbers taps;
-    int offset;
-
-    double place(std::size_t q) const { return offset + static_cast<double>(q); }
-};
-
-// The high-pass filter that the low-pass filter of the other channel gives.
-Placed highPass(const Placed& low) {
-    const int count = static_cast<int>(low.taps.size());
-    Placed high = {Numbers(low.taps.rbegin(), low.taps.rend()), 2 - low.offset - count};
-    const bool negativeFirst = count / 2 % 2 == 0;
-    for (std::size_t i = negativeFirst ? 0 : 1; i < high.taps.size(); i += 2) high.taps[i] = -high.taps[i];
-    return high;
-}
-
-// The product of the filter's polynomial in z, z^2, z^4, z^8 and z^16.
-Numbers cascadeOf(const Numbers& taps) {
-    Numbers table = {1.0};
-    for (std::size_t distance = 1; distance < 32; distance *= 2) {
-        Numbers product(table.size() + distance * (taps.size() - 1));
-        for (std::size_t i = 0; i < table.size(); ++i) {
-            for (std::size_t q = 0; q < taps.size(); ++q) product[i + q * distance] += table[i] * taps[q];
-        }
-        table = product;
-    }
-    return table;
-}
-
-struct Named {
-    std::string name;
-    Value filter;
-    Placed analysis;
-    Placed synthesis;
-};
 
 class Evaluation : public PackTest {
  protected:
-    Named orthonormal(const char* letters, const char* family, int taps) {
-        const Value filter = call(family, taps);
-        const bool coiflet = letters == std::string("coif");
-        const Placed low = {filter.reals(), coiflet ? -taps / 3 : 1 - taps / 2};
-        return {letters + std::to_string(taps), filter, low, low};
-    }
-    Named spline(int m, int n) {
-        const Value filter = call("Bspline", m, n);
-        Numbers synthesis(filter.re(1).begin(), filter.re(1).begin() + m + 1);
-        const Placed a = {Numbers(filter.re(0).begin(), filter.re(0).end()), 1 - (filter.rows() + 1) / 2};
-        const Placed s = {std::move(synthesis), 1 - (m + 2) / 2};
-        return {"bs" + std::to_string(m) + std::to_string(n), filter, a, s};
-    }
-    std::vector<Named> families() {
-        std::vector<Named> all;
-        for (int taps = 2; taps <= 20; taps += 2) all.push_back(orthonormal("daub", "daublet", taps));
-        for (int taps = 4; taps <= 20; taps += 2) all.push_back(orthonormal("symm", "symmlet", taps));
-        for (int taps = 6; taps <= 30; taps += 6) all.push_back(orthonormal("coif", "coiflet", taps));
-        for (const auto& [m, n] : splinePairs) all.push_back(spline(m, n));
-        return all;
-    }
-
     double value(std::string_view function, double x, double level, double shift, double index,
                  const Value& filter) {
         return call(function, x, level, shift, index, filter).real();
-    }
-
-    // The tabulated scaling function, by its table.
-    void expectScalingFunction(const std::string& function, const std::string& name, const Placed& low) {
-        const Numbers table = cascadeOf(low.taps);
-        const int count = static_cast<int>(table.size());
-        for (int i = -33; i < count + 33; ++i) {
-            const double x = (31 * low.offset + i + 0.75) / 32.0;
-            const bool inside = 0 <= i && i < count;
-            const double expected = inside ? std::pow(2.0, 2.5) * table[static_cast<std::size_t>(i)] : 0.0;
-            EXPECT_NEAR(call(function, x, name).real(), expected, 4e-13 * (1 + std::fabs(expected))) << x;
-        }
-    }
-    // Each packet by the two-scale relation with the one that it is made of.
-    void expectPackets(const std::string& function, const Value& filter, const Placed& low,
-                       const Placed& high) {
-        for (unsigned n = 1; n < 12; ++n) {
-            const Placed& relation = (n ^ n >> 1) % 2 == 0 ? low : high;
-            for (double t = relation.offset - 1.21; t < relation.place(relation.taps.size()); t += 0.90625) {
-                double sum = 0.0;
-                for (std::size_t q = 0; q < relation.taps.size(); ++q)
-                    sum +=
-                        relation.taps[q] * value(function, 2.0 * t - relation.place(q), 0, 0, n / 2, filter);
-                const double tolerance = n == 1 ? 1e-11 : 1e-10;
-                EXPECT_NEAR(value(function, t, 0, 0, n, filter), rootOfTwo * sum, tolerance) << n;
-            }
-        }
     }
 };
 
@@ -147,13 +60,12 @@ TEST_F(Evaluation, HaarPacketsAreCountedByChangesOfSign) {
     }
 }
 
-TEST_F(Evaluation, ValuesAreTheDefinitionWrittenOut) {
-    for (const auto& [name, filter, analysis, synthesis] : families()) {
-        SCOPED_TRACE(name);
-        expectScalingFunction("father", name, analysis);
-        expectScalingFunction("dlfather", name, synthesis);
-        expectPackets("wavelet", filter, analysis, highPass(synthesis));
-        expectPackets("dlwavelet", filter, synthesis, highPass(analysis));
+TEST_F(Evaluation, NamedFunctionsArePacketsZeroAndOne) {
+    for (const auto& [name, family, taps] : {std::tuple("daub8", "daublet", 8),
+                                             {"symm10", "symmlet", 10},
+                                             {"coif12", "coiflet", 12},
+                                             {"bl3", "bl", 3}}) {
+        const Value filter = call(family, taps);
         for (const double x : {-1.2, 0.0, 0.3, 2.7}) {
             for (const std::string dl : {"", "dl"}) {
                 EXPECT_EQ(value(dl + "wavelet", x, 0, 0, 0, filter), call(dl + "father", x, name).real());
@@ -162,7 +74,6 @@ TEST_F(Evaluation, ValuesAreTheDefinitionWrittenOut) {
             EXPECT_EQ(value("dlwavelet", 4 * (x + 9), 2, 9, 5, filter) * 4,
                       value("dlwavelet", x, 0, 0, 5, filter));
         }
-        if (HasFailure()) return;
     }
 }
 

@@ -229,20 +229,6 @@ TEST(Steps, RefuseWhatIsTooShortWithoutLookingAtIt) {
 
 namespace {
 
-// The step along every column and then along every row, gathered one by one.
-void plainImage(plain::Step* step, const FilterBank& bank, const Block& block, const Swaps& swaps) {
-    for (std::uint32_t c = 0; c < block.cols; ++c) {
-        const Signal column(block.column(c), block.column(c) + block.rows);
-        std::ranges::copy(step(bank, column, swaps.inColumns), block.column(c));
-    }
-    for (std::uint32_t r = 0; r < block.rows; ++r) {
-        Signal row(block.cols);
-        for (std::uint32_t c = 0; c < block.cols; ++c) row[c] = block.column(c)[r];
-        const Signal out = step(bank, row, swaps.inRows);
-        for (std::uint32_t c = 0; c < block.cols; ++c) block.column(c)[r] = out[c];
-    }
-}
-
 // A block of a larger image, in place and into another image; all else stays as it is.
 void expectPlainImage(const Treatment& treatment, const FilterBank& bank, std::uint32_t height,
                       std::uint32_t width, const Swaps& swaps) {
@@ -257,7 +243,8 @@ void expectPlainImage(const Treatment& treatment, const FilterBank& bank, std::u
     };
     for (const bool forward : {true, false}) {
         Signal expected = image;
-        plainImage(forward ? treatment.analysis : treatment.synthesis, bank, inside(expected), swaps);
+        plain::stepImage(forward ? treatment.analysis : treatment.synthesis, bank, inside(expected).origin,
+                         static_cast<long>(rows), height, width, swaps);
         for (const bool inPlace : {true, false}) {
             Signal from = image;
             Signal into = image;

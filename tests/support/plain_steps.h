@@ -1,28 +1,37 @@
 // The steps of a filter bank as plain loops over one signal: slow, obvious, and the measure of the
-// pack's own.
+// pack's own. In double they have its very bits; in a wider type they show how far it rounds.
 #pragma once
 
 #include <algorithm>
 #include <vector>
 
+#include "dwt/image_steps.h"
 #include "filters/filter_bank.h"
 
 namespace plain {
 
-using Signal = std::vector<double>;
+template <class Number>
+using SignalOf = std::vector<Number>;
+using Signal = SignalOf<double>;
 using undula::FilterBank;
-using Step = Signal(const FilterBank& bank, const Signal& x, bool swap);
+template <class Number>
+using StepOf = SignalOf<Number>(const FilterBank& bank, const SignalOf<Number>& x, bool swap);
+using Step = StepOf<double>;
 
 inline long mod(long p, long n) {
+    if (0 <= p && p < n) return p;
     return ((p % n) + n) % n;
 }
-inline long lengthOf(const Signal& x) {
+template <class Number>
+long lengthOf(const SignalOf<Number>& x) {
     return static_cast<long>(x.size());
 }
-inline double& at(Signal& x, long p) {
+template <class Number>
+Number& at(SignalOf<Number>& x, long p) {
     return x[static_cast<std::size_t>(p)];
 }
-inline double at(const Signal& x, long p) {
+template <class Number>
+Number at(const SignalOf<Number>& x, long p) {
     return x[static_cast<std::size_t>(p)];
 }
 
@@ -34,12 +43,12 @@ inline long highPlace(long k, long n, bool swap) {
 }
 
 // extension(p) is the position within the signal that stands for p.
-template <class Extension>
-Signal analyse(const FilterBank& bank, const Signal& x, bool swap, Extension extension) {
+template <class Number, class Extension>
+SignalOf<Number> analyse(const FilterBank& bank, const SignalOf<Number>& x, bool swap, Extension extension) {
     const long n = lengthOf(x);
-    Signal out(x.size());
+    SignalOf<Number> out(x.size());
     const auto correlate = [&](const double* f, long taps, long start) {
-        double sum = 0.0;
+        Number sum = 0.0;
         for (long j = 0; j < taps; ++j) sum += f[j] * at(x, extension(start + j));
         return sum;
     };
@@ -50,71 +59,76 @@ Signal analyse(const FilterBank& bank, const Signal& x, bool swap, Extension ext
     return out;
 }
 
-inline Signal periodicAnalysis(const FilterBank& bank, const Signal& x, bool swap) {
+template <class Number>
+SignalOf<Number> periodicAnalysis(const FilterBank& bank, const SignalOf<Number>& x, bool swap) {
     return analyse(bank, x, swap, [n = lengthOf(x)](long p) { return mod(p, n); });
 }
 
 // The mirror images, one after the other: about the end samples for a filter with a middle tap,
 // beside them for one without.
-inline Signal symmetricAnalysis(const FilterBank& bank, const Signal& x, bool swap) {
+template <class Number>
+SignalOf<Number> symmetricAnalysis(const FilterBank& bank, const SignalOf<Number>& x, bool swap) {
     const long n = lengthOf(x);
-    const long period = bank.La % 2 != 0 ? 2 * n - 2 : 2 * n;
+    const long period = bank.La % 2 != 0 ? std::max(2 * n - 2, 1L) : 2 * n;
     return analyse(bank, x, swap, [=](long p) {
         p = mod(p, period);
         return p < n ? p : period - p - (period == 2 * n ? 1 : 0);
     });
 }
 
-inline Signal periodicSynthesis(const FilterBank& bank, const Signal& y, bool swap) {
+template <class Number>
+SignalOf<Number> periodicSynthesis(const FilterBank& bank, const SignalOf<Number>& y, bool swap) {
     const long n = lengthOf(y);
     const long first = std::min({0L, long{bank.os}, long{bank.og}});
     const long most = std::max({0L, long{bank.og} + bank.La, long{bank.os} + bank.Lb});
-    Signal room(static_cast<std::size_t>(n + most - first + 1));  // on both sides of the signal
-    const auto ext = [&](long p) -> double& { return room.at(static_cast<std::size_t>(p - first)); };
+    SignalOf<Number> room(static_cast<std::size_t>(n + most - first + 1));  // on both sides of the signal
+    const auto ext = [&](long p) -> Number& { return room.at(static_cast<std::size_t>(p - first)); };
     for (long k = 0; k < (n + 1) / 2; ++k) {
-        const double s = at(y, lowPlace(k, n, swap));
+        const Number s = at(y, lowPlace(k, n, swap));
         for (long j = 0; j < bank.Lb; ++j) ext(bank.os + 2 * k + j) += s * bank.hs[j];
         if (k >= n / 2) break;
-        const double d = at(y, highPlace(k, n, swap));
+        const Number d = at(y, highPlace(k, n, swap));
         for (long j = 0; j < bank.La; ++j) ext(bank.og + 2 * k + j) += d * bank.gs[j];
     }
     for (long p = first; p < 0; ++p) ext(mod(p, n)) += ext(p);
     for (long i = most; i >= 0; --i) ext(mod(i, n)) += ext(n + i);
-    return Signal(room.begin() - first, room.begin() - first + n);
+    return SignalOf<Number>(room.begin() - first, room.begin() - first + n);
 }
 
 // Continues both parts to one period and merges that periodically.
-inline Signal symmetricSynthesis(const FilterBank& bank, const Signal& y, bool swap) {
+template <class Number>
+SignalOf<Number> symmetricSynthesis(const FilterBank& bank, const SignalOf<Number>& y, bool swap) {
     const long n = lengthOf(y);
     const bool odd = n % 2 != 0;
     const bool wholeSample = bank.Lb % 2 != 0;
     const auto part = [&](long start, long count) {
-        return Signal(y.begin() + start, y.begin() + start + count);
+        return SignalOf<Number>(y.begin() + start, y.begin() + start + count);
     };
-    const auto mirror = [](Signal& half, long last, long first, double sign) {
+    const auto mirror = [](SignalOf<Number>& half, long last, long first, double sign) {
         for (long i = last; i >= first; --i) half.push_back(sign * at(half, i));
     };
-    Signal low = part(lowPlace(0, n, swap), (n + 1) / 2);
-    Signal high = part(highPlace(0, n, swap), n / 2);
+    SignalOf<Number> low = part(lowPlace(0, n, swap), (n + 1) / 2);
+    SignalOf<Number> high = part(highPlace(0, n, swap), n / 2);
     const long lastHigh = lengthOf(high) - 1;
     mirror(low, lengthOf(low) - (odd ? 2 : 1), wholeSample ? 1 : 0, 1.0);
     if (odd && !wholeSample) high.push_back(0.0);
     mirror(high, lastHigh - (!odd && wholeSample ? 1 : 0), 0, wholeSample ? 1.0 : -1.0);
 
-    Signal period = swap ? high : low;
-    const Signal& second = swap ? low : high;
+    SignalOf<Number> period = swap ? high : low;
+    const SignalOf<Number>& second = swap ? low : high;
     period.insert(period.end(), second.begin(), second.end());
-    Signal out = periodicSynthesis(bank, period, swap);
+    SignalOf<Number> out = periodicSynthesis(bank, period, swap);
     out.resize(y.size());
     return out;
 }
 
-inline Signal intervalAnalysis(const FilterBank& bank, const Signal& x, bool swap) {
+template <class Number>
+SignalOf<Number> intervalAnalysis(const FilterBank& bank, const SignalOf<Number>& x, bool swap) {
     const long n = lengthOf(x);
     const long rows = bank.La / 2;
-    Signal out(x.size());
-    const auto low = [&](long k) -> double& { return at(out, lowPlace(k, n, swap)); };
-    const auto high = [&](long k) -> double& { return at(out, highPlace(k, n, swap)); };
+    SignalOf<Number> out(x.size());
+    const auto low = [&](long k) -> Number& { return at(out, lowPlace(k, n, swap)); };
+    const auto high = [&](long k) -> Number& { return at(out, highPlace(k, n, swap)); };
     for (long i = 0; i < rows; ++i) {
         for (long t = 0; t <= rows + 2 * i; ++t) {
             low(i) += bank.BLlo[i][t] * at(x, t);
@@ -131,10 +145,11 @@ inline Signal intervalAnalysis(const FilterBank& bank, const Signal& x, bool swa
     return out;
 }
 
-inline Signal intervalSynthesis(const FilterBank& bank, const Signal& y, bool swap) {
+template <class Number>
+SignalOf<Number> intervalSynthesis(const FilterBank& bank, const SignalOf<Number>& y, bool swap) {
     const long n = lengthOf(y);
     const long rows = bank.La / 2;
-    Signal x(y.size());
+    SignalOf<Number> x(y.size());
     const auto low = [&](long k) { return at(y, lowPlace(k, n, swap)); };
     const auto high = [&](long k) { return at(y, highPlace(k, n, swap)); };
     for (long i = 0; i < rows; ++i) {
@@ -152,6 +167,21 @@ inline Signal intervalSynthesis(const FilterBank& bank, const Signal& y, bool sw
             at(x, n - 1 - t) += low(k) * bank.BRlo[i][t] + high(k) * bank.BRhi[i][t];
     }
     return x;
+}
+
+// The step along every column of a part of an image and then along every row; of a signal along its one
+// column.
+template <class Number>
+void stepImage(StepOf<Number>* step, const FilterBank& bank, Number* origin, long stride, long rows,
+               long cols, const undula::Swaps& swaps) {
+    const auto replace = [&](Number* first, long distance, long count, bool swap) {
+        SignalOf<Number> line(static_cast<std::size_t>(count));
+        for (long i = 0; i < count; ++i) at(line, i) = first[i * distance];
+        line = step(bank, line, swap);
+        for (long i = 0; i < count; ++i) first[i * distance] = at(line, i);
+    };
+    for (long c = 0; c < cols; ++c) replace(origin + c * stride, 1, rows, swaps.inColumns);
+    for (long r = 0; cols > 1 && r < rows; ++r) replace(origin + r, stride, cols, swaps.inRows);
 }
 
 }  // namespace plain
