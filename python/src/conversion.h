@@ -24,7 +24,7 @@ struct Place {
     std::string_view function;  // of the pack, whose names live as long as the process
     std::size_t index;          // of the argument, from 0
     std::string name;           // of the argument; may be empty
-    bool isResult = false;  // not the argument itself, but what it has returned as a function
+    bool isResult = false;      // not the argument itself, but what it has returned as a function
 
     // "dwt: argument 1 (data)"
     std::string text() const;
