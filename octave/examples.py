@@ -1,7 +1,7 @@
 """The examples of the descriptions, which are written in Python, in the language of Octave.
 
-What is taken for granted is only what they use: lists, calls, arithmetic and one-line functions. An example beyond
-that has an Octave text of its own in the description.
+Only what they use is known here: lists, calls, arithmetic and one-line functions. Beside an example
+beyond that stands one in Octave in the description.
 """
 
 import ast

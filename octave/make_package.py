@@ -2,8 +2,9 @@
 
     python3 octave/make_package.py VERSION MADE KISSFFT TARBALL
 
-MADE is the folder with what make_described.py has made, KISSFFT the header of that library. The package holds the
-sources of the binding, the host and the pack, so that it needs nothing but a compiler and Octave's headers.
+MADE is the folder with what make_described.py has made, KISSFFT the header of that library. The package
+holds the sources of the binding, the host and the pack, so that it needs nothing but a compiler and Octave's
+headers.
 """
 
 import io

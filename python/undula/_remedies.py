@@ -253,7 +253,9 @@ def _any_length(refused):
     other = {"dwt": "dwts", "dwti": "dwts", "wpt": "wpts", "wpti": "wpts"}.get(refused.function())
     sides = _sides(refused.given.get("data"))
     level = refused.value()
-    if other is None or not sides or 1 in sides or _is_array(level) or np.real(level) < 0:
+    if other is None or not sides or 1 in sides or _is_array(level) or isinstance(level, str):
+        return None
+    if np.iscomplexobj(level) or level < 0:
         return None
     if level < min(side.bit_length() for side in sides):
         return f"{other} takes any length, with a symmetric wavelet such as 'Bspline24'"

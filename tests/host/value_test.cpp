@@ -37,6 +37,21 @@ TEST(Value, RefusesWhatDoesNotFit) {
     EXPECT_THROW(Value().tag(), std::logic_error);
 }
 
+TEST(Value, ReleasesOnlyWhatItAloneHolds) {
+    auto* given = static_cast<double*>(::operator new(4 * sizeof(double)));
+    Value owner = Value::adopt(2, 2, given);
+    const Value another = owner;
+    EXPECT_EQ(owner.release(), nullptr);
+    EXPECT_EQ(owner.matrix().re, given);
+    Value borrowed = Value::borrow(2, 2, 2, given, nullptr, std::make_shared<Value>(owner));
+    EXPECT_EQ(borrowed.release(), nullptr);
+    Value sole = Value::adopt(1, 1, static_cast<double*>(::operator new(sizeof(double))));
+    double* const released = sole.release();
+    EXPECT_NE(released, nullptr);
+    EXPECT_EQ(sole.reals(), std::vector<double>(1));
+    ::operator delete(released);
+}
+
 TEST(Value, AdoptsAndBorrowsWithoutCopying) {
     auto* re = new double[4]{1, 2, 3, 4};
     EXPECT_EQ(Value::adopt(2, 2, re).matrix().re, re);

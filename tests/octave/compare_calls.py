@@ -2,8 +2,8 @@
 
     python3 compare_calls.py OCTAVE_PACKAGE [CALLS [SEED]]
 
-Arguments come from the descriptions: those of the calls that provoke errors, which are right but for one, are put
-together at random by their names. A signal goes to Octave as a row or as a column, and comes back as it went.
+Arguments are drawn by what the descriptions say of them, now and then from the calls there that provoke errors.
+A signal goes to Octave as a row or as a column, and comes back as it went.
 """
 
 import subprocess
@@ -24,7 +24,7 @@ FUNCTIONS = {
     "@(p) 'text'": lambda p: "text",
     "@(p) p .* p": lambda p: p * p,
 }
-NAMES = ["haar", "s8", "daub4", "db3", "bs22", "bior2.4", "c6", "coif2", "bl3", "symmlet10", "nothing", "d5", ""]
+NAMES = ["haar", "s8", "daub4", "db3", "bs22", "bior2.4", "c6", "coif2", "bl3", "nothing", "d5", ""]
 SCALARS = [-1, 0, 1, 2, 3, 0.25, 1.5, np.nan, np.inf, 2.0**40, 1 + 1j]
 ARRAY_LIKE = {"array", "vector"}
 
@@ -67,11 +67,11 @@ class Drawing:
         if kind.endswith("function"):
             return self.one_of(list(FUNCTIONS))
         if kind == "table":
-            deepest = min(shape).bit_length() - 1
-            return undula.wpts(self.random.normal(size=shape), int(self.random.integers(min(deepest, 2) + 1)), "haar")
+            level = self.random.integers(min(min(shape).bit_length(), 3))
+            return undula.wpts(self.random.normal(size=shape), int(level), "haar")
         if argument.name == "wavelet":
-            name = self.one_of(NAMES)
-            return name if self.random.random() < 0.6 else self.one_of([undula.daublet(4), undula.Bspline(2, 2)])
+            filters = [undula.daublet(4), undula.Bspline(2, 2)]
+            return self.one_of(NAMES if self.random.random() < 0.6 else filters)
         if kind == "string":
             return self.one_of(["H", "V", "D", "X"])
         if argument.name in ("data", "subband"):
@@ -160,7 +160,8 @@ function text = hex (x)
 endfunction
 function text = shown (value)
   if (iscell (value))
-    text = strjoin ([{sprintf("cells %d", numel (value))}, cellfun(@shown, value(:)', "uniformoutput", false)], " ");
+    parts = cellfun (@shown, value(:)', "uniformoutput", false);
+    text = strjoin ([{sprintf("cells %d", numel (value))}, parts], " ");
     return;
   endif
   text = sprintf ("%d x %d %s", rows (value), columns (value), hex (real (value)));
