@@ -8,6 +8,7 @@
 # make lint          check the formatting, the code with clang-tidy, and the share of tests
 # make asan          the C++ tests under the address and undefined-behaviour sanitizers
 # make fuzz          random calls of every function, for SECONDS=60
+# make mutants       small faults in the pack, FAULTS=100, and those that no test notices; can be stopped and resumed
 # make windows       the 32-bit Windows libraries, in build/windows/
 # make windows-test  check them, and run the C++ tests as Windows programs under Wine
 # make release-check the long checks before a release, FUZZ=1800 seconds of random calls among them
@@ -17,9 +18,10 @@
 # Python is Debian's, or the one that the setting UNDULA_PYTHON_EXECUTABLE of build/ names.
 
 SECONDS = 60
+FAULTS = 100
 FUZZ = 1800
 
-.PHONY: help build demo test octave octave-test bench accuracy lint asan fuzz windows windows-test release-check clean
+.PHONY: help build demo test octave octave-test bench accuracy lint asan fuzz mutants windows windows-test release-check clean
 
 help:
 	@sed -n 's/^# make/make/p' Makefile
@@ -78,6 +80,10 @@ fuzz:
 	cmake --preset fuzz
 	cmake --build --preset fuzz
 	tools/fuzz build/fuzz $(SECONDS)
+
+mutants:
+	tools/install build
+	tools/mutants $(FAULTS)
 
 windows:
 	tools/install build windows
