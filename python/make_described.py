@@ -99,7 +99,7 @@ STUB = '''\
 """Made by python/make_described.py."""
 
 from collections.abc import Callable, Sequence
-from typing import Any, TypeAlias, overload
+from typing import Any, Literal, TypeAlias, overload
 
 import numpy as np
 from numpy.typing import ArrayLike, NDArray
@@ -109,6 +109,7 @@ from numpy.typing import ArrayLike, NDArray
 _Real: TypeAlias = float | np.integer[Any] | np.floating[Any]
 _Array: TypeAlias = NDArray[np.float64]
 _PacketFunction: TypeAlias = Callable[[_Array], ArrayLike]
+_CostName: TypeAlias = Literal["shannon", "l1", "log_energy"]
 _NumberFunction: TypeAlias = Callable[[float], _Real]
 
 __version__: str
@@ -194,6 +195,8 @@ def _parameters(description, placed, named, kinds={}, required=()):
         text = f"{name}: {TYPES[argument.type or argument.kind]}"
         if argument.also:
             text += f" | {TYPES[argument.also]}"
+        if name == "cost":
+            text += " | _CostName"
         if name in required:
             return text
         return f"{text} | None = ..." if argument.default is None else f"{text} = ..."

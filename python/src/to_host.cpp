@@ -146,7 +146,8 @@ class Reader {
             refuse("cannot be an array of " + textOf(source.dtype()));
         }
         if (source.ndim() < 1 || source.ndim() > 2) {
-            refuse("cannot be an array of " + std::to_string(source.ndim()) + " dimensions");
+            refuse("cannot be an array of " + std::to_string(source.ndim()) +
+                   " dimensions; transforms go along the axes that axis= names");
         }
         requireSize(source.shape(0), colsOf(source));
         if (kind == 'O') {

@@ -5,7 +5,7 @@ A preparation returns the row of the pack to be called, its arguments and their 
 
 import numpy as np
 
-from undula import _host
+from undula import _host, costs
 from undula._binding import without_trailing_nones
 from undula._remedies import refusal
 from undula._warnings import warn
@@ -14,6 +14,7 @@ from undula._wavelets import PACK_NAMES
 # The packets that are the scaling function and the wavelets, and in the plane their products.
 _PACKETS = {"father": 0, "mother": 1}
 _PRODUCTS = {"H": (1, 0), "V": (0, 1), "D": (1, 1)}
+_COSTS = {name: getattr(costs, name) for name in ("shannon", "l1", "log_energy")}
 
 
 def preparation(description, rows, filters):
@@ -120,6 +121,9 @@ def _with_function(description, row):
 
     def prepare(args):
         function = args[place]
+        if isinstance(function, str) and names[place] == "cost":
+            function = _COSTS.get(function, function)
+            args = (*args[:place], function, *args[place + 1 :])
         if callable(function) and type(function).__module__ != _host.__name__:
             args = (*args[:place], _host.UserFunction(function, wants_number), *args[place + 1 :])
         return row, args, names

@@ -27,7 +27,7 @@ def apply_along(row, names, arguments, axis, exception_for):
         The axis of the signals, or those of the rows and columns of the images. Negative ones count from the
         end.
     exception_for : function
-        Makes an exception of an error value.
+        Makes an exception of an error value and the signal or image that it is about.
 
     Returns
     -------
@@ -60,11 +60,11 @@ def apply_along(row, names, arguments, axis, exception_for):
     outcome = row.call_along((0.0, *arguments[1:]), names, 0, numbers, len(axes))
     if isinstance(outcome, _host.ErrorValue):
         index = np.unravel_index(outcome.element, data.shape[: -len(axes)])
-        raise _with_index(exception_for(outcome), index, len(axes))
+        raise _with_index(exception_for(outcome, data[index]), index, len(axes))
     return np.empty(given.shape) if outcome is None else np.moveaxis(outcome, last, axes)
 
 
-def transform_nd(function, data, level, *wavelet, axes=None):
+def transform_nd(function, data, level, wavelet, offsets=None, flips=None, *, axes=None):
     """Wavelet transform of an array of any number of dimensions, or its inverse.
 
     Each level transforms the smooth part along one axis after the other, as `dwt` does with the rows and
@@ -78,8 +78,8 @@ def transform_nd(function, data, level, *wavelet, axes=None):
         The samples, or the coefficients; real.
     level : int
         How many levels.
-    wavelet
-        The other arguments of the function: wavelet, offsets and flips.
+    wavelet, offsets, flips
+        The other arguments of the function.
     axes : tuple of int
         The axes along which is transformed; all of them unless they are given.
 
@@ -106,15 +106,16 @@ def transform_nd(function, data, level, *wavelet, axes=None):
     description = description_of(function, "transform_nd")
     if description.name not in FORWARD + INVERSE:
         raise TypeError(f"transform_nd: argument 1 is none of {', '.join(FORWARD + INVERSE)}")
+    others = (wavelet,) if offsets is None and flips is None else (wavelet, offsets, flips)
     result = np.array(data)
     axes = range(result.ndim) if axes is None else axes
     for axis in axes:
-        function(np.zeros(result.shape[axis]), level, *wavelet)  # checks the level for all signals at once
+        function(np.zeros(result.shape[axis]), level, *others)  # checks the level for all signals at once
     levels = range(int(level))
     for each in levels if description.name in FORWARD else reversed(levels):
         smooth = _smooth_part(result.shape, axes, each)
         for axis in axes:
-            result[smooth] = function(result[smooth], 1, *wavelet, axis=axis)
+            result[smooth] = function(result[smooth], 1, *others, axis=axis)
     return result
 
 
@@ -139,7 +140,7 @@ def _refuse_imaginary_parts(row, names, arguments, data, last, exception_for):
     if len(refused):
         index = tuple(refused[0])
         outcome = row.call((data[index], *arguments[1:]), names)
-        raise _with_index(exception_for(outcome), index, len(last))
+        raise _with_index(exception_for(outcome, data[index]), index, len(last))
 
 
 def _with_index(error, index, dimensions):

@@ -60,7 +60,7 @@ def _contents(filter, options):
     """What tells filters apart: of a list at first something quick, and of everything its numbers."""
     if type(filter) is list and not options and set(map(type, filter)) == {float}:
         yield tuple(filter)
-    arrays = [np.asarray(part, float) for part in (filter, *options)]
+    arrays = [np.real(np.asarray(part)).astype(float) for part in (filter, *options)]
     yield tuple((array.shape, array.tobytes()) for array in arrays)
 
 

@@ -53,7 +53,9 @@ def _function(description, rows, filters):
         if axis is None:
             outcome = target.call(ready, names)
         else:
-            outcome = apply_along(target, names, ready, axis, lambda e: failure(description, e, names, args))
+            outcome = apply_along(
+                target, names, ready, axis, lambda e, one: failure(description, e, names, (one, *args[1:]))
+            )
         if type(outcome) is _host.ErrorValue:
             raise failure(description, outcome, names, args)
         if finish is not None:

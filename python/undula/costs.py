@@ -16,6 +16,8 @@ clipped_energy(threshold)
     The lesser of x^2 and threshold^2: what a coefficient costs if leaving it out costs its square and
     keeping it the square of the threshold.
 
+`best_basis` takes the names of the first three too, as texts.
+
 NaN costs NaN, and no packet with such a cost is preferred to its children.
 
 >>> undula.costs.l1(-2), undula.costs.l1([-2, 0, 1])

@@ -65,6 +65,7 @@ assert_type(undula.father(x, wavelet="haar"), Array)
 assert_type(undula.waveterp(x, x, 0, 0, "haar"), Array)
 assert_type(undula.wavelets()[0].names(), tuple[str, ...])
 assert_type(undula.best_basis([x, x], abs), Array)
+assert_type(undula.best_basis([x, x], "shannon"), Array)
 undula.dwt(x, 1, filter=x)  # wrong
 undula.dwt(x, "1", x)  # wrong
 undula.father(0.5, 0, "haar")  # wrong

@@ -54,7 +54,7 @@ def test_a_click_is_loudest_in_its_window(ax):
 @pytest.mark.parametrize("length", [64, 45])
 def test_frames_in_a_table_stand_where_the_coefficients_are(length, ax, rng):
     table = undula.wpts(rng.normal(size=length), 4, SPLINE)
-    basis = undula.best_basis(table, undula.costs.shannon)
+    basis = undula.best_basis(table, "shannon")
     plot.table(table, basis, ax)
     places = sorted((frame.get_x(), frame.get_width(), frame.get_y() + 0.5) for frame in ax.patches)
     assert len(places) == len(basis)
