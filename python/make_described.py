@@ -158,7 +158,8 @@ def _typed(description):
     ways = [way if isinstance(way, tuple) else (way, RESULTS[result]) for way in ways]
     if result == "scalar":  # at one point or at many
         scalar = TYPES["scalar"]
-        ways += [(parameters.replace(scalar, f"{scalar} | ArrayLike"), RESULTS["array"]) for parameters, _ in ways]
+        many = f"{scalar} | ArrayLike"
+        ways += [(parameters.replace(scalar, many), RESULTS["array"]) for parameters, _ in ways]
     for parameters, returned in ways:
         if len(ways) > 1:
             yield "@overload"
@@ -201,7 +202,8 @@ def _parameters(description, placed, named, kinds={}, required=()):
             return text
         return f"{text} | None = ..." if argument.default is None else f"{text} = ..."
 
-    last = [*map(typed, named), *(["axis: int | tuple[int, int] | None = ..."] if description.takes_axis else [])]
+    axis = ["axis: int | tuple[int, int] | None = ..."] if description.takes_axis else []
+    last = [*map(typed, named), *axis]
     return ", ".join([*map(typed, placed), *(["*"] if last else []), *last])
 
 

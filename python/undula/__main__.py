@@ -65,7 +65,8 @@ def _cosines_there_and_back(data):
 def main():
     print(f"undula {undula.__version__}")
     print(f"loaded from {Path(undula.__file__).parent}")
-    print(f"Python {sys.version.split()[0]}, NumPy {np.__version__}; Fourier transforms by {_host.fourier_engine}")
+    print(f"Python {sys.version.split()[0]}, NumPy {np.__version__}")
+    print(f"Fourier transforms by {_host.fourier_engine}")
     print(f"\n{groups()}\n")
     started, failed, count = time.perf_counter(), 0, 0
     for name, difference, allowed in checks():

@@ -150,7 +150,7 @@ def _is_array(value):
 
 
 def _shape(value):
-    """The shape of an array, or of rows of numbers; None for other lists, in which lists may go on without end."""
+    """The shape of an array or of rows of numbers; None for other lists, which may hold lists without end."""
     if not _is_list(value):
         return np.shape(value)
     if any(_is_list(row) and any(map(_is_array, row)) for row in value):
