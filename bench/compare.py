@@ -265,6 +265,29 @@ def python_rows():
     show(f"cpt 262144, 8 levels, {engine}, Python, of SciPy's DCT-IV", 1 / ratio, aim, at_most=True)
 
 
+def many_rows():
+    """Many signals and many points in one call."""
+    count = 1000
+    signals = np.random.default_rng(1).standard_normal((count, 2**10))
+    for name, w, other in (
+        ("d4", undula.daublet(4), "db2"), ("d8", undula.daublet(8), "db4"), ("s16", undula.symmlet(16), "sym8"),
+    ):
+        ours = Whole(lambda: undula.dwt(signals, 5, w, axis=-1))
+        peers = Whole(lambda: pywt.wavedec(signals, other, "periodization", 5, axis=-1))
+        (ratio, kernel), _ = race(ours, peers, warm_transform(signals[0], 5, name))
+        show(f"dwt of {count} x 1024 along an axis, {name}, PyWavelets", ratio, 3)
+        show(f"dwt of {count} x 1024 along an axis, {name}, of the arithmetic", 1 / (count * kernel), 1.3, True)
+    x = np.linspace(-1, 2, 100_000)
+    for title, points in (
+        ("father d4", lambda: undula.father(x, "d4")),
+        ("mother s16", lambda: undula.mother(x, "s16")),
+        ("wavelet c12, packet 1", lambda: undula.wavelet(x, 0, 0, 1, undula.coiflet(12))),
+        ("waveterp d4, level 0", lambda: undula.waveterp(x, signals[0], 0, 0, undula.daublet(4))),
+    ):
+        _, own = race(Whole(points))
+        show(f"{title}, a point", own / len(x) * 1e6, 0.3, at_most=True, unit=" us")
+
+
 def draw(path):
     """Nanoseconds a sample against the size, dwt of 5 levels with 8 taps."""
     import matplotlib
@@ -294,7 +317,7 @@ def draw(path):
 
 if __name__ == "__main__":
     print(f"Kernels: {library.bench_kernel_name().decode()}")
-    for rows in (transform_rows, table_rows, step_rows, boundary_rows, python_rows):
+    for rows in (transform_rows, table_rows, step_rows, boundary_rows, python_rows, many_rows):
         rows()
     if len(sys.argv) > 2:
         draw(sys.argv[2])

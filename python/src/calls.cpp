@@ -173,6 +173,7 @@ py::object callAlong(const Function& function, const py::tuple& arguments, const
         function, cores.count(),
         [&](std::size_t i) -> std::span<const Value> {
             varied = cores.at(i);
+            results.expect(i);
             return values;
         },
         [&](std::size_t i, const Value& result) { results.put(i, result); });

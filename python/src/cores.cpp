@@ -35,6 +35,18 @@ void gather(const double* from, py::ssize_t rows, py::ssize_t rowStep, py::ssize
     }
 }
 
+// Has the memory of a signal on its way while there is other work, unless it is so much that it would drive
+// out of the cache what is worked on.
+constexpr int forReading = 0;
+constexpr int forWriting = 1;
+template <int purpose>
+void prefetch(const double* signal, py::ssize_t length) {
+    constexpr py::ssize_t most = 2048;
+    for (py::ssize_t i = 0; i < std::min(length, most); i += lineLength) {
+        __builtin_prefetch(signal + i, purpose);
+    }
+}
+
 }  // namespace
 
 Cores::Cores(const py::array& array, int dimensions)
@@ -84,6 +96,9 @@ Value Cores::at(std::size_t index) {
     const bool hasColumns = (rows_ <= 1 || rowStep_ == 1) && (cols_ <= 1 || colStep_ >= rows_) &&
                             colStep_ <= std::numeric_limits<std::int32_t>::max();
     const double* const memory = hasColumns ? memoryOf(index) : gathered(index);
+    if (hasColumns && cols_ == 1 && index + 1 < count_) {
+        prefetch<forReading>(memoryOf(index + 1), rows_);
+    }
     const int stride = hasColumns && cols_ > 1 ? static_cast<int>(colStep_) : rows_;
     return Value::borrow(rows_, cols_, stride, memory, nullptr, keeper_);
 }
@@ -111,6 +126,12 @@ void CoreResults::makeArray(int rows, int cols) {
     array_ = std::move(made);
     rows_ = rows;
     cols_ = cols;
+}
+
+void CoreResults::expect(std::size_t index) const {
+    if (out_ != nullptr && cols_ == 1) {
+        prefetch<forWriting>(out_ + index * static_cast<std::size_t>(rows_), rows_);
+    }
 }
 
 void CoreResults::put(std::size_t index, const Value& result) {

@@ -55,6 +55,9 @@ class CoreResults {
  public:
     CoreResults(Sides outerShape, int dimensions);
 
+    // To be called before the work on a result.
+    void expect(std::size_t index) const;
+
     // Takes a result over. The first one decides on the shape of all; for another shape, or anything but
     // real numbers, TypeError is raised. The interpreter lock may be held or not.
     void put(std::size_t index, const Value& result);
