@@ -6,6 +6,7 @@
 #include <list>
 #include <new>
 
+#include "argument_names.h"
 #include "efi/faults.h"
 #include "faults.h"
 #include "fourier.h"
@@ -298,11 +299,19 @@ std::unique_lock<CallLock> Host::lock() {
     return std::unique_lock(CallLock::instance());
 }
 
+namespace {
+
+Error errorOf(const Function& function, std::size_t count, const std::string& message, int argument) {
+    const std::string_view name = argumentName(function, count, argument);
+    return {std::string(function.name), message, argument, std::string(name)};
+}
+
+}  // namespace
+
 Value Host::call(const Function& function, std::span<const Value> arguments) {
     Value result = callRaw(function, arguments);
-    const std::string name(function.name);
-    if (!result) throw Error(name, "no result", 0);
-    if (result.isError()) throw Error(name, result.message(), result.argument());
+    if (!result) throw errorOf(function, arguments.size(), "no result", 0);
+    if (result.isError()) throw errorOf(function, arguments.size(), result.message(), result.argument());
     return result;
 }
 
@@ -312,10 +321,10 @@ Value callIn(Call& calling, const Function& function, std::span<const Value> arg
     const std::size_t count = arguments.size();
     const bool fits =
         function.arity ? count == static_cast<std::size_t>(*function.arity) : count <= Host::maxArguments;
-    if (!fits) throw Error(std::string(function.name), "Wrong number of Arguments", 0);
+    if (!fits) throw errorOf(function, count, "Wrong number of Arguments", 0);
     const auto empty = std::ranges::find_if_not(arguments, &Value::operator bool);
     if (empty != arguments.end()) {
-        throw Error(std::string(function.name), "no value", static_cast<int>(empty - arguments.begin()) + 1);
+        throw errorOf(function, count, "no value", static_cast<int>(empty - arguments.begin()) + 1);
     }
     std::array<Anyval*, Host::maxArguments> raw{};
     std::ranges::transform(arguments, raw.begin(), &Value::raw);

@@ -1,7 +1,5 @@
 """The functions of the pack as functions of Python."""
 
-from pathlib import Path
-
 from undula import _host
 from undula._arguments import preparation
 from undula._batches import apply_along
@@ -12,12 +10,11 @@ from undula._filters import Filters
 from undula._remedies import failure
 
 _NO_SCALARS = {"data", "wavelet", "offsets", "flips", "type"}
-LIBRARY = Path(__file__).parent / "lib" / "libundula.so"
 
 
 def load_functions():
     """Loads the pack. Returns its functions by name, in the order of their descriptions."""
-    rows = {row.name: row for row in _host.load(str(LIBRARY))}
+    rows = {row.name: row for row in _host.load()}
     filters = Filters(rows)
     return {
         name: _function(description, rows, filters) for name, description in read_descriptions().items()
