@@ -73,6 +73,11 @@ py::str textOf(const Cost& cost) {
     return cost.kind->hasThreshold ? py::str("{}({!r})").format(name, cost.threshold) : name;
 }
 
+py::tuple partsOf(const Cost& cost) {
+    return py::make_tuple(py::module_::import("undula.costs").attr("_cost"),
+                          py::make_tuple(std::string(cost.kind->name), cost.threshold));
+}
+
 py::object valuesOf(const Cost& cost, const py::object& numbers) {
     const py::array array = py::array::ensure(numbers);
     if (!array || std::string_view("biuf").find(array.dtype().kind()) == std::string_view::npos) {
@@ -86,7 +91,8 @@ py::object valuesOf(const Cost& cost, const py::object& numbers) {
 void exposeCosts(py::module_& module) {
     py::class_<Cost>(module, "Cost", "A cost of coefficients; undula.costs describes them.")
         .def("__call__", &valuesOf, py::arg("x"), "The cost of a number, or of each number of an array.")
-        .def("__repr__", &textOf);
+        .def("__repr__", &textOf)
+        .def("__reduce__", &partsOf, "What it is made of, for copies and pickling.");
     module.def("cost", &makeCost, py::arg("name"), py::arg("threshold") = 0.0, "The cost of that name.");
 }
 

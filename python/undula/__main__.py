@@ -1,5 +1,6 @@
 """`python3 -m undula`: what is installed, what it can do, and whether it does it."""
 
+import os
 import sys
 import time
 from pathlib import Path
@@ -79,4 +80,10 @@ def main():
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    if len(sys.argv) > 1:
+        sys.exit(f"{__doc__}\n\nIt takes no arguments. The help of a function: help(undula.dwt)")
+    try:
+        sys.exit(main())
+    except BrokenPipeError:  # whoever reads has seen enough; what is left would fail at the end
+        os.dup2(os.open(os.devnull, os.O_WRONLY), sys.stdout.fileno())
+        sys.exit(1)

@@ -9,7 +9,7 @@ from undula import _host, costs
 from undula._binding import without_trailing_nones
 from undula._remedies import refusal
 from undula._warnings import warn
-from undula._wavelets import PACK_NAMES
+from undula._wavelets import PACK_NAMES, Wavelet
 
 # The packets that are the scaling function and the wavelets, and in the plane their products.
 _PACKETS = {"father": 0, "mother": 1}
@@ -46,6 +46,8 @@ def _with_filter(description, row, filters):
             if filter is None:
                 filter = _load(description, filters, place, args)
             args = args[:place] + (filter,) + args[needed:]
+        elif type(wavelet) is Wavelet:
+            return prepare((*args[:place], wavelet.name, *args[needed:]))
         return row, args, names_of[len(args)]
 
     def finish(args):
@@ -72,6 +74,8 @@ def _with_name(description, rows, filters):
     def prepare(args):
         names, place = names_of[len(args)], place_of[len(args)]
         wavelet = args[place]
+        if type(wavelet) is Wavelet:
+            return prepare((*args[:place], wavelet.name, *args[place + 1 :]))
         if isinstance(wavelet, str):
             if wavelet in PACK_NAMES:
                 args = args[:place] + (PACK_NAMES[wavelet],) + args[place + 1 :]

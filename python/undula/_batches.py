@@ -5,7 +5,7 @@ import numpy as np
 from undula import _host
 from undula._descriptions import FORWARD, INVERSE
 from undula._evaluate import description_of
-from undula._numbers import unboxed
+from undula._numbers import axes_of, doubles, unboxed, whole
 
 
 def apply_along(row, names, arguments, axis, exception_for):
@@ -50,9 +50,11 @@ def apply_along(row, names, arguments, axis, exception_for):
     Signals that are contiguous in memory, and images by columns, are read where they stand. Others are
     copied, and arrays of other types of numbers are converted, before anything is called.
     """
-    axes = tuple(axis) if np.ndim(axis) else (axis,)
-    last = tuple(range(-len(axes), 0))
     given = _array(row, names, arguments)
+    axes = axes_of(row.name, axis, given.ndim)
+    if len(axes) not in (1, 2):
+        raise ValueError(f"{row.name}: axis is that of the signals, or the two of the images, not {axis}")
+    last = tuple(range(-len(axes), 0))
     data = np.moveaxis(given, axes, last)
     if data.dtype.kind == "c":
         _refuse_imaginary_parts(row, names, arguments, data, last, exception_for)
@@ -94,6 +96,8 @@ def transform_nd(function, data, level, wavelet, offsets=None, flips=None, *, ax
     ------
     undula.Error
         The function refuses its arguments for the signals along an axis.
+    TypeError, ValueError, numpy.AxisError
+        The data is not real numbers, or the axes are not different axes of it.
 
     Examples
     --------
@@ -108,11 +112,13 @@ def transform_nd(function, data, level, wavelet, offsets=None, flips=None, *, ax
     if description.name not in FORWARD + INVERSE:
         raise TypeError(f"transform_nd: argument 1 is none of {', '.join(FORWARD + INVERSE)}")
     others = (wavelet,) if offsets is None and flips is None else (wavelet, offsets, flips)
-    result = np.array(data)
-    axes = range(result.ndim) if axes is None else axes
+    result = doubles("transform_nd", data)
+    axes = axes_of("transform_nd", range(result.ndim) if axes is None else axes, result.ndim)
+    if not axes:
+        raise ValueError("transform_nd: there is no axis to transform along")
     for axis in axes:
         function(np.zeros(result.shape[axis]), level, *others)  # checks the level for all signals at once
-    levels = range(int(level))
+    levels = range(whole("transform_nd", "level", level))
     for each in levels if description.name in FORWARD else reversed(levels):
         smooth = _smooth_part(result.shape, axes, each)
         for axis in axes:
@@ -122,7 +128,6 @@ def transform_nd(function, data, level, wavelet, offsets=None, flips=None, *, ax
 
 def _smooth_part(shape, axes, level):
     """Where the smooth part of a level stands."""
-    axes = {axis % len(shape) for axis in axes}
     return tuple(slice(-(-side // 2**level) if axis in axes else side) for axis, side in enumerate(shape))
 
 

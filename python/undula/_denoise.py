@@ -2,6 +2,9 @@
 
 from __future__ import annotations
 
+import math
+from collections.abc import Sequence
+
 import numpy as np
 from numpy.typing import ArrayLike, NDArray
 
@@ -9,7 +12,7 @@ import undula
 from undula import thresholding
 from undula._taps import filter_of, high_pass, low_passes, spread
 from undula._levels import check_level
-from undula._numbers import real_numbers
+from undula._numbers import axes_of, doubles, not_negative
 
 _THRESHOLDS = {
     "sure": lambda details, sigma, count: thresholding.sure(details, sigma),
@@ -28,7 +31,9 @@ def denoise(
     shrink: str = "soft",
     sigma: float | None = None,
     extension: str = "symmetric",
-    axis: int | None = None,
+    axis: int | Sequence[int] | None = None,
+    offsets: ArrayLike | None = None,
+    flips: ArrayLike | None = None,
 ) -> NDArray[np.float64]:
     """A signal or an image without its white noise.
 
@@ -44,7 +49,7 @@ def denoise(
     Parameters
     ----------
     data : array
-        A signal (one dimension) or an image (two); real and finite.
+        A signal (one dimension, or one column) or an image (two); real and finite.
     wavelet : array or string
         The filter, or the name of the wavelet.
     level : int, optional
@@ -59,8 +64,11 @@ def denoise(
     extension : str
         How the data goes on beyond its ends, a mode of `undula.pad`. Unless it is "symmetric", the
         transform is `dwt` with every filter.
-    axis : int, optional
-        The axis along which there are signals, where the data is an array of those and not an image.
+    axis : int or pair of int, optional
+        The axis along which there are signals, where the data is an array of those and not an image, or the
+        two axes of images.
+    offsets, flips : array, optional
+        How a filter of your own lies on the samples, as for `dwt`.
 
     Returns
     -------
@@ -69,10 +77,13 @@ def denoise(
 
     Raises
     ------
+    undula.Error
+        There is no such wavelet.
     TypeError
-        The data is not real numbers.
+        An argument is of another type; the data is not real numbers.
     ValueError
-        The data is not finite or of another dimension, there are too few samples for the level, or no
+        The data is not finite, of another dimension, or an image of one row; there are too few samples for
+        the level; a pair of filters does not reconstruct; a threshold or sigma is negative or NaN; no
         threshold or shrinkage has that name.
 
     Examples
@@ -83,34 +94,71 @@ def denoise(
     >>> print(np.std(noisy - clean).round(3), np.std(denoised - clean).round(3))
     0.197 0.037
     """
-    data = real_numbers("denoise", data)
+    data = doubles("denoise", data)
+    options = dict(threshold=threshold, shrink=shrink, sigma=sigma, extension=extension)
+    options |= dict(offsets=offsets, flips=flips)
     if axis is not None:
-        options = dict(threshold=threshold, shrink=shrink, sigma=sigma, extension=extension)
-        return np.apply_along_axis(denoise, axis, data, wavelet, level, **options)
-    _check(data, threshold, shrink)
-    level = _default_level(data.shape) if level is None else level
-    check_level("denoise", data.shape, level)
-    if level == 0:
-        return data.astype(float)
-    if extension == "symmetric" and _takes_mirrored_ends(wavelet):
+        return _along(axes_of("denoise", axis, data.ndim), data, wavelet, level, options)
+    if data.shape[1:] == (1,):
+        return denoise(data[:, 0], wavelet, level, **options)[:, None]
+    _check(data, threshold, shrink, extension)
+    level = check_level("denoise", data.shape, _default_level(data.shape) if level is None else level)
+    filters = (wavelet,) if offsets is None and flips is None else (wavelet, offsets, flips)
+    _check_filters(filters)
+    if level == 0 or not data.any():
+        return data
+    # By a power of two, so that squares neither overflow nor vanish and no digit changes.
+    exponent = int(np.frexp(np.max(np.abs(data)))[1])
+    threshold = threshold if isinstance(threshold, str) else _scaled("threshold", threshold, -exponent)
+    sigma = None if sigma is None else _scaled("sigma", sigma, -exponent)
+    shrinking = (threshold, _SHRINKS[shrink], sigma, data.size)
+    data = np.ldexp(data, -exponent)
+    if extension == "symmetric" and len(filters) == 1 and _takes_mirrored_ends(wavelet):
         coefficients = undula.dwts(data, level, wavelet)
-        _shrink_details(coefficients, level, wavelet, threshold, _SHRINKS[shrink], sigma, data.size)
-        return undula.idwts(coefficients, level, wavelet)
-    padded = undula.pad(data, level, extension, _margins(data.shape, level, wavelet))
-    coefficients = undula.dwt(padded.data, level, wavelet)
-    _shrink_details(coefficients, level, wavelet, threshold, _SHRINKS[shrink], sigma, data.size)
-    return padded.trim(undula.idwt(coefficients, level, wavelet))
+        _shrink_details(coefficients, level, wavelet, *shrinking)
+        denoised = undula.idwts(coefficients, level, wavelet)
+    else:
+        padded = undula.pad(data, level, extension, _margins(data.shape, level, filters))
+        coefficients = undula.dwt(padded.data, level, *filters)
+        _shrink_details(coefficients, level, wavelet, *shrinking)
+        denoised = padded.trim(undula.idwt(coefficients, level, *filters))
+    return np.ldexp(denoised, exponent)
 
 
-def _check(data, threshold, shrink):
+def _along(axes, data, wavelet, level, options):
+    """Each signal or image by itself."""
+    if len(axes) not in (1, 2):
+        raise ValueError(f"denoise: axis is that of the signals, or the two of the images, not {axes}")
+    last = tuple(range(-len(axes), 0))
+    cores = np.moveaxis(data, axes, last)
+    for index in np.ndindex(cores.shape[: -len(axes)]):
+        cores[index] = denoise(cores[index], wavelet, level, **options)
+    return data
+
+
+def _check(data, threshold, shrink, extension):
     if data.ndim not in (1, 2):
-        raise ValueError(f"denoise: data of {data.ndim} dimensions; of several signals give the axis")
+        raise ValueError(f"denoise: data of {data.ndim} dimensions; of several signals or images give the axis")
+    if data.ndim == 2 and data.shape[0] == 1:
+        raise ValueError("denoise: an image of one row; data.ravel() is a signal, and several have an axis")
     if not np.all(np.isfinite(data)):
         raise ValueError("denoise: data must be finite")
     if isinstance(threshold, str) and threshold not in _THRESHOLDS:
         raise ValueError(f'denoise: threshold "{threshold}" is none of {", ".join(_THRESHOLDS)}')
     if shrink not in _SHRINKS:
         raise ValueError(f'denoise: shrink "{shrink}" is none of {", ".join(_SHRINKS)}')
+
+
+def _check_filters(filters):
+    """Of what does not reconstruct, a warning would do elsewhere; here the data would be lost."""
+    ramp = np.arange(256.0)
+    back = undula.idwt(undula.dwt(ramp, 1, *filters), 1, *filters)
+    if np.ndim(filters[0]) == 2 and not np.allclose(back, ramp, rtol=0, atol=0.1):
+        raise ValueError("denoise: the filter pair does not reconstruct; has it offsets and flips, as for dwt?")
+
+
+def _scaled(name, value, exponent):
+    return math.ldexp(not_negative("denoise", name, value), exponent)
 
 
 def _default_level(sides):
@@ -126,10 +174,11 @@ def _takes_mirrored_ends(wavelet):
     return True
 
 
-def _margins(sides, level, wavelet):
+def _margins(sides, level, filters):
     """How far the filters of all levels reach. More than half the data is of no use: with that much at both
     ends the padded data is a whole period of the mirrored, and goes on as such."""
-    reach = (len(filter_of(wavelet)) - 1) << level
+    farthest = max((abs(int(each)) for each in np.ravel(filters[1])), default=0) if len(filters) > 1 else 0
+    reach = (len(filter_of(filters[0])) + farthest - 1) << level
     return [min(reach, (side + 1) // 2) for side in sides]
 
 

@@ -33,17 +33,18 @@ class Filters:
         return made
 
     def look_at(self, filter, options):
-        """Warns once of a filter of the user's own that `idwt` does not invert."""
+        """Warns once of a user's filter that `idwt` does not invert, but each time where warnings are errors."""
+        if not self._is_known(filter, options):
+            error = self._error_of_inverse(filter, options)
+            if error > TOLERANCE and not self._is_cut_off_spline(filter):
+                warn(_text(np.asarray(filter, float), error))
+            self._contents.update(_contents(filter, options))
         if isinstance(filter, np.ndarray) and not options:
             key = id(filter)
             self.seen[key] = weakref.ref(filter, lambda _: self.seen.pop(key, None))
-        for content in _contents(filter, options):
-            if content in self._contents:
-                return
-            self._contents.add(content)
-        error = self._error_of_inverse(filter, options)
-        if error > TOLERANCE and not self._is_cut_off_spline(filter):
-            warn(_text(np.asarray(filter, float), error))
+
+    def _is_known(self, filter, options):
+        return any(content in self._contents for content in _contents(filter, options))
 
     def _error_of_inverse(self, filter, options):
         data = np.sin(np.arange(256.0) ** 2)

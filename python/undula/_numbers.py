@@ -1,6 +1,8 @@
-"""Arguments that must be numbers."""
+"""Arguments of the helpers: numbers, and what counts them."""
 
+import math
 import numbers
+import operator
 
 import numpy as np
 
@@ -16,7 +18,45 @@ def real_numbers(function, data):
     """The data as an array. What NumPy would drop without a word, such as a mask, is refused."""
     if isinstance(data, np.ma.MaskedArray):
         raise TypeError(f"{function}: masked arrays are not taken, since the mask would be lost; fill them")
-    array = np.asarray(data)
+    array = unboxed(np.asarray(data))
+    if array.dtype.kind == "c" and not array.imag.any():
+        array = array.real
     if array.dtype.kind not in "biuf":
         raise TypeError(f"{function}: data must be real numbers, not {array.dtype}")
     return array
+
+
+def doubles(function, data):
+    """A copy of the data as an array of float64."""
+    return real_numbers(function, data).astype(float)
+
+
+def not_negative(function, name, value):
+    """The value as a float that is not negative, infinite or NaN."""
+    if not isinstance(value, numbers.Real):
+        raise TypeError(f"{function}: {name} must be a number, not {value!r}")
+    if not 0 <= value < math.inf:
+        raise ValueError(f"{function}: {name} must be 0 or more and finite, not {value}")
+    return float(value)
+
+
+def whole(function, name, value):
+    """The value as an int, also where it is a float such as 3.0, as the functions of the pack take it."""
+    if isinstance(value, numbers.Real) and value == math.floor(value):
+        return int(value)
+    raise TypeError(f"{function}: {name} must be a whole number, not {value!r}")
+
+
+def axes_of(function, axes, dimensions):
+    """One axis or several as a tuple of different numbers from 0 on."""
+    try:
+        given = [operator.index(axis) for axis in (axes if np.iterable(axes) else [axes])]
+    except TypeError:
+        raise TypeError(f"{function}: an axis is a whole number, not {axes!r}") from None
+    for axis in given:
+        if not -dimensions <= axis < dimensions:
+            raise np.AxisError(f"{function}: axis {axis} of data with {dimensions} dimensions")
+    found = tuple(axis % dimensions for axis in given)
+    if len(set(found)) < len(found):
+        raise ValueError(f"{function}: an axis is given twice in {tuple(given)}")
+    return found

@@ -9,7 +9,13 @@ import numpy as np
 from numpy.typing import ArrayLike, NDArray
 
 from undula._levels import check_level
-from undula._numbers import real_numbers
+from undula._numbers import axes_of, real_numbers, whole
+
+# Those of numpy.pad that give every sample a value.
+_MODES = (
+    "symmetric", "reflect", "edge", "constant", "wrap", "periodic", "linear_ramp", "maximum", "mean", "median",
+    "minimum",
+)  # fmt: skip
 
 
 class Padded(NamedTuple):
@@ -40,8 +46,8 @@ def pad(
         How often the sides shall be halved.
     mode : str or function
         What stands beyond the ends, as in `numpy.pad`: "symmetric", the mirror image that repeats the
-        end sample, "reflect", which does not repeat it, "edge", "constant", which are zeros, "wrap" and
-        so on. "periodic" is "wrap".
+        end sample, "reflect", which does not repeat it, "edge", "constant", which are zeros, "wrap",
+        "linear_ramp", "maximum", "mean", "median", "minimum". "periodic" is "wrap".
     margin : int or sequence of int
         How many samples to pad at least before and behind the data; for each axis or for all. Without it
         all padding is behind the data, and there is none where 2^level divides the length.
@@ -56,7 +62,9 @@ def pad(
     Raises
     ------
     ValueError
-        A side of the data is too short for the level, or NumPy does not know the mode.
+        A side of the data is too short for the level, there is no such mode, or a margin is negative.
+    TypeError
+        The data is not real numbers, or the level or a margin is not a whole number.
 
     Examples
     --------
@@ -68,12 +76,22 @@ def pad(
     array([3., 1., 4., 1., 5.])
     """
     array = real_numbers("pad", data)
-    axes = range(array.ndim) if axis is None else [range(array.ndim)[axis]]
-    check_level("pad", [array.shape[each] for each in axes], level)
-    margins = np.broadcast_to(margin, array.ndim)
+    axes = range(array.ndim) if axis is None else axes_of("pad", [axis], array.ndim)
+    level = check_level("pad", [array.shape[each] for each in axes], level)
+    margins = _margins(margin, array.ndim)
     widths, place = [(0, 0)] * array.ndim, [slice(None)] * array.ndim
     for each in axes:
-        length, before = array.shape[each], int(margins[each])
+        length, before = array.shape[each], margins[each]
         widths[each] = (before, before + -(length + 2 * before) % (1 << level))
         place[each] = slice(before, before + length)
+    if isinstance(mode, str) and mode not in _MODES:
+        raise ValueError(f'pad: mode "{mode}" is none of {", ".join(_MODES)}')
     return Padded(np.pad(array, widths, "wrap" if mode == "periodic" else mode), tuple(place))
+
+
+def _margins(margin, dimensions):
+    """For each axis."""
+    margins = [whole("pad", "margin", each) for each in (margin if np.iterable(margin) else [margin])]
+    if len(margins) not in (1, dimensions) or min(margins) < 0:
+        raise ValueError(f"pad: margin must be one number or one for each of {dimensions} axes, none below 0")
+    return margins if len(margins) == dimensions else margins * dimensions

@@ -109,6 +109,8 @@ def _number_for_wavelet(refused):
     value = refused.value()
     if refused.name != "wavelet" or not isinstance(value, Real):
         return None
+    if f"daublet{value:g}" not in {wavelet.name for wavelet in wavelets()}:
+        return "a wavelet is a filter or a name, such as 'daublet4': undula.wavelets() lists all"
     return f"did you mean daublet({value:g}), or its name 'daublet{value:g}'? undula.wavelets() lists all"
 
 
@@ -118,6 +120,12 @@ def _number_for_basis(refused):
         return None
     dimension = 2 if len(_sides(refused.given.get("data"))) == 2 else 1
     return f"did you mean create_level({value:g}, {dimension}), all packets of that level?"
+
+
+def _named_cost(refused):
+    if refused.function() == "best_basis" and isinstance(refused.value(), str):
+        return "the costs with a name are shannon, l1 and log_energy; undula.costs has others"
+    return None
 
 
 def _called_already(refused):
@@ -177,7 +185,8 @@ def _complex(refused):
     if refused.name not in ("data", "subband"):
         return None
     if isinstance(refused.value(), list) and any(map(_is_array, refused.value())):
-        return "a table holds several arrays; one of them, or extract_basis(table, basis), is data"
+        rows = f"; of rows of an image make one: np.array({refused.name})" if _shape(refused.value()) else ""
+        return f"a table holds several arrays; one of them, or extract_basis(table, basis), is data{rows}"
     return f"transform {refused.name}.real and {refused.name}.imag one by one"
 
 
@@ -235,7 +244,7 @@ def _too_deep(refused):
     if 0 in sides or _is_array(level) or isinstance(level, str) or np.iscomplexobj(level):
         return None
     if level < 0:
-        return "levels count from 0, the data itself"
+        return f"{'levels' if refused.name == 'level' else 'packets'} count from 0"
     if len(sides) == 2 and 1 in sides:
         sides = sides[:1] if sides[1] == 1 else ()
     if not sides:
@@ -280,7 +289,7 @@ def _positions(refused):
     level = refused.given.get("level")
     if refused.name not in ("index", "index_x", "index_y", "row", "col") or not isinstance(level, Real):
         return None
-    if 0 <= level < 32:
+    if 0 <= level < 32 and not refused.function().removeprefix("dl").startswith("wavelet"):
         return f"positions count from 0: level {level:g} has 0 to {2 ** int(level) - 1}"
     return None
 
@@ -299,7 +308,7 @@ def _lengths(refused):
 
 def _names(refused):
     value = refused.value()
-    if refused.name != "wavelet" or not isinstance(value, str):
+    if refused.name != "wavelet" or not isinstance(value, str) or _is_name(value):
         return None
     family = re.match(r"[A-Za-z]*", value)[0]
     if family == "rbio":
@@ -311,6 +320,11 @@ def _names(refused):
         return f"the names of that kind are {', '.join(same)}"
     asked = f"did you mean {meant[0]!r}? " if meant else ""
     return f"{asked}A name is letters and a number, such as 'symmlet8' or 'db4': undula.wavelets() lists all"
+
+
+def _is_name(text):
+    """Whether a wavelet has that name; then other arguments are at fault."""
+    return any(text in wavelet.names() for wavelet in wavelets())
 
 
 def _filter_shape(refused):
@@ -377,7 +391,7 @@ _REMEDIES = {
     "must be string": [_number_for_wavelet, _expected],
     "non-scalar value": [_expected],
     "EfiMustBeScalarOrArray": [_expected],
-    "must be function": [_called_already],
+    "must be function": [_named_cost, _called_already],
     "must be real array": [_complex],
     "must be real vector": [_complex],
     "must be integer": [_not_whole],

@@ -31,12 +31,18 @@ array([[2., 0.],
 """
 
 from undula import _host
+from undula._numbers import not_negative
 
 __all__ = ["shannon", "l1", "log_energy", "count_above", "clipped_energy"]
 
 shannon = _host.cost("shannon")
 l1 = _host.cost("l1")
 log_energy = _host.cost("log_energy")
+
+
+def _cost(name, threshold):
+    """A cost that was pickled."""
+    return _host.cost(name, threshold)
 
 
 def count_above(threshold: float) -> _host.Cost:
@@ -47,7 +53,7 @@ def count_above(threshold: float) -> _host.Cost:
     >>> undula.costs.count_above(1)([-2, 0.5, 1, 3])
     array([1., 0., 0., 1.])
     """
-    return _host.cost("count_above", threshold)
+    return _host.cost("count_above", not_negative("count_above", "threshold", threshold))
 
 
 def clipped_energy(threshold: float) -> _host.Cost:
@@ -58,4 +64,4 @@ def clipped_energy(threshold: float) -> _host.Cost:
     >>> undula.costs.clipped_energy(2)([-3, 1])
     array([4., 1.])
     """
-    return _host.cost("clipped_energy", threshold)
+    return _host.cost("clipped_energy", not_negative("clipped_energy", "threshold", threshold))

@@ -203,6 +203,7 @@ def table(
     >>> len(ax.patches) == len(basis)
     True
     """
+    _check("table", len(table) > 0 and all(np.ndim(row) == 1 for row in table), "the table is not of a signal")
     ax = _axes(ax)
     count, loudest = len(table[0]), _largest(table)
     for level, row in enumerate(table):

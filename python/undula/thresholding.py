@@ -14,7 +14,7 @@ from __future__ import annotations
 import numpy as np
 from numpy.typing import ArrayLike, NDArray
 
-from undula._numbers import real_numbers
+from undula._numbers import doubles, not_negative
 
 # Half of all normally distributed numbers are within this many standard deviations.
 _MEDIAN_OF_NORMAL = 0.6744897501960817
@@ -75,7 +75,7 @@ def noise(details: ArrayLike) -> float:
     >>> round(undula.thresholding.noise([1, -2, 1.5, -1.2, 40]), 4)
     2.2239
     """
-    return float(np.median(np.abs(details)) / _MEDIAN_OF_NORMAL)
+    return float(np.median(_magnitudes("noise", details)) / _MEDIAN_OF_NORMAL)
 
 
 def universal(count: int, sigma: float = 1.0) -> float:
@@ -113,7 +113,8 @@ def sure(details: ArrayLike, sigma: float = 1.0) -> float:
     >>> undula.thresholding.sure([0.1, -0.2, 3.0, 0.1, -0.1, 0.2, -2.5, 0.1], sigma=0.2)
     0.2
     """
-    magnitudes = np.sort(np.abs(details), axis=None)
+    magnitudes = np.sort(_magnitudes("sure", details), axis=None)
+    sigma = not_negative("sure", "sigma", sigma)
     count = magnitudes.size
     candidates = np.concatenate([[0.0], magnitudes[magnitudes <= universal(max(count, 1), sigma)]])
     below = np.searchsorted(magnitudes, candidates, side="right")
@@ -137,13 +138,21 @@ def bayes(details: ArrayLike, sigma: float = 1.0) -> float:
     >>> round(undula.thresholding.bayes([3, -4, 5, 0, 0, 1, -1, 2], sigma=1), 4)
     0.4082
     """
-    details = np.asarray(details, float)
-    clean = np.mean(details**2) - sigma**2
-    return float(sigma**2 / np.sqrt(clean) if clean > 0 else np.max(np.abs(details)))
+    magnitudes = _magnitudes("bayes", details)
+    sigma = not_negative("bayes", "sigma", sigma)
+    clean = np.mean(magnitudes**2) - sigma**2
+    return float(sigma**2 / np.sqrt(clean) if clean > 0 else np.max(magnitudes))
+
+
+def _magnitudes(function, details):
+    magnitudes = np.abs(doubles(function, details))
+    if not np.isfinite(magnitudes).all():
+        raise ValueError(f"{function}: the details must be finite")
+    return magnitudes
 
 
 def _numbers(x, threshold):
-    x, threshold = (real_numbers("thresholding", each).astype(float) for each in (x, threshold))
-    if np.any(threshold < 0):
-        raise ValueError("thresholding: a threshold cannot be negative")
+    x, threshold = (doubles("thresholding", each) for each in (x, threshold))
+    if not np.all(threshold >= 0):
+        raise ValueError("thresholding: a threshold cannot be negative or NaN")
     return x, threshold

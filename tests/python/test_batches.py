@@ -87,9 +87,11 @@ def test_an_error_tells_the_signal(live_values):
     [
         (TypeError, "masked array", "dwt", np.ma.ones((2, 2)), 0),
         (TypeError, "does not hold numbers", "dwt", [["a"]], 0),
-        (np.AxisError, "out of bounds", "dwt", np.ones((2, 2)), 2),
-        (np.AxisError, "out of bounds", "dwt", 1.0, 0),
-        (ValueError, "repeated axis", "dwt", np.ones((2, 2)), (1, 1)),
+        (np.AxisError, "dwt: axis 2 of data with 2 dimensions", "dwt", np.ones((2, 2)), 2),
+        (np.AxisError, "axis 0 of data with 0 dimensions", "dwt", 1.0, 0),
+        (ValueError, "an axis is given twice", "dwt", np.ones((2, 2)), (1, -1)),
+        (ValueError, "that of the signals, or the two", "dwt", np.ones((2, 2, 2)), (0, 1, 2)),
+        (TypeError, "an axis is a whole number, not 'x'", "dwt", np.ones((2, 2)), "x"),
     ],
 )
 def test_what_has_no_signals_along_the_axis(kind, message, name, data, axis):
@@ -122,7 +124,12 @@ def test_a_transform_of_two_dimensions_is_that_of_an_image(name, rng):
     assert np.array_equal(undula.transform_nd(inverse, y, 2, wavelet), inverse(y, 2, wavelet))
     volume = rng.uniform(-1, 1, (16, 2, 16, 8))
     axes = (0, -2, 3) if name == "dwti" else None
-    there = undula.transform_nd(forward, volume, 1, wavelet, axes=axes)
+    there = undula.transform_nd(forward, volume, 1, wavelet, axes=axes and iter(axes))
+    whole = np.arange(256).reshape(16, 16)
+    assert np.array_equal(undula.transform_nd(forward, whole, 1, wavelet), forward(whole, 1, wavelet))
+    for wrong in (np.ma.array(whole), 5.0, "abc"):
+        with pytest.raises((TypeError, ValueError), match="transform_nd"):
+            undula.transform_nd(forward, wrong, 1, wavelet)
     assert np.abs(undula.transform_nd(inverse, there, 1, wavelet, axes=axes) - volume).max() < 1e-13
     with pytest.raises(undula.Error, match="invalid level"):
         undula.transform_nd(forward, volume, 9, wavelet)

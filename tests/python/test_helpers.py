@@ -78,7 +78,7 @@ def test_gains_of_noise_are_the_norms_of_rows(wavelet):
 
 
 @pytest.mark.parametrize("wavelet", [W, undula.Bspline(2, 4), undula.daublet(2)])
-@pytest.mark.parametrize("shape", [(0,), (1,), (2,), (37,), (5, 3), (1, 9), (64, 50)])
+@pytest.mark.parametrize("shape", [(0,), (1,), (2,), (37,), (5, 3), (9, 1), (64, 50)])
 def test_a_threshold_of_zero_changes_nothing(wavelet, shape, rng):
     data = rng.normal(size=shape)
     before = data.copy()
@@ -88,6 +88,35 @@ def test_a_threshold_of_zero_changes_nothing(wavelet, shape, rng):
             np.testing.assert_allclose(result, data, rtol=0, atol=1e-11)
     assert undula.denoise(data, wavelet).shape == shape
     np.testing.assert_array_equal(data, before)
+
+
+# The lifting scheme's pair of Daubechies and Sweldens with four vanishing moments each, without its scaling.
+NINE_SEVEN = np.array(
+    [
+        [0.0378284555, -0.0238494650, -0.1106244044, 0.3774028556, 0.8526986790, 0.3774028556, -0.1106244044,
+         -0.0238494650, 0.0378284555],
+        [-0.0645388826, -0.0406894176, 0.4180922732, 0.7884856164, 0.4180922732, -0.0406894176, -0.0645388826,
+         0, 0],
+    ]
+).T  # fmt: skip
+
+
+def test_denoise_goes_by_the_offsets_and_the_scale_of_the_data(rng):
+    data = np.sin(np.arange(96.0) / 5) + rng.normal(0, 0.1, 96)
+    kept = undula.denoise(data, NINE_SEVEN, 2, threshold=0, offsets=[[-4, -3]])
+    np.testing.assert_allclose(kept, data, rtol=0, atol=1e-8)
+    for exponent in (-900, 900):
+        scaled = undula.denoise(np.ldexp(data, exponent), W)
+        np.testing.assert_array_equal(np.ldexp(scaled, -exponent), undula.denoise(data, W))
+
+
+def test_denoise_and_thresholds_go_along_axes_and_take_whole_numbers(rng):
+    stack = rng.integers(-99, 99, (9, 3, 8)).astype("b")
+    denoised = undula.denoise(stack, W, np.uint64(1), axis=(0, 2))
+    np.testing.assert_array_equal(denoised[:, 1], undula.denoise(stack[:, 1].astype(float), W, 1.0))
+    samples = np.array([20000] * 2 + [300] * 50 + [250] * 50, "h")
+    assert thresholding.sure(samples, 100.0) == thresholding.sure(samples.astype(float), 100.0)
+    assert thresholding.noise(np.array([-128] * 3, "b")) == pytest.approx(128 / 0.6744897501960817)
 
 
 def test_noise_goes_at_the_ends_too(rng):
@@ -149,13 +178,26 @@ def test_padding_divides_and_is_trimmed(shape, level, margin, rng):
         (TypeError, "the mask would be lost", lambda: undula.pad(np.ma.masked_array([1, 2], [0, 1]), 1)),
         (TypeError, "must be real numbers, not <U1", lambda: undula.denoise(["a"], W)),
         (ValueError, "data must be finite", lambda: undula.denoise([1, np.nan], W)),
-        (ValueError, "3 dimensions; of several signals give the axis", lambda: undula.denoise([[[1]]], W)),
+        (ValueError, "3 dimensions; of several signals or images give", lambda: undula.denoise([[[1]]], W)),
         (ValueError, "5 samples allow levels 0 to 2, not 3", lambda: undula.denoise(np.ones(5), W, 3)),
         (ValueError, '"mini" is none of sure, bayes', lambda: undula.denoise([1, 2], W, threshold="mini")),
         (ValueError, '"firm" is none of soft, hard', lambda: undula.denoise([1, 2], W, shrink="firm")),
         (ValueError, "levels: 3 samples allow levels 0 to 1", lambda: undula.levels(np.ones((3, 8)), 2)),
         (TypeError, "must be an array", lambda: undula.levels([1, 2], 1)),
         (ValueError, "pad: 3 samples allow levels 0 to 1", lambda: undula.pad([1, 2, 3], 2)),
+        (ValueError, "data.ravel\\(\\) is a signal", lambda: undula.denoise(np.ones((1, 9)), W)),
+        (ValueError, "sigma must be 0 or more and finite", lambda: undula.denoise([1, 2], W, sigma=np.nan)),
+        (ValueError, "threshold must be 0 or more", lambda: undula.denoise([1, 2], W, threshold=np.nan)),
+        (TypeError, "threshold must be a number, not None", lambda: undula.denoise([1, 2], W, threshold=None)),
+        (undula.Error, "filter unimplemented", lambda: undula.denoise([1, 2], [])),
+        (ValueError, "does not reconstruct; has it offsets", lambda: undula.denoise(np.ones(9), NINE_SEVEN)),
+        (ValueError, "details must be finite", lambda: thresholding.sure([1, np.nan])),
+        (TypeError, "must be real numbers, not complex128", lambda: thresholding.noise([1, 2j])),
+        (ValueError, "threshold must be 0 or more", lambda: undula.costs.count_above(np.nan)),
+        (TypeError, "level must be a whole number, not 1.5", lambda: undula.pad([1, 2, 3], 1.5)),
+        (TypeError, "margin must be a whole number, not 1.9", lambda: undula.pad([1, 2, 3], 1, margin=1.9)),
+        (ValueError, 'mode "zero" is none of symmetric', lambda: undula.pad([1, 2, 3], 1, "zero")),
+        (np.AxisError, "axis 2 of data with 1 dimensions", lambda: undula.levels(np.ones(4), 1, axis=2)),
     ],
 )
 def test_what_is_refused(kind, message, call):

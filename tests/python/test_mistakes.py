@@ -45,6 +45,8 @@ MISTAKES = [
     # Wavelets
     ("dwt(x, 3, undula.symmlet)", "symmlet is a function; did you mean what it returns, such as symmlet(4)?"),
     ("dwt(x, 3, 8)", "did you mean daublet(8), or its name 'daublet8'?"),
+    ("dwt(x, 3, 3)", "a wavelet is a filter or a name, such as 'daublet4'"),
+    ("dwt(x, 3, 'db4', [0, 0])", "the filter is right, but not offsets or flips"),
     ("dwt(x, 3, 'symmlet')", "the names of that kind are symmlet4, symmlet6,"),
     ("dwt(x, 3, 'Haar')", "did you mean 'haar'?"),
     ("dwt(x, 3, 'db11')", "the names of that kind are db1, db2, db3,"),
@@ -59,11 +61,13 @@ MISTAKES = [
     # Data, tables and bases
     ("dwt(x * 1j, 3, w)", "transform data.real and data.imag one by one"),
     ("get_smooth(x[None], 3)", "a 1 x 64 array is a row; data.ravel() is a column"),
+    ("dwt([np.ones(2), np.ones(2)], 1, w)", "of rows of an image make one: np.array(data)"),
     ("get_smooth(image, 1)", "for an image there is get_smooth2d"),
     ("get_detail2d(image, 1, 'h')", 'type is "H", "V" or "D".'),
     ("put_smooth(x, 3, [1, 2])", "as large as what get_smooth returns; given was an array of shape (2,)"),
     ("best_basis(np.array(table), abs)", "a list of arrays, one for each level, such as wpt returns"),
     ("best_basis(table[0], abs)", "a list of arrays of one shape, one for each level, such as wpt returns"),
+    ("best_basis(table, 'entropy')", "the costs with a name are shannon, l1 and log_energy"),
     ("best_basis(table, abs(x))", "pass the function itself as cost"),
     ("best_basis(table, lambda c: 'low')", "argument 2 (cost) must return one number, not str"),
     ("best_basis(table, np.atleast_1d)", "argument 2 (cost) must return one number, not numpy.ndarray"),

@@ -1,5 +1,6 @@
 """Packet tables against another library, and what large ones need."""
 
+import pickle
 import subprocess
 import sys
 
@@ -113,7 +114,10 @@ def test_costs_are_their_formulas_and_find_the_same_basis(cost, formula, rng):
 
 
 def test_a_cost_takes_real_numbers_and_has_a_name():
-    assert repr(undula.costs.count_above(0.5)) == "undula.costs.count_above(0.5)"
+    above = undula.costs.count_above(0.5)
+    assert repr(above) == "undula.costs.count_above(0.5)"
+    for protocol in range(pickle.HIGHEST_PROTOCOL + 1):
+        assert repr(pickle.loads(pickle.dumps(above, protocol))) == repr(above)
     table = undula.wpt(np.arange(16.0) ** 2, 3, "haar")
     assert np.array_equal(undula.best_basis(table, "l1"), undula.best_basis(table, abs))
     for wrong in (1j, "a", None, [[1], [1, 2]]):

@@ -32,6 +32,14 @@ def test_a_warning_names_what_is_wrong_at_the_line_of_the_call(call, text):
     assert [warning.filename for warning in caught] == [__file__]
 
 
+def test_as_an_error_it_is_raised_each_time():
+    with warnings.catch_warnings():
+        warnings.simplefilter("error")
+        for _ in range(2):
+            with pytest.raises(undula.UndulaWarning):
+                undula.dwt(X, 1, [0.4, 0.4, 0.1])
+
+
 def test_of_a_filter_it_is_said_once():
     taps = np.array([0.4, 0.4, 0.4])
     with pytest.warns(undula.UndulaWarning):
