@@ -1,4 +1,7 @@
-"""Finds the wavelet packets that suit a climate record, and compares them with plain wavelets.
+"""The best basis of a climate record
+==================================
+
+Finds the wavelet packets that suit a climate record, and compares them with plain wavelets. ::
 
     PYTHONPATH=build/python python3 examples/best_basis_signal.py [figure]
 

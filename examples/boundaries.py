@@ -1,4 +1,7 @@
-"""What the three treatments of the ends of a series do to the ends of its trend.
+"""Three treatments of the ends
+============================
+
+What the three treatments of the ends of a series do to the ends of its trend. ::
 
     PYTHONPATH=build/python python3 examples/boundaries.py [figure]
 

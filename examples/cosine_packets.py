@@ -1,4 +1,7 @@
-"""Finds the windows that suit a sound, and rebuilds the sound from a few of their coefficients.
+"""Cosine packets of a sound
+=========================
+
+Finds the windows that suit a sound, and rebuilds the sound from a few of their coefficients. ::
 
     PYTHONPATH=build/python python3 examples/cosine_packets.py [figure]
 

@@ -1,4 +1,7 @@
-"""Takes noise out of a real electrocardiogram, with several filters and numbers of levels.
+"""Noise taken out of an electrocardiogram
+=======================================
+
+Takes noise out of a real electrocardiogram, with several filters and numbers of levels. ::
 
     PYTHONPATH=build/python python3 examples/denoise_ecg.py [figure]
 

@@ -1,4 +1,7 @@
-"""Shows what single packets contribute to a signal, also between its samples.
+"""The packets of a series, between its samples
+============================================
+
+Shows what single packets contribute to a signal, also between its samples. ::
 
     PYTHONPATH=build/python python3 examples/interpolate.py [figure]
 

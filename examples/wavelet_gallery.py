@@ -1,4 +1,7 @@
-"""Draws scaling functions, wavelets and wavelet packets.
+"""Scaling functions, wavelets and packets
+=======================================
+
+Draws scaling functions, wavelets and wavelet packets. ::
 
     PYTHONPATH=build/python python3 examples/wavelet_gallery.py [folder]
 

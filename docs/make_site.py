@@ -1,0 +1,85 @@
+"""Makes the site: the pages of docs/, a page for each function, the helpers' help and the gallery.
+
+    PYTHONPATH=build/python python3 docs/make_site.py FOLDER
+
+The sources are put together in FOLDER/source; FOLDER/html is the site. Any warning is an error.
+"""
+
+import os
+import re
+import shutil
+import subprocess
+import sys
+from pathlib import Path
+
+import matplotlib
+
+matplotlib.use("Agg")
+
+import make_functions
+from function_pictures import draw_pictures
+
+DOCS = Path(__file__).resolve().parent
+ROOT = DOCS.parent
+MORE_PAGES = ("CONTRIBUTING.md", "CHANGELOG.md")
+
+HELPERS = {
+    "Signals and images": ["denoise", "levels", "pad", "transform_nd", "evaluate", "wavelets"],
+    "Thresholds": ["thresholding.sure", "thresholding.bayes", "thresholding.universal"],
+    "Pictures": [f"plot.{name}" for name in
+                 ("levels", "tiling", "table", "mosaic", "partition", "decay", "function", "sheet")],
+}
+
+
+def gather(source):
+    """The pages of docs/ and what is made for the site."""
+    shutil.copytree(DOCS, source, ignore=shutil.ignore_patterns("*.py", "__pycache__"))
+    for name in MORE_PAGES:
+        text = (ROOT / name).read_text(encoding="utf-8")
+        (source / name).write_text(text.replace("](docs/", "]("), encoding="utf-8")
+    for page in source.glob("*.md"):
+        text = page.read_text(encoding="utf-8")
+        page.write_text(re.sub(r"\]\(\.\./(\w+\.md)", r"](\1", text), encoding="utf-8")
+    write_functions(source)
+    (source / "reference.md").write_text(helpers_page(), encoding="utf-8")
+
+
+def write_functions(source):
+    """In place of the one page with all functions a list of them, and a page for each."""
+    folder = source / "functions"
+    folder.mkdir()
+    pictures = draw_pictures(folder)
+    listing = make_functions.introduction(lambda name: f"functions/{name}.md", 2)
+    for name, description in make_functions.DESCRIPTIONS.items():
+        page = make_functions.entry(
+            description, "#", lambda other: f"{other}.md", "../functions.md", pictures.get(name, "")
+        )
+        (folder / f"{name}.md").write_text(page.replace(f"# `{name}`", f"# {name}", 1), encoding="utf-8")
+    names = "\n".join(f"functions/{name}" for name in make_functions.DESCRIPTIONS)
+    (source / "functions.md").write_text(f"{listing}\n{_toctree(names)}", encoding="utf-8")
+
+
+def helpers_page():
+    parts = ["# Python helpers, one by one\n\n[Helpers](helpers.md) and [pictures](plotting.md) tell what they are for.\n"]
+    for title, names in HELPERS.items():
+        parts.append(f"## {title}\n")
+        parts += [f"```{{eval-rst}}\n.. autofunction:: undula.{name}\n```\n" for name in names]
+    return "\n".join(parts)
+
+
+def _toctree(names):
+    return f"```{{toctree}}\n:hidden:\n\n{names}\n```\n"
+
+
+def main():
+    folder = Path(sys.argv[1]).resolve()
+    shutil.rmtree(folder, ignore_errors=True)
+    gather(folder / "source")
+    # The pickled environment is of no use in a folder that is made anew.
+    command = [sys.executable, "-m", "sphinx", "-q", "-W", "--keep-going", "-c", DOCS, "-d", folder / "doctrees",
+               folder / "source", folder / "html"]
+    sys.exit(subprocess.run(command, env={**os.environ, "PYTHONDONTWRITEBYTECODE": "1"}).returncode)
+
+
+if __name__ == "__main__":
+    main()
