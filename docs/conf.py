@@ -18,12 +18,14 @@ source_suffix = {".md": "markdown", ".rst": "restructuredtext"}
 myst_heading_anchors = 3
 exclude_patterns = ["gallery/*.ipynb", "gallery/*.md5"]
 highlight_language = "default"
+default_role = "code"
 numpydoc_show_class_members = False
 autodoc_typehints = "none"
 
 html_theme = "furo"
 html_title = f"Undula {version}"
 html_static_path = [str(ROOT / "docs" / "static")]
+html_favicon = str(ROOT / "docs" / "static" / "undula.svg")
 html_css_files = ["site.css"]
 html_copy_source = False
 html_show_sphinx = False

@@ -18,9 +18,11 @@ matplotlib.use("Agg")
 
 import make_functions
 from function_pictures import draw_pictures
+from run_pages import PAGES, run_page
 
 DOCS = Path(__file__).resolve().parent
 ROOT = DOCS.parent
+NORMALIZE = Path("/usr/share/javascript/normalize.css/normalize.css")
 MORE_PAGES = ("CONTRIBUTING.md", "CHANGELOG.md")
 
 HELPERS = {
@@ -37,9 +39,15 @@ def gather(source):
     for name in MORE_PAGES:
         text = (ROOT / name).read_text(encoding="utf-8")
         (source / name).write_text(text.replace("](docs/", "]("), encoding="utf-8")
-    for page in source.glob("*.md"):
+    for page in source.rglob("*.md"):
         text = page.read_text(encoding="utf-8")
-        page.write_text(re.sub(r"\]\(\.\./(\w+\.md)", r"](\1", text), encoding="utf-8")
+        text = re.sub(r"\]\((\.\./)*examples/(\w+)\.py\)", rf"]({'../' * (page.parent != source)}gallery/\2.rst)", text)
+        if page.parent == source:
+            text = re.sub(r"\]\(\.\./(\w+\.md)", r"](\1", text)
+        page.write_text(text, encoding="utf-8")
+    os.chdir(source / "images")
+    for page in PAGES:
+        run_page(page)
     write_functions(source)
     (source / "reference.md").write_text(helpers_page(), encoding="utf-8")
 
@@ -59,6 +67,17 @@ def write_functions(source):
     (source / "functions.md").write_text(f"{listing}\n{_toctree(names)}", encoding="utf-8")
 
 
+def mend_theme(html):
+    """Debian's theme expects a web server with Debian's folders, and a browser that is told of modules."""
+    styles, scripts = html / "_static" / "styles", html / "_static" / "scripts"
+    shutil.copy(NORMALIZE, styles)
+    furo = styles / "furo.css"
+    furo.write_text(furo.read_text(encoding="utf-8").replace(f"/{NORMALIZE.relative_to('/usr/share')}", NORMALIZE.name))
+    gumshoe = (scripts / "gumshoe-patched.js").read_text(encoding="utf-8")
+    furo = scripts / "furo.js"
+    furo.write_text(gumshoe + re.sub(r"^import .*$", "", furo.read_text(encoding="utf-8"), flags=re.MULTILINE))
+
+
 def helpers_page():
     parts = ["# Python helpers, one by one\n\n[Helpers](helpers.md) and [pictures](plotting.md) tell what they are for.\n"]
     for title, names in HELPERS.items():
@@ -75,10 +94,10 @@ def main():
     folder = Path(sys.argv[1]).resolve()
     shutil.rmtree(folder, ignore_errors=True)
     gather(folder / "source")
-    # The pickled environment is of no use in a folder that is made anew.
     command = [sys.executable, "-m", "sphinx", "-q", "-W", "--keep-going", "-c", DOCS, "-d", folder / "doctrees",
                folder / "source", folder / "html"]
-    sys.exit(subprocess.run(command, env={**os.environ, "PYTHONDONTWRITEBYTECODE": "1"}).returncode)
+    subprocess.run(command, env={**os.environ, "PYTHONDONTWRITEBYTECODE": "1"}, check=True)
+    mend_theme(folder / "html")
 
 
 if __name__ == "__main__":

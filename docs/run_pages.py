@@ -17,7 +17,7 @@ matplotlib.use("Agg")
 import matplotlib.pyplot as plt
 
 DOCS = Path(__file__).resolve().parent
-PAGES = [*sorted(DOCS.glob("guide/*.md")), DOCS / "pywavelets.md"]
+PAGES = [*sorted(DOCS.glob("guide/*.md")), DOCS / "index.md", DOCS / "pywavelets.md"]
 BLOCK = re.compile(r"^```(python|text)\n(.*?)^```", re.MULTILINE | re.DOTALL)
 
 
