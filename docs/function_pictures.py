@@ -101,13 +101,13 @@ def _blocks(figure):
 
 def _plane(function, types):
     def draw(figure):
-        x, y = np.meshgrid(np.linspace(-1.5, 3.5, 161), np.linspace(-1.5, 3.5, 161))
+        x, y = np.meshgrid(np.linspace(-1.5, 3.5, 161), np.linspace(-1.5, 3.5, 161), indexing="ij")
         for axis, kind in zip(figure.subplots(1, len(types), sharey=True, squeeze=False)[0], types):
             values = function(x, y, "symmlet8", *kind)
             most = np.abs(values).max()
-            axis.imshow(values, cmap="RdBu_r", vmin=-most, vmax=most, extent=(-1.5, 3.5, -1.5, 3.5),
-                        origin="lower", interpolation="bilinear")
-            axis.set(xlabel="x", ylabel="y", title=kind)
+            axis.imshow(values, cmap="RdBu_r", vmin=-most, vmax=most, extent=(-1.5, 3.5, 3.5, -1.5),
+                        interpolation="bilinear")
+            axis.set(xlabel="y", ylabel="x, downwards", title=kind)
 
     return draw
 

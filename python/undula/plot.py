@@ -451,6 +451,9 @@ def sheet(wavelet: ArrayLike, axes: NDArray | None = None) -> NDArray:
     limits = [limit for ax in (scaling, mother) for limit in ax.get_xlim()]
     for ax in (scaling, mother):
         ax.set_xlim(min(limits), max(limits))
+    responses.set_ylim(top=1.35 * responses.get_ylim()[1])
+    responses.legend(*(each[:2] for each in responses.get_legend_handles_labels()), frameon=False,
+                     fontsize="small", ncols=2, borderpad=0, loc="upper center")
     if is_pair:
         taps.set_ylim(top=1.9 * taps.get_ylim()[1])
         taps.legend(frameon=False, fontsize="small", borderpad=0)
@@ -537,7 +540,7 @@ def _stem(ax, x, y, color, label):
 
 def _draw_responses(ax, low, high, color):
     frequencies = np.linspace(0, 1, 257)
-    for filter, style in ((low, "-"), (high, "--")):
+    for name, filter, style in (("low-pass", low, "-"), ("high-pass", high, "--")):
         response = np.exp(-1j * np.pi * np.outer(frequencies, np.arange(len(filter)))) @ filter
-        ax.plot(frequencies, np.abs(response), style, color=color, lw=1.3)
+        ax.plot(frequencies, np.abs(response), style, color=color, lw=1.3, label=name)
     ax.set_xlabel("frequency / highest")
