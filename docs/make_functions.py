@@ -6,7 +6,7 @@
 import re
 from pathlib import Path
 
-from undula._descriptions import paragraphs, read_descriptions, read_kinds
+from undula._descriptions import AXIS, paragraphs, read_descriptions, read_kinds
 
 PAGE = Path(__file__).with_name("functions.md")
 DESCRIPTIONS = read_descriptions()
@@ -93,13 +93,15 @@ def groups():
 
 def entry(description, heading, target, page, picture=""):
     """The description of one function; `page` is where the errors that all share are described."""
+    folder = page.removesuffix("functions.md")
+    arguments = [*description.arguments, *([AXIS] if description.takes_axis else [])]
     parts = [
         f"{heading} `{description.name}`",
         _code("python", "\n".join(description.calls())),
-        *_linked(description, f"{description.summary}\n\n{description.details}", target),
+        *_linked(description, f"{description.summary}\n\n{description.details}", target, folder),
         picture,
-        _table("argument", "kind", "meaning", map(_argument_row, description.arguments)),
-        *_linked(description, f"Result: {description.result.kind}. {description.result.meaning}", target),
+        _table("argument", "kind", "meaning", map(_argument_row, arguments)),
+        *_linked(description, f"Result: {description.result.kind}. {description.result.meaning}", target, folder),
         *_errors(description, page),
         _code("pycon", description.example),
         "\n".join(f"- {work}" for work in description.literature),
@@ -111,15 +113,16 @@ def _anchor(name):
     return f"#{name.lower()}"
 
 
-def _linked(description, text, target):
-    """Paragraphs in which the names of other functions are links."""
+def _linked(description, text, target, folder):
+    """Paragraphs in which the names of other functions and of pages are links."""
 
     def link(match):
         name = match[1]
         other = name in DESCRIPTIONS and name != description.name
         return f"[`{name}`]({target(name)})" if other else match[0]
 
-    return [re.sub(r"`(\w+)`", link, part) for part in paragraphs(text)]
+    linked = [re.sub(r"`(\w+)`", link, part) for part in paragraphs(text)]
+    return [re.sub(r"docs/(\w+)\.md", rf"[\1]({folder}\1.md)", part) for part in linked]
 
 
 def _shared_errors():
