@@ -19,6 +19,7 @@ myst_heading_anchors = 3
 exclude_patterns = ["gallery/*.ipynb", "gallery/*.md5"]
 highlight_language = "default"
 default_role = "code"
+smartquotes = False
 numpydoc_show_class_members = False
 autodoc_typehints = "none"
 

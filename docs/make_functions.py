@@ -74,7 +74,7 @@ def introduction(target, depth):
     kinds = [f'| {name} | {kind["python"]} | "{kind["refusal"]}" |' for name, kind in read_kinds().items()]
     lists = []
     for group, names in groups().items():
-        lists.append(f"{'#' * depth} {group}\n\n| function | |\n|---|---|")
+        lists.append(f"{'#' * depth} {group}\n\n| function | what it does |\n|---|---|")
         lists += [f"| [`{name}`]({target(name)}) | {DESCRIPTIONS[name].summary} |" for name in names]
         lists.append("")
     shared = [f'| "{message}" | {when} |' for message, when in _shared_errors()]
