@@ -33,7 +33,7 @@ class Filters:
         return made
 
     def look_at(self, filter, options):
-        """Warns once of a filter of the user's own that `idwt` does not invert."""
+        """Warns once of a filter that is not the pack's and that `idwt` does not invert."""
         if isinstance(filter, np.ndarray) and not options:
             key = id(filter)
             self.seen[key] = weakref.ref(filter, lambda _: self.seen.pop(key, None))

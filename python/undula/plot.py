@@ -43,7 +43,7 @@ def levels(
     """Draws the coefficients of a signal by level, the finest on top.
 
     Each coefficient is a bar as wide as the time that it stands for. All details have one scale; other
-    scales, such as that of the smooth part, are told by the labels.
+    scales, such as that of the smooth part, are given by the labels.
 
     Parameters
     ----------
@@ -363,7 +363,7 @@ def decay(coefficients: ArrayLike, ax: Axes | None = None, *, kind: str = "magni
         ax.loglog(counts[1:-1], np.sqrt(rests / rests[0])[1:-1], **line)
         ax.set(xlabel="coefficients kept", ylabel="relative error")
     else:
-        raise ValueError(f'decay: kind "{kind}" is none of magnitude, energy, error')
+        raise ValueError(f'decay: kind "{kind}" is not one of magnitude, energy, error')
     return ax
 
 
