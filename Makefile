@@ -1,6 +1,7 @@
 # make build         the libraries and the Python package, in build/
 # make demo          remove noise from a real electrocardiogram; draws out/denoise_ecg.png
 # make test          the C++ and the Python tests
+# make install       the libraries and headers for C++, in PREFIX=/usr/local
 # make octave        the package for GNU Octave, build/undula-VERSION.tar.gz
 # make octave-test   the tests from Octave, beside Python
 # make bench         time the kernels and transforms, also beside PyWavelets
@@ -22,9 +23,10 @@
 SECONDS = 60
 FAULTS = 100
 FUZZ = 1800
+PREFIX = /usr/local
 
-.PHONY: help build demo test octave octave-test bench accuracy lint asan fuzz mutants windows windows-test site site-check \
-        release-check clean
+.PHONY: help build demo test install octave octave-test bench accuracy lint asan fuzz mutants windows windows-test site \
+        site-check release-check clean
 
 help:
 	@sed -n 's/^# make/make/p' Makefile
@@ -45,6 +47,13 @@ test:
 	cmake --build --preset release
 	ctest --preset python
 	ctest --preset release
+
+install:
+	tools/install cpp
+	cmake -B build/install -DCMAKE_INSTALL_PREFIX=$(PREFIX) \
+		-DUNDULA_TESTS=OFF -DUNDULA_BENCH=OFF -DUNDULA_PYTHON=OFF -DUNDULA_OCTAVE=OFF
+	cmake --build build/install --parallel
+	cmake --install build/install
 
 octave:
 	tools/install build octave

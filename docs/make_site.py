@@ -40,16 +40,27 @@ def gather(source):
         text = (ROOT / name).read_text(encoding="utf-8")
         (source / name).write_text(text.replace("](docs/", "]("), encoding="utf-8")
     for page in source.rglob("*.md"):
-        text = page.read_text(encoding="utf-8")
-        text = re.sub(r"\]\((\.\./)*examples/(\w+)\.py\)", rf"]({'../' * (page.parent != source)}gallery/\2.rst)", text)
-        if page.parent == source:
-            text = re.sub(r"\]\(\.\./(\w+\.md)", r"](\1", text)
-        page.write_text(text, encoding="utf-8")
+        page.write_text(with_links_of_the_site(page, source), encoding="utf-8")
     os.chdir(source / "images")
     for page in PAGES:
         run_page(page)
     write_functions(source)
     (source / "reference.md").write_text(helpers_page(), encoding="utf-8")
+
+
+def with_links_of_the_site(page, source):
+    """An example is a page of the gallery; of a file that is not in the site only the name is left."""
+    top = "../" * len(page.relative_to(source).parents[:-1])
+
+    def link(match):
+        label, outside = match.groups()
+        example = re.fullmatch(r"examples/(\w+)\.py", outside)
+        if example:
+            return f"[{label}]({top}gallery/{example[1]}.rst)"
+        return f"[{label}]({top}{outside})" if (source / outside.split("#")[0]).is_file() else label
+
+    text = page.read_text(encoding="utf-8")
+    return re.sub(rf"\[([^]]+)\]\({top}\.\./([^)]+)\)", link, text)
 
 
 def write_functions(source):

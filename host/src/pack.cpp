@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "argument_names.h"
 #include "efihost/error.h"
 #include "library.h"
 #include "shapes.h"
@@ -23,7 +24,11 @@ bool isWhole(const EfiFunction& row) {
 
 }  // namespace
 
-Pack::Pack(const std::filesystem::path& path) : library_(loadLibrary(path)) {
+Pack::Pack() : Pack(loadCompanion(EFIHOST_PACK_FILE), EFIHOST_PACK_FILE) {}
+
+Pack::Pack(const std::filesystem::path& path) : Pack(loadLibrary(path), path) {}
+
+Pack::Pack(void* library, const std::filesystem::path& path) : library_(library) {
     const auto* rows = needed<const EfiFunction*>(library_, "theEfi", path);
     const auto* count = needed<const std::int32_t*>(library_, "numFuncs", path);
     register_ = needed<int (*)()>(library_, "DllRegisterServer", path);
@@ -32,8 +37,9 @@ Pack::Pack(const std::filesystem::path& path) : library_(loadLibrary(path)) {
     table_ = {rows, static_cast<std::size_t>(*count)};
     for (const EfiFunction& row : table_) {
         if (!isWhole(row)) throw LoadError(path.string() + ": an incomplete row in its table");
-        functions_.push_back({row.name->text, arityOf(*row.signature), row.entry});
+        functions_.push_back({row.name->text, arityOf(*row.signature), row.entry, {}});
     }
+    nameArguments(functions_);
 }
 
 std::vector<std::string_view> Pack::names() const {

@@ -1,12 +1,10 @@
 #include "calls.h"
 
-#include <dlfcn.h>
 #include <octave/error.h>
 #include <octave/quit.h>
 
 #include <algorithm>
 #include <cctype>
-#include <filesystem>
 #include <string>
 
 #include "conversion.h"
@@ -35,13 +33,8 @@ Host& theHost() {
     return *host;
 }
 
-// The pack lies beside this library.
 const Pack& thePack() {
-    static const Pack* const pack = [] {
-        Dl_info self{};
-        dladdr(reinterpret_cast<const void*>(&thePack), &self);
-        return new Pack(std::filesystem::path(self.dli_fname).parent_path() / "libundula.so");
-    }();
+    static const Pack* const pack = new Pack;
     return *pack;
 }
 

@@ -3,6 +3,7 @@
 #include <pybind11/pybind11.h>
 #include <pybind11/stl.h>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -52,8 +53,13 @@ void define(py::module_& module) {
     exposeCosts(module);
 
     module.def(
-        "load", [](const std::string& path) { return efihost::Pack(path).functions(); }, py::arg("path"),
-        "Loads a pack; returns its functions in the order of its table.");
+        "load",
+        [](const std::optional<std::string>& path) {
+            return (path ? efihost::Pack(*path) : efihost::Pack()).functions();
+        },
+        py::arg("path") = py::none(),
+        "Loads a pack, without a path the one that is installed with the host; returns its functions in the "
+        "order of its table.");
 }
 
 }  // namespace

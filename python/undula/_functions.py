@@ -1,7 +1,5 @@
 """The functions of the pack as functions of Python."""
 
-from pathlib import Path
-
 from undula import _host
 from undula._arguments import preparation
 from undula._batches import apply_along
@@ -12,12 +10,11 @@ from undula._filters import Filters
 from undula._remedies import failure
 
 _NO_SCALARS = {"data", "wavelet", "offsets", "flips", "type"}
-LIBRARY = Path(__file__).parent / "lib" / "libundula.so"
 
 
 def load_functions():
     """Loads the pack. Returns its functions by name, in the order of their descriptions."""
-    rows = {row.name: row for row in _host.load(str(LIBRARY))}
+    rows = {row.name: row for row in _host.load()}
     filters = Filters(rows)
     return {
         name: _function(description, rows, filters) for name, description in read_descriptions().items()
@@ -26,7 +23,7 @@ def load_functions():
 
 def _function(description, rows, filters):
     row = rows[description.name]
-    counts = {len(form) for form in description.forms}
+    names_of = {len(form): form for form in description.forms}
     bind = binder(description)
     prepare, finish = preparation(description, rows, filters)
 
@@ -40,25 +37,34 @@ def _function(description, rows, filters):
             if takes_axis:
                 axis = named.pop("axis", None)
             args = bind(args, named) if named else args
-        if len(args) not in counts:
+        if len(args) not in names_of:
             return _call_with_wrong_count(row, description, args)
         target, ready, names = prepare(args)
-        if has_points:
-            places = places_of[names]
-            points = at_points(
-                target, description.name, names, ready, places, lambda e: failure(description, e, names, args)
-            )
-            if points is not None:
-                return points
-        if axis is None:
-            outcome = target.call(ready, names)
-        else:
-            outcome = apply_along(
-                target, names, ready, axis, lambda e, one: failure(description, e, names, (one, *args[1:]))
-            )
+        try:
+            outcome = None
+            if has_points:
+                places = places_of[names]
+                outcome = at_points(
+                    target,
+                    description.name,
+                    names,
+                    ready,
+                    places,
+                    lambda e: failure(description, e, names, args),
+                )
+            if axis is not None:
+                outcome = apply_along(
+                    target, names, ready, axis, lambda e, one: failure(description, e, names, (one, *args[1:]))
+                )
+            elif outcome is None:
+                outcome = target.call(ready, names)
+        except (TypeError, ValueError):
+            if target is not row:
+                row.call(args, names_of[len(args)])  # refuses them under the names that the caller knows
+            raise
         if type(outcome) is _host.ErrorValue:
             raise failure(description, outcome, names, args)
-        if finish is not None:
+        if finish is not None and getattr(outcome, "size", 1):  # at no points at all, nothing was called
             finish(ready)
         return outcome
 

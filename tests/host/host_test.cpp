@@ -1,6 +1,7 @@
 // The host by itself, with a pack that shows it what it does.
 #include <atomic>
 #include <chrono>
+#include <cmath>
 #include <future>
 #include <numeric>
 #include <stdexcept>
@@ -66,6 +67,17 @@ TEST_F(HostCall, ReportsAnErrorValue) {
     EXPECT_STREQ(error.what(), "refuse: refused (argument 1)");
     EXPECT_STREQ(Error("dwt", "out of memory", 0).what(), "dwt: out of memory");
     EXPECT_THROW(call("nothing", 1), Error);
+
+    // Of the pack that the host knows it names the argument, as that form of the function has it.
+    const auto textOf = [&](const char* name, const std::vector<Value>& arguments) -> std::string {
+        return caught<Error>([&] { host.call(pack(), name, arguments); }).what();
+    };
+    EXPECT_EQ(textOf("dwt", {column(Numbers(8)), 4, column({std::sqrt(0.5), std::sqrt(0.5)})}),
+              "dwt: invalid level (argument 2: level)");
+    EXPECT_EQ(textOf("father", {0.5, 0, 0.5, "haar"}), "father: must be integer (argument 3: shift)");
+    EXPECT_EQ(textOf("father", {0.5, "nothing"}),
+              "father: invalid filter wavelet string (argument 2: wavelet)");
+    EXPECT_EQ(textOf("dwt", {column(Numbers(8))}), "dwt: Wrong number of Arguments");
 }
 
 // Values come and go without the lock; a call waits for it.
@@ -376,6 +388,10 @@ TEST(HostPack, TellsItsFunctions) {
     EXPECT_FALSE(pack.has("pol"));
     EXPECT_EQ(pack.symbol("theEfi"), pack.table().data());
     EXPECT_EQ(pack.symbol("theOther"), nullptr);
+}
+
+TEST(HostPack, WithoutAPathIsTheOneBesideTheHost) {
+    EXPECT_EQ(Pack().table().data(), pack().table().data());
 }
 
 TEST(HostPack, RefusesWhatIsNoPack) {

@@ -6,10 +6,10 @@ import time
 import numpy as np
 import pytest
 import undula
-from undula import _functions, _host
+from undula import _host
 from undula._batches import apply_along
 
-ROWS = {row.name: row for row in _host.load(str(_functions.LIBRARY))}
+ROWS = {row.name: row for row in _host.load()}
 
 WAVELETS = {"dwt": undula.daublet(8), "dwts": undula.Bspline(2, 2), "dwti": undula.daublet(4)}
 ORDERS = {

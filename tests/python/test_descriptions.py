@@ -10,12 +10,12 @@ from pathlib import Path
 import numpy as np
 import pytest
 import undula
-from undula import _descriptions, _functions
+from undula import _descriptions
 
 ROOT = Path(__file__).resolve().parents[2]
 DESCRIPTIONS = _descriptions.read_descriptions()
 KINDS = _descriptions.read_kinds()
-ROWS = {row.name: row for row in undula._host.load(str(_functions.LIBRARY))}
+ROWS = {row.name: row for row in undula._host.load()}
 FORMS = [(name, form) for name, entry in DESCRIPTIONS.items() for form in entry.forms]
 
 # For every kind a value of it, and values of other kinds that are no functions.
@@ -178,6 +178,10 @@ def test_help_names_arguments_errors_and_example():
     assert '"invalid level"' in text
 
 
-def test_the_page_of_functions_is_up_to_date():
-    maker = runpy.run_path(ROOT / "docs" / "make_functions.py")
-    assert maker["PAGE"].read_text(encoding="utf-8") == maker["page"]()
+def test_what_is_made_of_the_descriptions_and_kept_is_up_to_date():
+    for file, kept, made in (
+        ("docs/make_functions.py", "PAGE", "page"),
+        ("host/make_argument_names.py", "TABLE", "table"),
+    ):
+        maker = runpy.run_path(ROOT / file)
+        assert maker[kept].read_text(encoding="utf-8") == maker[made]()

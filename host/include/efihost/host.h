@@ -1,7 +1,7 @@
 // A host for function packs: makes values, calls a pack's functions by name, and gives the packs
 // the services of include/efi.
 //
-//     efihost::Pack pack("libundula.so");
+//     efihost::Pack pack;
 //     efihost::Host host;
 //     Value w = host.call(pack, "daublet", 4);
 //     Value y = host.call(pack, "dwt", Value::column(samples), 3, w);

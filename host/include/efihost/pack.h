@@ -16,12 +16,18 @@ struct Function {
     std::string_view name;
     std::optional<int> arity;  // the number of arguments; none where it varies
     EfiEntry entry;
+    // The names of the arguments for each number of them, as in "data level wavelet"; none for the
+    // functions of a pack that the host does not know.
+    std::span<const std::string_view> forms;
 };
 
 // The functions of a loaded library. It stays loaded for the life of the process: a pack cannot undo
 // what it did when it was loaded. Copies are cheap and equivalent.
 class EFI_HOST Pack {
  public:
+    // The pack that is installed with the host: it lies beside the host's library, or where the system
+    // finds libraries. Throws LoadError.
+    Pack();
     // Throws LoadError.
     explicit Pack(const std::filesystem::path& path);
 
@@ -43,6 +49,7 @@ class EFI_HOST Pack {
     int unregisterServer() const { return unregister_(); }
 
  private:
+    Pack(void* library, const std::filesystem::path& path);
     const Function* find(std::string_view name) const;
 
     void* library_;
