@@ -13,6 +13,8 @@
 # make windows       the 32-bit Windows libraries, in build/windows/
 # make windows-test  check them, and run the C++ tests as Windows programs under Wine
 # make release-check the long checks before a release, FUZZ=1800 seconds of random calls among them
+# make site          the site with guide, functions and gallery, in build/site/html
+# make site-check    open it in Chromium, check its links and take pictures, in build/site_pictures
 # make clean         remove build/ and out/
 #
 # Each installs what is missing (Debian 12; root or sudo). Underneath is CMake: CMakePresets.json.
@@ -23,7 +25,8 @@ FAULTS = 100
 FUZZ = 1800
 PREFIX = /usr/local
 
-.PHONY: help build demo test install octave octave-test bench accuracy lint asan fuzz mutants windows windows-test release-check clean
+.PHONY: help build demo test install octave octave-test bench accuracy lint asan fuzz mutants windows windows-test site \
+        site-check release-check clean
 
 help:
 	@sed -n 's/^# make/make/p' Makefile
@@ -103,8 +106,17 @@ windows-test: build windows
 	tools/install wine
 	tools/test_windows
 
+site:
+	tools/install build site
+	cmake --preset release
+	cmake --build --preset release --target site
+
+site-check: site
+	tools/install chromium
+	tools/photograph_site build/site/html build/site_pictures
+
 release-check:
-	tools/install build fftw test octave demo lint fuzz windows wine
+	tools/install build fftw test octave demo lint fuzz windows wine site chromium
 	tools/release_check $(FUZZ)
 
 clean:

@@ -1,13 +1,18 @@
-"""Writes docs/functions.md from the descriptions of the functions.
+"""Writes docs/functions.md from the descriptions of the functions; docs/make_site.py makes a page a function.
 
     PYTHONPATH=build/python python3 docs/make_functions.py
 """
 
+import re
 from pathlib import Path
 
-from undula._descriptions import paragraphs, read_descriptions, read_kinds
+from undula._descriptions import AXIS, paragraphs, read_descriptions, read_kinds
 
 PAGE = Path(__file__).with_name("functions.md")
+DESCRIPTIONS = read_descriptions()
+
+# What many functions give for the call as a whole, said once.
+SHARED = ("Wrong number of Arguments", "out of memory", "interrupted", "internal fft error")
 
 INTRODUCTION = """\
 # Functions
@@ -16,7 +21,9 @@ INTRODUCTION = """\
 
 The functions of the pack as Python shows them: `import undula`. Arguments are given by position or
 by name: `undula.dwt(x, 3, w)`, `undula.dwt(x, level=3, wavelet=w)`. Every function also has its help
-text: `help(undula.dwt)`.
+text: `help(undula.dwt)`. GNU Octave has the same functions under the same names.
+
+{functions}
 
 ## Arguments and results
 
@@ -40,41 +47,97 @@ A refused call raises `undula.Error`, a `ValueError` with the fields `function`,
 `argument`, the position of the argument at fault counted from 1, or 0 for the call as a whole:
 `dwt: must be real array (argument 1: data)`. "out of memory" is also a `MemoryError`;
 "singularity", "overflow" and "floating point error", the faults of the arithmetic, are also a
-`FloatingPointError`. What a user's own function raises is raised by the call. Ctrl-C raises
+`FloatingPointError`. What your own function raises is raised by the call. Ctrl-C raises
 `KeyboardInterrupt` in a call that polls for interruption.
 
-The tables below give the errors of each function in the order in which they are looked for.
+Some errors mean the same wherever they occur:
+
+| message | when |
+|---|---|
+{shared}
+
+The tables of the functions give their other errors in the order in which they are looked for.
 """
 
 
 def page():
-    kinds = "\n".join(
-        f'| {name} | {kind["python"]} | "{kind["refusal"]}" |' for name, kind in read_kinds().items()
-    )
-    parts = [INTRODUCTION.format(kinds=kinds)]
-    group = None
-    for description in read_descriptions().values():
-        if description.group != group:
-            group = description.group
-            parts.append(f"## {group}\n")
-        parts.append(_entry(description))
+    """One page with all functions, for readers of the repository."""
+    parts = [introduction(_anchor, 3)]
+    for group, names in groups().items():
+        parts.append(f"## {group}\n")
+        parts += [entry(DESCRIPTIONS[name], "###", _anchor, "") for name in names]
     return "\n".join(parts)
 
 
-def _entry(description):
-    arguments = map(_argument_row, description.arguments)
+def introduction(target, depth):
+    """What holds for all functions, after a list of them; `target` tells where a function is described."""
+    kinds = [f'| {name} | {kind["python"]} | "{kind["refusal"]}" |' for name, kind in read_kinds().items()]
+    lists = []
+    for group, names in groups().items():
+        lists.append(f"{'#' * depth} {group}\n\n| function | what it does |\n|---|---|")
+        lists += [f"| [`{name}`]({target(name)}) | {DESCRIPTIONS[name].summary} |" for name in names]
+        lists.append("")
+    shared = [f'| "{message}" | {when} |' for message, when in _shared_errors()]
+    return INTRODUCTION.format(
+        functions="\n".join(lists).strip(), kinds="\n".join(kinds), shared="\n".join(shared)
+    )
+
+
+def groups():
+    """The names of the functions of each group, in the order of the descriptions."""
+    named = {}
+    for description in DESCRIPTIONS.values():
+        named.setdefault(description.group, []).append(description.name)
+    return named
+
+
+def entry(description, heading, target, page, picture=""):
+    """The description of one function; `page` is where the errors that all share are described."""
+    folder = page.removesuffix("functions.md")
+    arguments = [*description.arguments, *([AXIS] if description.takes_axis else [])]
     parts = [
-        f"### `{description.name}`",
+        f"{heading} `{description.name}`",
         _code("python", "\n".join(description.calls())),
-        *paragraphs(f"{description.summary}\n\n{description.details}"),
-        _table("argument", "kind", "meaning", arguments),
-        *paragraphs(f"Result: {description.result.kind}. {description.result.meaning}"),
-        _table("argument at fault", "message", "when", map(_error_row, description.errors)),
+        *_linked(description, f"{description.summary}\n\n{description.details}", target, folder),
+        picture,
+        _table("argument", "kind", "meaning", map(_argument_row, arguments)),
+        *_linked(description, f"Result: {description.result.kind}. {description.result.meaning}", target, folder),
+        *_errors(description, page),
         _code("pycon", description.example),
+        "\n".join(f"- {work}" for work in description.literature),
     ]
-    if description.literature:
-        parts.append("\n".join(f"- {work}" for work in description.literature))
-    return "\n\n".join(parts) + "\n"
+    return "\n\n".join(part for part in parts if part) + "\n"
+
+
+def _anchor(name):
+    return f"#{name.lower()}"
+
+
+def _linked(description, text, target, folder):
+    """Paragraphs in which the names of other functions and of pages are links."""
+
+    def link(match):
+        name = match[1]
+        other = name in DESCRIPTIONS and name != description.name
+        return f"[`{name}`]({target(name)})" if other else match[0]
+
+    linked = [re.sub(r"`(\w+)`", link, part) for part in paragraphs(text)]
+    return [re.sub(r"docs/(\w+)\.md", rf"[\1]({folder}\1.md)", part) for part in linked]
+
+
+def _shared_errors():
+    when = {error.message: error.when for each in DESCRIPTIONS.values() for error in each.errors}
+    return [(message, when[message]) for message in SHARED]
+
+
+def _errors(description, page):
+    """The table of a function's own errors, and a line with those that it shares."""
+    own = [error for error in description.errors if error.message not in SHARED]
+    shared = [f'"{error.message}"' for error in description.errors if error.message in SHARED]
+    if own:
+        yield _table("argument at fault", "message", "when", map(_error_row, own))
+    if shared:
+        yield f"{'Also' if own else 'Errors'}: {', '.join(shared)} ([errors]({page}#errors))."
 
 
 def _argument_row(argument):

@@ -1,4 +1,7 @@
-"""Finds the wavelet packets that suit a climate record, and compares them with plain wavelets.
+"""The best basis of a climate record
+==================================
+
+Finds the wavelet packets that suit a climate record, and compares them with plain wavelets. ::
 
     PYTHONPATH=build/python python3 examples/best_basis_signal.py [figure]
 
@@ -113,7 +116,7 @@ def years(samples):
 def draw_tiling(axis, name, coefficients, basis):
     span = years(len(coefficients) + 1)[[0, -1]]
     undula.plot.tiling(coefficients, basis, axis, span=span, highest=MONTHS / 2, decibels=DECIBELS)
-    axis.set(ylabel="cycles a year", yticks=range(7))
+    axis.set(xlabel="year", ylabel="cycles a year", yticks=range(7))
     title = f"{name.capitalize()}: {len(basis)} packets, {share(coefficients):.0%} "
     axis.set_title(title + f"of the energy in {KEPT:.0%} of the tiles", loc="left")
 
@@ -138,7 +141,7 @@ def draw_rebuilt(axis, temperature, signal, bases, wavelet):
         axis.plot(years(len(signal))[part], values[part], color=colour, lw=1.5, label=name)
     axis.set_xlim(years(len(signal))[part][[0, -1]])
     axis.set_ylim(top=temperature[part].max() + 1.6)
-    axis.set(ylabel="°C")
+    axis.set(xlabel="year", ylabel="°C")
     axis.set_title(f"Rebuilt from {KEPT:.0%} of the coefficients", loc="left")
     axis.legend(loc="upper left", ncols=3, columnspacing=1.2)
 

@@ -1,9 +1,12 @@
-"""What the three treatments of the ends of a series do to the ends of its trend.
+"""Three treatments of the ends
+============================
+
+What the three treatments of the ends of a series do to the ends of its trend. ::
 
     PYTHONPATH=build/python python3 examples/boundaries.py [figure]
 
 The trend is what is left of a series when its details of four levels are set to zero. In the middle
-all treatments agree; near the ends they differ, because each has its own idea of what lies beyond:
+all treatments nearly agree; near the ends they differ, as each has its own idea of what lies beyond:
 
 - periodic (`dwt`): the other end of the series;
 - symmetric (`dwts`): the mirror image; for symmetric filters only;
@@ -54,7 +57,7 @@ def periodic_trend(series, filter=undula.symmlet(8)):
     return padded.trim(undula.idwt(smooth, LEVELS, filter))
 
 
-def symmetric_trend(series, filter=undula.Bspline(2, 4)):
+def symmetric_trend(series, filter=undula.bl(3)):
     return undula.idwts(without_details(undula.dwts(series, LEVELS, filter)), LEVELS, filter)
 
 
@@ -66,7 +69,7 @@ def interval_trend(series, filter=undula.symmlet(8)):
 
 TREATMENTS = {
     "periodic": ("symmlet(8)", periodic_trend),
-    "symmetric": ("Bspline(2, 4)", symmetric_trend),
+    "symmetric": ("bl(3)", symmetric_trend),
     "interval": ("symmlet(8)", interval_trend),
 }
 
@@ -111,6 +114,7 @@ def draw(path, sunspots):
     draw_part(axes["end"], sunspots, trends, years, slice(-60, None))
     axes["end"].set_title("The end", loc="left")
     axes["end"].sharey(axes["start"])
+    axes["start"].set_ylim(-5, 205)
     figure.get_layout_engine().set(w_pad=0.12, h_pad=0.1)
     path.parent.mkdir(parents=True, exist_ok=True)
     figure.savefig(path, dpi=130)

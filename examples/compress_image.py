@@ -1,4 +1,7 @@
-"""Finds the wavelet packets that suit a photograph, and rebuilds it from few of their coefficients.
+"""A photograph from few coefficients
+==================================
+
+Finds the wavelet packets that suit a photograph, and rebuilds it from few of their coefficients. ::
 
     PYTHONPATH=build/python python3 examples/compress_image.py [figure]
 

@@ -1,4 +1,7 @@
-"""Finds the windows that suit a sound, and rebuilds the sound from a few of their coefficients.
+"""Cosine packets of a sound
+=========================
+
+Finds the windows that suit a sound, and rebuilds the sound from a few of their coefficients. ::
 
     PYTHONPATH=build/python python3 examples/cosine_packets.py [figure]
 
@@ -106,6 +109,7 @@ def draw(path, samples, table, bases):
 def draw_sound(axis, samples):
     axis.plot(seconds(np.arange(SAMPLES)), samples, color=INK, lw=0.5)
     axis.set_title("A chord, a whistle and four bursts", loc="left")
+    axis.set_ylabel("amplitude")
     axis.tick_params(labelbottom=False)
 
 
@@ -138,7 +142,7 @@ def draw_detail(axis, samples, other):
     time = 1000 * seconds(np.arange(SAMPLES)[part])
     axis.plot(time, samples[part], color=INK, lw=1.1, label="sound")
     axis.plot(time, other[part], color=ACCENT, lw=1.1, label=f"from {KEPT} of {SAMPLES} coefficients")
-    axis.set(xlim=(time[0], time[-1]), xlabel="milliseconds")
+    axis.set(xlim=(time[0], time[-1]), xlabel="milliseconds", ylabel="amplitude")
     axis.set_ylim(top=1.45 * np.max(np.abs(samples[part])))
     axis.set_title(f"The first burst; the error of all is {relative_error(samples, other):.1%}", loc="left")
     axis.legend(loc="upper right", ncols=2)

@@ -1,4 +1,7 @@
-"""Takes noise out of a real electrocardiogram, with several filters and numbers of levels.
+"""Noise taken out of an electrocardiogram
+=======================================
+
+Takes noise out of a real electrocardiogram, with several filters and numbers of levels. ::
 
     PYTHONPATH=build/python python3 examples/denoise_ecg.py [figure]
 
@@ -9,7 +12,8 @@ recording is known, the signal-to-noise ratio can be measured before and after.
 The thresholds are those of least estimated error, one for each level: D. L. Donoho, I. M. Johnstone,
 Adapting to unknown smoothness via wavelet shrinkage, J. Amer. Statist. Assoc. 90 (1995) 1200-1224. The
 strength of the noise is estimated from the finest details. The recording counts as the clean signal,
-although it has some noise too; it decides which filter is best.
+although it has some noise too; it decides which filter is best. Long filters are a little better, but ring
+beside the beats, so the picture shows the shortest filter that is nearly as good.
 """
 
 import sys
@@ -26,6 +30,7 @@ import undula
 HERE = Path(__file__).resolve().parent
 SAMPLES_PER_SECOND = 360
 NOISE = 0.1  # mV
+NEARLY = 0.2  # dB behind the best
 TRIALS = 50
 SEED = 1994
 
@@ -64,6 +69,12 @@ def ranking(scores):
     return sorted(keys, key=lambda key: score(scores, key), reverse=True)
 
 
+def shortest(ranked, scores):
+    """Of the keys whose scores are nearly the best the one with the shortest filter."""
+    good = [key for key in ranked if score(scores, key) > score(scores, ranked[0]) - NEARLY]
+    return min(good, key=lambda key: key[1])
+
+
 def score(scores, key):
     family, length, level = key
     return scores[family, length][level - LEVELS[0]]
@@ -89,14 +100,14 @@ def describe(key):
     return f"{family}({length}) with {level} levels"
 
 
-def draw(path, clean, noisy, denoised, before, scores, best):
+def draw(path, clean, noisy, denoised, before, scores, shown):
     plt.rcParams.update({"axes.spines.top": False, "axes.spines.right": False, "legend.frameon": False})
     figure, axes = plt.subplot_mosaic(
         [["noisy", "noisy"], ["denoised", "denoised"], ["beat", "scores"]],
         figsize=(11, 8.5), height_ratios=[1, 1, 1.35], width_ratios=[1.15, 1], layout="constrained",
     )
     draw_noisy(axes["noisy"], noisy, signal_to_noise(clean, noisy))
-    draw_denoised(axes["denoised"], clean, denoised, best)
+    draw_denoised(axes["denoised"], clean, denoised, shown)
     axes["denoised"].sharey(axes["noisy"])
     draw_beat(axes["beat"], clean, noisy, denoised)
     draw_scores(axes["scores"], before, scores)
@@ -112,11 +123,11 @@ def draw_noisy(axis, noisy, ratio):
     axis.set(xlim=(0, seconds(noisy)[-1]), xlabel="seconds", ylabel="mV")
 
 
-def draw_denoised(axis, clean, denoised, best):
+def draw_denoised(axis, clean, denoised, shown):
     ratio = signal_to_noise(clean, denoised)
     axis.plot(seconds(clean), clean, color=INK, lw=1, label="recording")
     axis.plot(seconds(clean), denoised, color=ACCENT, lw=1.3, label="noise taken out")
-    axis.set_title(f"After soft thresholding, {describe(best)}: {ratio:.1f} dB", loc="left")
+    axis.set_title(f"After soft thresholding, {describe(shown)}: {ratio:.1f} dB", loc="left")
     axis.set(xlim=(0, seconds(clean)[-1]), xlabel="seconds", ylabel="mV")
     axis.legend(loc="upper right", ncols=2)
 
@@ -140,6 +151,7 @@ def draw_scores(axis, before, scores):
             axis.plot(LEVELS, scores[family, length], color=COLOURS[family], lw=0.9, alpha=0.45)
         axis.plot(LEVELS, scores[family, best_length], color=COLOURS[family], lw=2, marker="o", ms=4,
                   label=f"{family}({best_length})")
+    axis.plot([], [], color=FAINT, lw=0.9, label="other lengths")
     axis.axhline(before, color=FAINT, lw=1.2, ls="--", label="before")
     axis.set_title(f"All filters, mean of {TRIALS} trials", loc="left")
     axis.set(xlabel="levels", ylabel="dB", xticks=LEVELS)
@@ -156,12 +168,12 @@ def main():
     trials = clean + np.random.default_rng(SEED).normal(0, NOISE, (TRIALS, len(clean)))
     before = np.mean([signal_to_noise(clean, noisy) for noisy in trials])
     scores = evaluate(clean, trials)
-    best, second = ranking(scores)[:2]
-    print_table(before, scores, best, second)
+    ranked = ranking(scores)
+    print_table(before, scores, *ranked[:2])
 
-    family, length, level = best
+    family, length, level = shown = shortest(ranked, scores)
     denoised = undula.denoise(trials[0], FILTERS[family][0](length), level)
-    draw(path, clean, trials[0], denoised, before, scores, best)
+    draw(path, clean, trials[0], denoised, before, scores, shown)
     print(f"figure: {path}")
 
 

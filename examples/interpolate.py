@@ -1,13 +1,15 @@
-"""Shows what single packets contribute to a signal, also between its samples.
+"""The packets of a series, between its samples
+============================================
+
+Shows what single packets contribute to a signal, also between its samples. ::
 
     PYTHONPATH=build/python python3 examples/interpolate.py [figure]
 
 The sea surface temperatures of the equatorial Pacific, month by month, are split into the eight
 packets of level 3, which are bands of frequency. `waveterp` gives the part of the signal that one
-packet stands for, at any time. The parts of all packets together pass through the temperatures at
-the months and are a curve between them. The dual functions of this pair of splines are made of
-triangles, which the library's table has exactly at its own points, so the sum misses the
-temperatures by rounding only.
+packet stands for, at any time. The parts of all packets together come close to the temperatures at
+the months and are a smooth curve between them. Close only, since samples are not quite the coefficients
+that they are taken for; with a coiflet the two differ little.
 """
 
 import sys
@@ -23,11 +25,11 @@ import undula
 
 HERE = Path(__file__).resolve().parent
 LEVEL = 3
-FILTER = undula.Bspline(2, 4)
+FILTER = undula.coiflet(18)
 FIRST_YEAR, MONTHS = 1950, 12
 SHOWN = (1980, 2000)  # years
 DETAIL = (1997.0, 1999.0)
-PER_MONTH = 4  # at these points the table has the values of packet 0, the widest, which is 8 months
+PER_MONTH = 4  # as fine as the table of packet 0, whose cells are 8 / 32 of a month
 SIGNAL, SUM, LINE = "#2e4057", "#d1495b", "#c8c8c8"
 COLORS = ["#00798c", "#edae49", "#d1495b"]
 
@@ -49,7 +51,7 @@ def year_of(months):
 
 
 def print_table(temperatures, parts):
-    print(f"{temperatures.size} months, {2**LEVEL} packets of level {LEVEL}, Bspline(2, 4)\n")
+    print(f"{temperatures.size} months, {2**LEVEL} packets of level {LEVEL}, coiflet(18)\n")
     print("packet   half waves in a year   standard deviation of its part")
     for packet, part in enumerate(parts):
         low, high = (MONTHS * edge / 2**LEVEL for edge in (packet, packet + 1))
@@ -63,9 +65,12 @@ def draw(path, temperatures, coefficients):
     months = months_of(SHOWN).astype(int)
     fine = months_of(SHOWN, 1 / PER_MONTH)
     parts = parts_at(fine, coefficients)
-    axes[0].plot(year_of(months), temperatures[months], color=SIGNAL, lw=0.9, marker=".", ms=3)
-    axes[0].plot(year_of(fine), parts[0], color=COLORS[0], lw=1.8)
+    axes[0].plot(year_of(months), temperatures[months], color=SIGNAL, lw=0.9, marker=".", ms=3,
+                 label="monthly means")
+    axes[0].plot(year_of(fine), parts[0], color=COLORS[0], lw=1.8, label="part of packet 0")
     axes[0].set_title("Temperature of the NINO3 region, and the part of packet 0", loc="left", fontsize=11)
+    axes[0].set_ylim(top=31)
+    axes[0].legend(frameon=False, fontsize=9, loc="upper left", ncols=2)
     drawn = (1, COLORS[1], "a year"), (2, COLORS[2], "half a year")
     for axis, (packet, color, what) in zip(axes[1:], drawn):
         axis.axhline(0, color=LINE, lw=0.8)
@@ -76,7 +81,7 @@ def draw(path, temperatures, coefficients):
         axis.set_xlim(*SHOWN)
         axis.set_xticks(range(SHOWN[0], SHOWN[1] + 1, 2))
     for axis in axes:
-        axis.set_ylabel("degrees C")
+        axis.set_ylabel("°C")
         axis.spines[["top", "right"]].set_visible(False)
     figure.get_layout_engine().set(h_pad=0.08)
     path.parent.mkdir(parents=True, exist_ok=True)

@@ -1,4 +1,7 @@
-"""Draws every picture that `undula.plot` has, of real data.
+"""All pictures of undula.plot
+===========================
+
+Draws every picture that `undula.plot` has, of real data. ::
 
     PYTHONPATH=build/python python3 examples/pictures.py [folder]
 """

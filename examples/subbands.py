@@ -1,4 +1,7 @@
-"""Takes a photograph apart into its subbands and puts it together again.
+"""The subbands of a photograph
+============================
+
+Takes a photograph apart into its subbands and puts it together again. ::
 
     PYTHONPATH=build/python python3 examples/subbands.py [figure]
 

@@ -1,4 +1,7 @@
-"""Draws scaling functions, wavelets and wavelet packets.
+"""Scaling functions, wavelets and packets
+=======================================
+
+Draws scaling functions, wavelets and wavelet packets. ::
 
     PYTHONPATH=build/python python3 examples/wavelet_gallery.py [folder]
 
@@ -20,6 +23,7 @@ import undula
 
 HERE = Path(__file__).resolve().parent
 GRID = 32  # points to a unit at which a scaling function changes
+WIDTH = 10  # units that each picture of a family shows, so that widths can be compared
 
 ORTHONORMAL = {
     "daublet": [(2,), (4,), (8,), (20,)],
@@ -45,6 +49,8 @@ def draw_pair(axes, name, filter, dual=False):
     for index, (axis, what) in enumerate(zip(axes, ("scaling function", "wavelet"))):
         draw_function(axis, filter, index, dual)
         axis.set_title(f"{name}, {'dual ' if dual else ''}{what}", loc="left", fontsize=9)
+        middle = round(sum(axis.get_xlim()) / 2)
+        axis.set_xlim(middle - WIDTH / 2, middle + WIDTH / 2)
 
 
 def members(families):
@@ -62,7 +68,7 @@ def draw_families(path):
     for name, filter in members(BIORTHOGONAL):
         draw_pair(next(pairs), name, filter)
         draw_pair(next(pairs), name, filter, dual=True)
-    figure.suptitle("Scaling functions and wavelets; the biorthogonal splines with their duals")
+    figure.suptitle("Scaling functions and wavelets; the biorthogonal splines with their duals; each over 10 units")
     figure.get_layout_engine().set(h_pad=0.06, w_pad=0.06)
     save(figure, path)
 
@@ -81,16 +87,17 @@ def draw_packets(path, taps=8):
 def draw_plane(path, name="symm8"):
     first, last = -1.5, 3.5
     x, y = np.mgrid[first : last : 1 / GRID, first : last : 1 / GRID]
-    types = {"H": "wavelet along x", "V": "wavelet along y", "D": "wavelet along both"}
+    types = {"H": "wavelet along x, for horizontal edges", "V": "wavelet along y, for vertical edges",
+             "D": "wavelet along both"}
     figure, axes = plt.subplots(1, 3, figsize=(11, 4.1), layout="constrained", sharey=True)
     values = {kind: undula.evaluate(undula.mother2d, x, y, name, kind) for kind in types}
     most = max(np.abs(each).max() for each in values.values())
     for axis, (kind, what) in zip(axes, types.items()):
-        shown = axis.imshow(values[kind].T, cmap="RdBu_r", vmin=-most, vmax=most, origin="lower",
-                            extent=(first, last, first, last), interpolation="bilinear")
+        shown = axis.imshow(values[kind], cmap="RdBu_r", vmin=-most, vmax=most,
+                            extent=(first, last, last, first), interpolation="bilinear")
         axis.set_title(f"{kind}: {what}", loc="left", fontsize=10)
-        axis.set_xlabel("x")
-    axes[0].set_ylabel("y")
+        axis.set_xlabel("y")
+    axes[0].set_ylabel("x, downwards as the rows of an image")
     figure.colorbar(shown, ax=axes, shrink=0.85)
     figure.suptitle(f"The three wavelets of the plane, mother2d(x, y, \"{name}\", ...)")
     save(figure, path)

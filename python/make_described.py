@@ -13,7 +13,7 @@ from pathlib import Path
 
 PACKAGE = Path(__file__).with_name("undula")
 sys.path.insert(0, str(PACKAGE))
-from _descriptions import WIDTH, description_of, paragraphs  # noqa: E402
+from _descriptions import AXIS, WIDTH, description_of, paragraphs  # noqa: E402
 
 
 def read_toml(path):
@@ -47,17 +47,12 @@ def _argument(item, shared):
     return item | {"meaning": " ".join(item["meaning"].split())}
 
 
-AXIS_KIND = "int or pair of int, by name only"
-AXIS = """The axis of many signals, or those of the rows and columns of many images, in an array of any number
-of dimensions, each of which is transformed for itself. Without it the data is one signal or one image."""
-
-
 def docstring(description):
     parts = [description.summary, *paragraphs(description.details)]
     if len(description.forms) > 1:
         parts.append(_section("Forms", description.calls()))
-    axis = [f"axis : {AXIS_KIND}", *_indented(AXIS)] if description.takes_axis else []
-    parts.append(_section("Parameters", [*_entries(description.arguments), *axis]))
+    axis = [AXIS] if description.takes_axis else []
+    parts.append(_section("Parameters", _entries([*description.arguments, *axis])))
     result = description.result
     parts.append(_section("Returns", [result.type or result.kind, *_indented(result.meaning)]))
     parts.append(_section("Raises", ["undula.Error", *_failures(description.errors)]))

@@ -110,7 +110,7 @@ def transform_nd(function, data, level, wavelet, offsets=None, flips=None, *, ax
     """
     description = description_of(function, "transform_nd")
     if description.name not in FORWARD + INVERSE:
-        raise TypeError(f"transform_nd: argument 1 is none of {', '.join(FORWARD + INVERSE)}")
+        raise TypeError(f"transform_nd: argument 1 is not one of {', '.join(FORWARD + INVERSE)}")
     others = (wavelet,) if offsets is None and flips is None else (wavelet, offsets, flips)
     result = doubles("transform_nd", data)
     axes = axes_of("transform_nd", range(result.ndim) if axes is None else axes, result.ndim)

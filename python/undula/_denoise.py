@@ -144,9 +144,9 @@ def _check(data, threshold, shrink, extension):
     if not np.all(np.isfinite(data)):
         raise ValueError("denoise: data must be finite")
     if isinstance(threshold, str) and threshold not in _THRESHOLDS:
-        raise ValueError(f'denoise: threshold "{threshold}" is none of {", ".join(_THRESHOLDS)}')
+        raise ValueError(f'denoise: threshold "{threshold}" is not one of {", ".join(_THRESHOLDS)}')
     if shrink not in _SHRINKS:
-        raise ValueError(f'denoise: shrink "{shrink}" is none of {", ".join(_SHRINKS)}')
+        raise ValueError(f'denoise: shrink "{shrink}" is not one of {", ".join(_SHRINKS)}')
 
 
 def _check_filters(filters):

@@ -25,6 +25,14 @@ class Argument:
     aliases: tuple[str, ...] = ()
 
 
+AXIS = Argument(
+    "axis",
+    "int or pair of int, by name only",
+    "The axis of many signals, or those of the rows and columns of many images, in an array of any number "
+    "of dimensions, each of which is transformed for itself. Without it the data is one signal or one image.",
+)
+
+
 @dataclass(frozen=True)
 class Failure:
     """An error that a function returns; `argument` is empty when it concerns the whole call."""

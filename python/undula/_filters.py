@@ -33,7 +33,7 @@ class Filters:
         return made
 
     def look_at(self, filter, options):
-        """Warns once of a user's filter that `idwt` does not invert, but each time where warnings are errors."""
+        """Warns of a filter that is not the pack's and that `idwt` does not invert: once, as an error each time."""
         if not self._is_known(filter, options):
             error = self._error_of_inverse(filter, options)
             if error > TOLERANCE and not self._is_cut_off_spline(filter):

@@ -43,7 +43,7 @@ def pad(
     data : array
         A signal or an image.
     level : int
-        How often the sides shall be halved.
+        How often the sides are to be halved.
     mode : str or function
         What stands beyond the ends, as in `numpy.pad`: "symmetric", the mirror image that repeats the
         end sample, "reflect", which does not repeat it, "edge", "constant", which are zeros, "wrap",

@@ -43,7 +43,7 @@ def levels(
     """Draws the coefficients of a signal by level, the finest on top.
 
     Each coefficient is a bar as wide as the time that it stands for. All details have one scale; other
-    scales, such as that of the smooth part, are told by the labels.
+    scales, such as that of the smooth part, are given by the labels.
 
     Parameters
     ----------
@@ -364,7 +364,7 @@ def decay(coefficients: ArrayLike, ax: Axes | None = None, *, kind: str = "magni
         ax.loglog(counts[1:-1], np.sqrt(rests / rests[0])[1:-1], **line)
         ax.set(xlabel="coefficients kept", ylabel="relative error")
     else:
-        raise ValueError(f'decay: kind "{kind}" is none of magnitude, energy, error')
+        raise ValueError(f'decay: kind "{kind}" is not one of magnitude, energy, error')
     return ax
 
 
@@ -452,6 +452,9 @@ def sheet(wavelet: ArrayLike, axes: NDArray | None = None) -> NDArray:
     limits = [limit for ax in (scaling, mother) for limit in ax.get_xlim()]
     for ax in (scaling, mother):
         ax.set_xlim(min(limits), max(limits))
+    responses.set_ylim(top=1.35 * responses.get_ylim()[1])
+    responses.legend(*(each[:2] for each in responses.get_legend_handles_labels()), frameon=False,
+                     fontsize="small", ncols=2, borderpad=0, loc="upper center")
     if is_pair:
         taps.set_ylim(top=1.9 * taps.get_ylim()[1])
         taps.legend(frameon=False, fontsize="small", borderpad=0)
@@ -538,7 +541,7 @@ def _stem(ax, x, y, color, label):
 
 def _draw_responses(ax, low, high, color):
     frequencies = np.linspace(0, 1, 257)
-    for filter, style in ((low, "-"), (high, "--")):
+    for name, filter, style in (("low-pass", low, "-"), ("high-pass", high, "--")):
         response = np.exp(-1j * np.pi * np.outer(frequencies, np.arange(len(filter)))) @ filter
-        ax.plot(frequencies, np.abs(response), style, color=color, lw=1.3)
+        ax.plot(frequencies, np.abs(response), style, color=color, lw=1.3, label=name)
     ax.set_xlabel("frequency / highest")

@@ -100,7 +100,7 @@ def sure(details: ArrayLike, sigma: float = 1.0) -> float:
     """The soft threshold of least estimated squared error, for details with noise of deviation sigma.
 
     The estimate is Stein's unbiased one: the error expected of soft thresholding at t is that of
-    n sigma^2 - 2 sigma^2 #{|x| <= t} + sum min(|x|, t)^2. It is least at 0 or at one of the magnitudes;
+    n sigma^2 - 2 sigma^2 #{abs(x) <= t} + sum min(abs(x), t)^2. It is least at 0 or at one of the magnitudes;
     among those that do not exceed the universal threshold the best is chosen.
 
     References

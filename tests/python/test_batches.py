@@ -133,7 +133,7 @@ def test_a_transform_of_two_dimensions_is_that_of_an_image(name, rng):
     assert np.abs(undula.transform_nd(inverse, there, 1, wavelet, axes=axes) - volume).max() < 1e-13
     with pytest.raises(undula.Error, match="invalid level"):
         undula.transform_nd(forward, volume, 9, wavelet)
-    with pytest.raises(TypeError, match="argument 1 is none of dwt"):
+    with pytest.raises(TypeError, match="argument 1 is not one of dwt"):
         undula.transform_nd(undula.wpt, volume, 1, wavelet)
 
 

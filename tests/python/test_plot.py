@@ -144,7 +144,7 @@ def test_a_sheet_holds_the_functions_and_responses(filter, ax):
         ("partition: the basis of an image has three", lambda: plot.partition(undula.wavebs(1, 1))),
         ("levels: coefficients of a signal have one", lambda: plot.levels([[1, 2], [3, 4]], 1)),
         ("mosaic: coefficients of an image have two", lambda: plot.mosaic([1, 2], 1)),
-        ('kind "speed" is none of', lambda: plot.decay([1, 2], kind="speed")),
+        ('kind "speed" is not one of', lambda: plot.decay([1, 2], kind="speed")),
     ],
 )
 def test_what_cannot_be_drawn(message, draw, ax):
