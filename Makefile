@@ -1,6 +1,7 @@
 # make build         the libraries and the Python package, in build/
 # make demo          remove noise from a real electrocardiogram; draws out/denoise_ecg.png
 # make test          the C++ and the Python tests
+# make wheel         what pip installs, in build/wheel/: the source distribution and the wheel, both tried
 # make octave        the package for GNU Octave, build/undula-VERSION.tar.gz
 # make octave-test   the tests from Octave, beside Python
 # make bench         time the kernels and transforms, also beside PyWavelets
@@ -21,7 +22,7 @@ SECONDS = 60
 FAULTS = 100
 FUZZ = 1800
 
-.PHONY: help build demo test octave octave-test bench accuracy lint asan fuzz mutants windows windows-test release-check clean
+.PHONY: help build demo test wheel octave octave-test bench accuracy lint asan fuzz mutants windows windows-test release-check clean
 
 help:
 	@sed -n 's/^# make/make/p' Makefile
@@ -42,6 +43,10 @@ test:
 	cmake --build --preset release
 	ctest --preset python
 	ctest --preset release
+
+wheel:
+	tools/install build wheel test
+	tools/check_wheel
 
 octave:
 	tools/install build octave
@@ -95,7 +100,7 @@ windows-test: build windows
 	tools/test_windows
 
 release-check:
-	tools/install build fftw test octave demo lint fuzz windows wine
+	tools/install build fftw test wheel octave demo lint fuzz windows wine
 	tools/release_check $(FUZZ)
 
 clean:
