@@ -2,6 +2,7 @@
 # make demo          remove noise from a real electrocardiogram; draws out/denoise_ecg.png
 # make test          the C++ and the Python tests
 # make install       the libraries and headers for C++, in PREFIX=/usr/local
+# make wheel         what pip installs, in build/wheel/: the source distribution and the wheel, both tried
 # make octave        the package for GNU Octave, build/undula-VERSION.tar.gz
 # make octave-test   the tests from Octave, beside Python
 # make bench         time the kernels and transforms, also beside PyWavelets
@@ -25,7 +26,7 @@ FAULTS = 100
 FUZZ = 1800
 PREFIX = /usr/local
 
-.PHONY: help build demo test install octave octave-test bench accuracy lint asan fuzz mutants windows windows-test site \
+.PHONY: help build demo test install wheel octave octave-test bench accuracy lint asan fuzz mutants windows windows-test site \
         site-check release-check clean
 
 help:
@@ -54,6 +55,10 @@ install:
 		-DUNDULA_TESTS=OFF -DUNDULA_BENCH=OFF -DUNDULA_PYTHON=OFF -DUNDULA_OCTAVE=OFF
 	cmake --build build/install --parallel
 	cmake --install build/install
+
+wheel:
+	tools/install build wheel test
+	tools/check_wheel
 
 octave:
 	tools/install build octave
@@ -116,7 +121,7 @@ site-check: site
 	tools/photograph_site build/site/html build/site_pictures
 
 release-check:
-	tools/install build fftw test octave demo lint fuzz windows wine site chromium
+	tools/install build fftw test wheel octave demo lint fuzz windows wine site chromium
 	tools/release_check $(FUZZ)
 
 clean:

@@ -211,6 +211,6 @@ def test_the_lines_of_the_readme_print_what_they_say(tmp_path, monkeypatch, caps
     (tmp_path / "examples").symlink_to(root / "examples")
     monkeypatch.chdir(tmp_path)
     exec(textwrap.dedent(lines), {})
-    said = re.findall("`(.*? dB)`", rest.split("After")[0])
+    said = re.findall("`(.*? dB)`", rest.split("after")[0])
     assert capsys.readouterr().out.split("\n") == [*said, ""]
     assert (tmp_path / "levels.png").stat().st_size > 1000
