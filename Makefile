@@ -2,6 +2,7 @@
 # make demo          remove noise from a real electrocardiogram; draws out/denoise_ecg.png
 # make test          the C++ and the Python tests
 # make install       the libraries and headers for C++, in PREFIX=/usr/local
+# make deb           packages for Debian, in build/deb/
 # make octave        the package for GNU Octave, build/undula-VERSION.tar.gz
 # make octave-test   the tests from Octave, beside Python
 # make bench         time the kernels and transforms, also beside PyWavelets
@@ -23,7 +24,7 @@ FAULTS = 100
 FUZZ = 1800
 PREFIX = /usr/local
 
-.PHONY: help build demo test install octave octave-test bench accuracy lint asan fuzz mutants windows windows-test release-check clean
+.PHONY: help build demo test install deb octave octave-test bench accuracy lint asan fuzz mutants windows windows-test release-check clean
 
 help:
 	@sed -n 's/^# make/make/p' Makefile
@@ -51,6 +52,10 @@ install:
 		-DUNDULA_TESTS=OFF -DUNDULA_BENCH=OFF -DUNDULA_PYTHON=OFF -DUNDULA_OCTAVE=OFF
 	cmake --build build/install --parallel
 	cmake --install build/install
+
+deb:
+	tools/install build octave deb
+	tools/make_deb
 
 octave:
 	tools/install build octave
@@ -104,7 +109,7 @@ windows-test: build windows
 	tools/test_windows
 
 release-check:
-	tools/install build fftw test octave demo lint fuzz windows wine
+	tools/install build fftw test octave demo lint fuzz windows wine deb
 	tools/release_check $(FUZZ)
 
 clean:
