@@ -64,6 +64,46 @@ struct Call::Frame {
     FaultTranslation faults;
 };
 
+namespace {
+
+// The question whether the user wants to stop. A poll may set another one: then it is kept until it has
+// been answered. (Sharing it with the poll would cost as much as the question.)
+class Question {
+ public:
+    void set(std::function<bool()> question) {
+        questions.push_back(std::move(question));
+        dropReplaced();
+    }
+
+    bool ask() {
+        if (questions.empty() || !questions.back()) return false;
+        const Asking asking(*this);
+        return questions.back()();
+    }
+
+ private:
+    struct Asking {
+        explicit Asking(Question& asked) : question(asked) { ++question.inProgress; }
+        ~Asking() {
+            --question.inProgress;
+            question.dropReplaced();
+        }
+        Asking(const Asking&) = delete;
+        Asking& operator=(const Asking&) = delete;
+
+        Question& question;
+    };
+
+    void dropReplaced() {
+        if (inProgress == 0 && questions.size() > 1) questions.erase(questions.begin(), --questions.end());
+    }
+
+    std::list<std::function<bool()>> questions;  // the last one is asked
+    int inProgress = 0;
+};
+
+}  // namespace
+
 struct Host::State {
     explicit State(Host& host) : allocator(host), rootSet(host, allocator), evaluator(host) {}
 
@@ -75,7 +115,7 @@ struct Host::State {
     RootSet rootSet;
     Evaluator evaluator;
     std::list<Root> roots;
-    std::shared_ptr<const std::function<bool()>> question;  // shared with a poll in progress
+    Question question;
     FourierTransformer fourier;
     Call::Frame* frame = nullptr;
     Value outOfMemory = Value::error("out of memory", 0);  // made while there is memory
@@ -309,7 +349,7 @@ void Host::callSeries(const Function& function, std::size_t count,
 }
 
 void Host::setInterrupt(std::function<bool()> question) {
-    state_->question = std::make_shared<const std::function<bool()>>(std::move(question));
+    state_->question.set(std::move(question));
 }
 
 int Host::liveRoots() const {
@@ -381,9 +421,7 @@ std::int32_t Host::applyOne(aLambda* function, Anyval* argument, Anyval** result
 std::int32_t Host::pollInterrupt() {
     Call::Frame& frame = state_->current();
     if (frame.thrown) return efiInterrupted;
-    const auto question = state_->question;
-    if (!question || !*question) return 0;
-    return shielded(frame.thrown, [&] { return (*question)() ? efiInterrupted : 0; });
+    return shielded(frame.thrown, [&] { return state_->question.ask() ? efiInterrupted : 0; });
 }
 
 namespace {

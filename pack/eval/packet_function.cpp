@@ -43,11 +43,19 @@ SampleRange samplesOf(const FilterSet& set, std::uint32_t packet) {
     return range;
 }
 
+// 2^exponent x. As std::ldexp, which is slow for what is done at every point; out of line like that, so that
+// x is rounded to a double also where registers have room for more digits.
+[[gnu::noinline]] double timesPowerOfTwo(double x, Index exponent) {
+    constexpr Index bias = 1023;
+    if (exponent <= -bias || exponent > bias) return std::ldexp(x, static_cast<int>(exponent));
+    return x * std::bit_cast<double>(static_cast<std::uint64_t>(exponent + bias) << 52);
+}
+
 // 2^exponent x, or a number beyond all that is small enough to be multiplied further without a fault.
 double scaled(double x, Index exponent) {
     if (x == 0.0 || !std::isfinite(x)) return x;
     if (std::ilogb(x) + exponent > 900) return std::copysign(0x1p900, x);
-    return std::ldexp(x, static_cast<int>(std::max<Index>(exponent, -5000)));
+    return timesPowerOfTwo(x, std::max<Index>(exponent, -5000));
 }
 
 // The grid position of a point among the samples, counted from the first one; NaN or beyond all where
@@ -55,7 +63,7 @@ double scaled(double x, Index exponent) {
 double gridPosition(const PacketFunction& function, double x, Index firstSample) {
     const double position = scaled(x, -Index{function.level}) - function.shift;
     const double spread =
-        std::ldexp(position, digitCount(function.packet)) - static_cast<double>(firstSample);
+        timesPowerOfTwo(position, digitCount(function.packet)) - static_cast<double>(firstSample);
     return gridPoints * spread;
 }
 
@@ -74,7 +82,7 @@ Index filterSamples(const Filter& filter, const double* samples, Index count, do
 double timesPowerOfRoot(double x, Index exponent) {
     const double odd = exponent % 2 != 0 ? std::numbers::sqrt2 : 1.0;
     const Index half = (exponent - (exponent % 2 != 0)) / 2;
-    return x == 0.0 ? 0.0 : std::ldexp(x * odd, static_cast<int>(std::clamp<Index>(half, -10000, 10000)));
+    return x == 0.0 ? 0.0 : timesPowerOfTwo(x * odd, std::clamp<Index>(half, -10000, 10000));
 }
 
 }  // namespace

@@ -54,11 +54,13 @@ FloatingPointFrame::~FloatingPointFrame() {
 unsigned raisedFaults() {
     return _mm_getcsr() & allFaults;
 }
+
+// To write the register costs more than to read it, and mostly nothing has changed.
 HostServiceScope::HostServiceScope() : state(_mm_getcsr()) {
-    _mm_setcsr(state & ~allFaults);
+    if ((state & allFaults) != 0) _mm_setcsr(state & ~allFaults);
 }
 HostServiceScope::~HostServiceScope() {
-    _mm_setcsr(state);
+    if (_mm_getcsr() != state) _mm_setcsr(state);
 }
 void HostServiceScope::keepFaults() {
     state |= raisedFaults();

@@ -24,7 +24,7 @@ def preparation(description, rows, filters):
     if types.get("wavelet") == "array":
         return _with_filter(description, row, filters)
     if types.get("wavelet") == "string":
-        return _with_name(description, rows), None
+        return _with_name(description, rows, filters)
     names_of = {len(form): form for form in description.forms}
     if any(argument.kind == "function" for argument in description.arguments):
         return _with_function(description, row), _AFTERWARDS.get(description.name)
@@ -62,7 +62,7 @@ def _load(description, filters, place, args):
     return made
 
 
-def _with_name(description, rows):
+def _with_name(description, rows, filters):
     """A filter stands for the packets that the functions of a wavelet are."""
     row = rows[description.name]
     names_of = {len(form): form for form in description.forms}
@@ -85,7 +85,12 @@ def _with_name(description, rows):
         names, args = _as_packet(given, indices)
         return packets, args, names
 
-    return prepare
+    def finish(args):
+        wavelet = args[-1]
+        if isinstance(wavelet, (list, tuple, np.ndarray)) and id(wavelet) not in filters.seen:
+            filters.look_at(wavelet, ())
+
+    return prepare, finish
 
 
 def _packet_function(name):

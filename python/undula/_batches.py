@@ -5,6 +5,7 @@ import numpy as np
 from undula import _host
 from undula._descriptions import FORWARD, INVERSE
 from undula._evaluate import description_of
+from undula._numbers import unboxed
 
 
 def apply_along(row, names, arguments, axis, exception_for):
@@ -128,7 +129,7 @@ def _smooth_part(shape, axes, level):
 def _array(row, names, arguments):
     if isinstance(arguments[0], np.ma.MaskedArray):
         row.call(arguments, names)  # refuses it
-    array = np.asarray(arguments[0])
+    array = unboxed(np.asarray(arguments[0]))
     if array.dtype.kind not in "biufc":
         raise TypeError(f"{row.name}: argument 1 (data) does not hold numbers")
     return array

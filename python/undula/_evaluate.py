@@ -5,6 +5,7 @@ import sys
 import numpy as np
 
 from undula import _host
+from undula._numbers import unboxed
 
 
 def evaluate(function, /, *arguments, **named):
@@ -89,7 +90,7 @@ def _array(argument):
     if isinstance(argument, np.ma.MaskedArray):
         return np.array(None)  # refused as in any other call
     try:
-        return np.asarray(argument)
+        return unboxed(np.asarray(argument))
     except ValueError:  # rows of different lengths
         return np.array([None])
 

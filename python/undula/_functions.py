@@ -23,7 +23,7 @@ def load_functions():
 
 def _function(description, rows, filters):
     row = rows[description.name]
-    counts = {len(form) for form in description.forms}
+    names_of = {len(form): form for form in description.forms}
     bind = binder(description)
     prepare, finish = preparation(description, rows, filters)
 
@@ -37,25 +37,34 @@ def _function(description, rows, filters):
             if takes_axis:
                 axis = named.pop("axis", None)
             args = bind(args, named) if named else args
-        if len(args) not in counts:
+        if len(args) not in names_of:
             return _call_with_wrong_count(row, description, args)
         target, ready, names = prepare(args)
-        if has_points:
-            places = places_of[names]
-            points = at_points(
-                target, description.name, names, ready, places, lambda e: failure(description, e, names, args)
-            )
-            if points is not None:
-                return points
-        if axis is None:
-            outcome = target.call(ready, names)
-        else:
-            outcome = apply_along(
-                target, names, ready, axis, lambda e, one: failure(description, e, names, (one, *args[1:]))
-            )
+        try:
+            outcome = None
+            if has_points:
+                places = places_of[names]
+                outcome = at_points(
+                    target,
+                    description.name,
+                    names,
+                    ready,
+                    places,
+                    lambda e: failure(description, e, names, args),
+                )
+            if axis is not None:
+                outcome = apply_along(
+                    target, names, ready, axis, lambda e, one: failure(description, e, names, (one, *args[1:]))
+                )
+            elif outcome is None:
+                outcome = target.call(ready, names)
+        except (TypeError, ValueError):
+            if target is not row:
+                row.call(args, names_of[len(args)])  # refuses them under the names that the caller knows
+            raise
         if type(outcome) is _host.ErrorValue:
             raise failure(description, outcome, names, args)
-        if finish is not None:
+        if finish is not None and getattr(outcome, "size", 1):  # at no points at all, nothing was called
             finish(ready)
         return outcome
 

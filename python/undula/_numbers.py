@@ -1,6 +1,15 @@
-"""Arguments of the helpers that must be real numbers."""
+"""Arguments that must be numbers."""
+
+import numbers
 
 import numpy as np
+
+
+def unboxed(array):
+    """An array of objects that are all numbers as one of float or complex; any other array as it is."""
+    if array.dtype.kind != "O" or not all(isinstance(each, numbers.Complex) for each in array.flat):
+        return array
+    return array.astype(float if all(isinstance(each, numbers.Real) for each in array.flat) else complex)
 
 
 def real_numbers(function, data):

@@ -1,6 +1,8 @@
 """Python values on their way in and out. `dwt` with level 0 answers a copy of any real array."""
 
 import array
+import copy
+import re
 
 import numpy as np
 import pytest
@@ -191,11 +193,49 @@ def test_what_the_reading_of_an_argument_raises_is_raised():
         through(Interrupting())
 
 
-@pytest.mark.parametrize("number", [4, 4.0, 4 + 0j, np.int16(4), np.float32(4), np.complex64(4), np.array(4)])
-def test_numbers_are_scalars(number):
-    assert np.array_equal(undula.daublet(number), undula.daublet(4))
-    with pytest.raises(undula.Error, match="must be real"):
-        undula.daublet(number + 1j)
+SIGNAL = np.array([3.0, -1, 4, 1, -5, 9, 2, 6])
+TABLE = undula.wpt(SIGNAL, 1, HAAR)
+# A call with an argument of each kind, and a value of that which every type of numbers can hold.
+KINDS = {
+    "signal": (lambda given: undula.dwt(given, 2, HAAR), SIGNAL),
+    "image": (lambda given: undula.dwt(given, 2, HAAR), SIGNAL * SIGNAL[:4, None]),
+    "filter": (lambda given: undula.dwt(SIGNAL, 2, given), np.array([0.0, 1, 2, 3])),
+    "pair of filters": (lambda given: undula.dwt(SIGNAL, 2, given), np.array([[1.0, 2], [3, 4]])),
+    "offset": (lambda given: undula.dwt(SIGNAL, 2, HAAR, given), np.array(3.0)),
+    "number": (undula.daublet, np.array(4.0)),
+    "points": (lambda given: undula.father(given, HAAR), np.array([-1.0, 0, 1])),
+    "signals": (lambda given: undula.dwt(given, 1, HAAR, axis=0), SIGNAL * SIGNAL[:4, None]),
+    "basis": (lambda given: undula.extract_basis(TABLE, given), np.array([[1.0, 0], [1, 1]])),
+}
+TYPES = {
+    **{dtype: lambda a, dtype=dtype: a.astype(dtype) for dtype in ("b", "q", "e", "f", "g", "F", "D", ">f8")},
+    "objects": lambda a: a.astype(object),
+    "list": lambda a: a.tolist(),
+    "subclass": lambda a: a.view(Liar),
+    "read-only": lambda a: np.broadcast_to(a, a.shape),
+    "reversed": lambda a: np.flip(np.flip(a).copy()),
+}
+REFUSED = {
+    "not real": (lambda a: a + 1j, undula.Error, "must be real"),
+    "masked": (np.ma.array, TypeError, "cannot be a masked array"),
+    "texts": (lambda a: a.astype(str), TypeError, "array of <U|not hold numbers"),
+    "dates": (lambda a: a.astype("M8[D]"), TypeError, "array of datetime64|not hold numbers"),
+}
+
+
+@pytest.mark.filterwarnings("ignore:this filter")
+@pytest.mark.parametrize("kind", KINDS)
+def test_every_argument_comes_in_every_type_of_numbers(kind):
+    call, plain = KINDS[kind]
+    for type_name, make in TYPES.items():
+        given = make(plain.copy())
+        before = copy.deepcopy(given)
+        assert np.array_equal(call(given), call(plain)), type_name
+        assert np.array_equal(given, before), type_name
+    for make, error, reason in REFUSED.values():
+        with pytest.raises(error, match=reason) as caught:
+            call(make(plain))
+        assert re.search(r"\w+: (argument \d \(|.* \(argument \d: )\w+\)", str(caught.value))
 
 
 def test_a_result_shows_the_memory_of_the_host_and_keeps_it(live_values):

@@ -18,6 +18,7 @@ CALLS = {
     "no pair": (lambda: undula.dwt(X, 1, np.transpose(SHIFTED)), "pair does not reconstruct"),
     "offsets": (lambda: undula.idwt(X, 1, PAIR, [[0, 2]]), "pair does not reconstruct"),
     "waveterp": (lambda: undula.waveterp(1, X, 1, 0, [0.6, 0.6, 0.2]), "not orthonormal"),
+    "points": (lambda: undula.father([0, 1], [0.6, 0.6, 0.3]), "not orthonormal"),
     "cost NaN": (lambda: undula.best_basis([X, X], lambda c: c * np.nan), "cost of some coefficient is NaN"),
     "mixed sizes": (lambda: undula.icpt(IMAGE, 3, MIXED), "blocks of the basis are of several sizes"),
     "mixed, own bell": (lambda: undula.ilct(IMAGE, 3, MIXED, np.sqrt), "blocks of the basis are of several"),
