@@ -3,6 +3,7 @@
 # make test          the C++ and the Python tests
 # make install       the libraries and headers for C++, in PREFIX=/usr/local
 # make wheel         what pip installs, in build/wheel/: the source distribution and the wheel, both tried
+# make deb           packages for Debian, in build/deb/
 # make octave        the package for GNU Octave, build/undula-VERSION.tar.gz
 # make octave-test   the tests from Octave, beside Python
 # make bench         time the kernels and transforms, also beside PyWavelets
@@ -26,8 +27,8 @@ FAULTS = 100
 FUZZ = 1800
 PREFIX = /usr/local
 
-.PHONY: help build demo test install wheel octave octave-test bench accuracy lint asan fuzz mutants windows windows-test site \
-        site-check release-check clean
+.PHONY: help build demo test install wheel deb octave octave-test bench accuracy lint asan fuzz mutants windows windows-test \
+        site site-check release-check clean
 
 help:
 	@sed -n 's/^# make/make/p' Makefile
@@ -59,6 +60,10 @@ install:
 wheel:
 	tools/install build wheel test
 	tools/check_wheel
+
+deb:
+	tools/install build octave deb
+	tools/make_deb
 
 octave:
 	tools/install build octave
@@ -121,7 +126,7 @@ site-check: site
 	tools/photograph_site build/site/html build/site_pictures
 
 release-check:
-	tools/install build fftw test wheel octave demo lint fuzz windows wine site chromium
+	tools/install build fftw test wheel octave demo lint fuzz windows wine site chromium deb
 	tools/release_check $(FUZZ)
 
 clean:
