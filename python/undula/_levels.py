@@ -74,17 +74,18 @@ def levels(coefficients: NDArray, level: int, axis: int | None = None) -> Levels
     """
     if not isinstance(coefficients, np.ndarray):
         raise TypeError("levels: coefficients must be an array, since the result is views of it")
-    if axis is None and coefficients.ndim > 1:
-        return _of_images(coefficients, level)
-    signals = np.moveaxis(coefficients, -1 if axis is None else axis, -1)
+    if axis is None:
+        check_level("levels", coefficients.shape[-2:], level)
+        return parts_of(coefficients, level)
+    signals = np.moveaxis(coefficients, axis, -1)
     check_level("levels", signals.shape[-1:], level)
+    smooth, details = _of_signals(signals, level)
+    return Levels(np.moveaxis(smooth, -1, axis), tuple(np.moveaxis(each, -1, axis) for each in details))
 
-    def part(start, stop):
-        view = signals[..., start:stop]
-        return view if axis is None else np.moveaxis(view, -1, axis)
 
-    edges = halvings(signals.shape[-1], level)
-    return Levels(part(0, edges[-1]), tuple(part(edges[j], edges[j - 1]) for j in range(level, 0, -1)))
+def parts_of(coefficients, level):
+    """What `levels` returns of a signal or of images, of whatever can be sliced as arrays can."""
+    return (_of_signals if coefficients.ndim == 1 else _of_images)(coefficients, level)
 
 
 def check_level(function, sides, level):
@@ -100,8 +101,13 @@ def halvings(length, level):
     return [-(-length >> j) for j in range(level + 1)]
 
 
+def _of_signals(signals, level):
+    edges = halvings(signals.shape[-1], level)
+    details = tuple(signals[..., edges[j] : edges[j - 1]] for j in range(level, 0, -1))
+    return Levels(signals[..., : edges[-1]], details)
+
+
 def _of_images(images, level):
-    check_level("levels", images.shape[-2:], level)
     rows, cols = (halvings(side, level) for side in images.shape[-2:])
 
     def details(j):
