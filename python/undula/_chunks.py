@@ -132,7 +132,8 @@ def windows(step, axis, wraps):
 
 
 def _window(side, start, stop, step, wraps):
-    low = start - (step.halo if stop < side else max(step.halo, step.least))
+    lacking = step.least - (stop - start) if stop == side else 0
+    low = start - max(step.halo, -(-lacking >> step.levels) << step.levels)
     high = stop + step.halo
     if high - low >= side:
         return Window(((0, side),), (start, stop))
