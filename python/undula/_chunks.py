@@ -85,8 +85,8 @@ def halo(filters, levels):
     reach = max(-filters.first, filters.last - 1, 0)
     spoilt = 0
     for _ in range(levels):
-        if filters.inverse:  # the boundary filters at an end meet 3 edges - 1 samples
-            spoilt = max(2 * max(spoilt, edges) + reach, 3 * edges)
+        if filters.inverse:  # no less than the 3 edges - 1 samples that boundary filters meet
+            spoilt = 2 * max(spoilt, edges) + reach
         else:
             spoilt = max(-(-(spoilt + reach) // 2), edges)
     return -(-spoilt >> levels) << levels if filters.inverse else spoilt << levels
