@@ -1,19 +1,21 @@
 """How fast a long signal goes from a Zarr store to a Zarr store through `undula.dask`, and in how much memory.
 
-    PYTHONPATH=build/python python3 bench/dask_long.py --samples 2**30 --folder /var/tmp/undula
+    PYTHONPATH=build/python python3 bench/dask_long.py --samples 2^30 --folder /var/tmp/undula
+    PYTHONPATH=build/python python3 bench/dask_long.py --halos
 
-It prints the time of reading and writing the same chunks without a transform, that of the transform there and back,
-the peak memory of each worker process, and, where `--single` says that the signal fits in memory, the time of the
-single call from store to store. The folder needs twice the room of the signal, and three times for the inverse.
+It prints the time of reading and writing the same chunks without a transform, that of the transform and,
+with --inverse, of the way back, and the peak memory of each worker process. --single adds the single call
+from store to store, of a signal that fits in memory. The folder needs twice the room of the signal, three
+times with --inverse.
 """
 
 import argparse
 import resource
 import shutil
 import time
+from functools import partial
 from pathlib import Path
 
-import dask
 import dask.array as da
 import numpy as np
 import zarr
@@ -21,23 +23,23 @@ from distributed import Client, LocalCluster
 
 import undula
 import undula.dask
+from undula._chunks import filters_of, steps
 
 
 def main():
     options = read_options()
-    samples, chunk = eval(options.samples), eval(options.chunk)  # such as 2**30
+    if options.halos:
+        print_halos()
+        return
+    samples, chunk = options.samples, options.chunk
     folder = Path(options.folder)
     folder.mkdir(parents=True, exist_ok=True)
     make_signal(folder / "x", samples, chunk)
-    transformed = lambda x: undula.dask.dwt(x, options.level, options.wavelet).parts()  # noqa: E731
-    with cluster(options.processes) as client:
-        runs = {"read and write": lambda x: [x], "transform": transformed}
-        for name, function in runs.items():
-            client.restart()
-            report(name, samples, run(folder, function), client)
-        if options.inverse:
-            client.restart()
-            report("inverse", samples, run_inverse(folder, options), client)
+    transform = partial(undula.dask.dwt, level=options.level, wavelet=options.wavelet)
+    measure("read and write", samples, options, lambda: run(folder, lambda x: [x]))
+    measure("transform", samples, options, lambda: run(folder, lambda x: transform(x).parts()))
+    if options.inverse:
+        measure("inverse", samples, options, lambda: run_inverse(folder, options))
     if options.single:
         report("single call", samples, single(folder, options))
     shutil.rmtree(folder)
@@ -45,23 +47,50 @@ def main():
 
 def read_options():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("--samples", default="2**24")
-    parser.add_argument("--chunk", default="2**22")
+    parser.add_argument("--samples", type=number, default=1 << 24)
+    parser.add_argument("--chunk", type=number, default=1 << 22)
     parser.add_argument("--level", type=int, default=16)
     parser.add_argument("--wavelet", default="symmlet8")
     parser.add_argument("--processes", type=int, default=2)
-    parser.add_argument("--folder", required=True)
+    parser.add_argument("--folder", default="/var/tmp/undula_dask")
+    parser.add_argument("--halos", action="store_true", help="print what halos cost, and do nothing else")
     parser.add_argument("--inverse", action="store_true")
     parser.add_argument("--single", action="store_true")
     return parser.parse_args()
 
 
-def cluster(processes):
-    dask.config.set({"distributed.worker.memory.terminate": False})
+def print_halos():
+    """For chunk sizes of signals and images: the levels that a chunk carries, and what it reads in excess."""
+    for name, wavelet in (("dwt", "haar"), ("dwt", "symmlet8"), ("dwt", "daublet20"), ("dwts", "bl3")):
+        for exponents in ((12, 16, 20, 22), (8, 10, 11, 12)):
+            cells = []
+            for chunk in (1 << exponent for exponent in exponents):
+                dimensions = 1 if exponents[0] == 12 else 2
+                sides = (1 << 40,) * dimensions
+                step = steps(sides, (chunk,) * dimensions, 16, filters_of(name, (wavelet,)))[0]
+                excess = (1 + 2 * step.halo / step.chunks[0]) ** dimensions - 1
+                cells.append(f"{chunk}{'^2' * (dimensions - 1)}: {step.levels} levels {100 * excess:.2g} %")
+            print(f"{wavelet:10} {'   '.join(cells)}")
+
+
+def number(text):
+    """Such as 2^30."""
+    base, _, exponent = text.partition("^")
+    return int(base) ** int(exponent or 1)
+
+
+def measure(name, samples, options, work):
+    """Processes of their own for each measurement, so that the peak of their memory is its own."""
     local = LocalCluster(
-        n_workers=processes, threads_per_worker=1, host="127.0.0.1", dashboard_address=None, memory_limit="1GiB"
+        n_workers=options.processes,
+        threads_per_worker=1,
+        memory_limit="1GiB",
+        host="127.0.0.1",
+        dashboard_address="127.0.0.1:0",
+        worker_dashboard_address="127.0.0.1:0",
     )
-    return Client(local)
+    with local, Client(local) as client:
+        report(name, samples, work(), client)
 
 
 def make_signal(path, samples, chunk):
@@ -93,8 +122,8 @@ def run_inverse(folder, options):
 def store(folder, arrays):
     shutil.rmtree(folder, ignore_errors=True)
     targets = [
-        zarr.open(str(folder / f"{i:02}"), mode="w", shape=a.shape, chunks=a.chunksize, dtype=float, compressor=None)
-        for i, a in enumerate(arrays)
+        zarr.open(str(folder / f"{i:02}"), mode="w", shape=array.shape, chunks=array.chunksize, compressor=None)
+        for i, array in enumerate(arrays)
     ]
     da.store(arrays, targets, lock=False)
 
@@ -102,7 +131,7 @@ def store(folder, arrays):
 def single(folder, options):
     started = time.perf_counter()
     y = undula.dwt(zarr.open(str(folder / "x"))[:], options.level, options.wavelet)
-    target = zarr.open(str(folder / "s"), mode="w", shape=y.shape, chunks=eval(options.chunk), compressor=None)
+    target = zarr.open(str(folder / "s"), mode="w", shape=y.shape, chunks=options.chunk, compressor=None)
     target[:] = y
     return time.perf_counter() - started
 

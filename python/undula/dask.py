@@ -4,12 +4,12 @@
 >>> import undula.dask
 >>> x = da.arange(4096, chunks=512) % 7
 >>> y = undula.dask.dwt(x, 10, "symmlet8")
->>> y.smooth, len(y.details), y.details[-1].chunks[0][:3]
-(dask.array<undula-smooth, shape=(4,), dtype=float64, chunksize=(4,), chunktype=numpy.ndarray>, 10, (256, 256, 256))
+>>> y.smooth.shape, len(y.details), y.details[-1].chunksize
+((4,), 10, (256,))
 >>> bool((y.whole() == undula.dwt(x.compute(), 10, "symmlet8")).all())
 True
->>> undula.dask.idwt(y, 10, "symmlet8").compute()[:4].round(9)
-array([0., 1., 2., 3.])
+>>> undula.dask.idwt(y, 10, "symmlet8").compute()[1:5].round(9)
+array([1., 2., 3., 4.])
 
 The functions take the arguments of their namesakes in `undula`. The data is a Dask array of one dimension or
 of two, of one chunk or of many, even or not; their size decides how much memory a worker needs, some five
@@ -141,8 +141,10 @@ def _checked(name, data):
     if data.dtype.kind not in "biufc":
         raise TypeError(f"{name}: argument 1 (data) does not hold numbers")
     if data.ndim not in (1, 2):
-        raise ValueError(f"{name}: argument 1 (data) has {data.ndim} dimensions; of many signals or images take "
-                         f"map_blocks(undula.{name}, ..., axis=)")
+        raise ValueError(
+            f"{name}: argument 1 (data) has {data.ndim} dimensions; "
+            f"for many signals or images there is map_blocks(undula.{name}, ..., axis=)"
+        )
     if np.isnan(data.shape).any():
         raise ValueError(f"{name}: argument 1 (data) has chunks of unknown size; see compute_chunk_sizes()")
     return data[:, 0] if data.shape[1:] == (1,) else data

@@ -1,9 +1,9 @@
 """Signals and images in chunks: bit for bit the single call, also when workers die."""
 
+import doctest
 import functools
 import os
 import signal
-import threading
 import time
 
 import numpy as np
@@ -29,8 +29,8 @@ def in_this_thread():
 
 @pytest.fixture(scope="module")
 def client():
-    options = {"host": "127.0.0.1", "dashboard_address": None, "memory_limit": "1GiB"}
-    with distributed.LocalCluster(n_workers=2, threads_per_worker=1, **options) as cluster:
+    here = {"host": "127.0.0.1"} | dict.fromkeys(["dashboard_address", "worker_dashboard_address"], "127.0.0.1:0")
+    with distributed.LocalCluster(n_workers=2, threads_per_worker=1, memory_limit="1GiB", **here) as cluster:
         with distributed.Client(cluster) as client:
             yield client
 
@@ -192,3 +192,8 @@ def test_an_interrupt_ends_the_run(client, alarm):
     while any(client.processing().values()) and time.monotonic() - started < 15:
         time.sleep(0.1)
     assert time.monotonic() - started < 15
+
+
+def test_the_example_of_the_module_runs():
+    failed, attempted = doctest.testmod(undula.dask)
+    assert attempted and not failed
