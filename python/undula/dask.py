@@ -12,8 +12,8 @@ True
 array([1., 2., 3., 4.])
 
 The functions take the arguments of their namesakes in `undula`. The data is a Dask array of one dimension or
-of two, of one chunk or of many, even or not; their size decides how much memory a worker needs, some five
-times as much. The borders of chunks are moved where they must be, and all chunks of a result but the last
+of two, of one chunk or of many, even or not; their size decides how much memory a worker needs, eight times
+as much and more. The borders of chunks are moved where they must be, and all chunks of a result but the last
 have the same size. Each task transforms a chunk and what lies beside it over several levels; when the smooth
 part is no longer than a chunk, one call does the rest.
 
