@@ -55,7 +55,7 @@ def drawn_pictures(block, block_vars, gallery_conf):
 sphinx_gallery_conf = {
     "examples_dirs": str(ROOT / "examples"),
     "gallery_dirs": "gallery",
-    "filename_pattern": r"\.py$",
+    "filename_pattern": r"/(?!(many|long)_signals?\b)\w+\.py$",  # those on Dask take several processes
     "reset_argv": ArgumentOfExample(),
     "image_scrapers": (drawn_pictures,),
     "min_reported_time": 1000,

@@ -81,7 +81,8 @@ def _table(figure):
 
 def _best_basis(figure):
     table, basis = _packets()
-    axis = plot.tiling(undula.extract_basis(table, basis), basis, figure.subplots(), span=(1950, 2016.67), highest=6)
+    coefficients = undula.extract_basis(table, basis)
+    axis = plot.tiling(coefficients, basis, figure.subplots(), span=(1950, 2016.67), highest=6)
     axis.set(xlabel="year", ylabel="cycles a year")
     figure.colorbar(axis.images[-1], ax=axis, label="dB")
 
@@ -135,7 +136,8 @@ def _windows(figure):
     chirp = np.sin(2 * np.pi * (40 * time + 350 * time**2)) * np.sin(np.pi * time)
     table = undula.cpt(chirp, 5)
     basis = undula.best_basis(table, "shannon")
-    axis = plot.tiling(undula.extract_basis(table, basis), basis, figure.subplots(), windows=True, span=(0, 1), highest=1024)
+    coefficients = undula.extract_basis(table, basis)
+    axis = plot.tiling(coefficients, basis, figure.subplots(), windows=True, span=(0, 1), highest=1024)
     axis.set(xlabel="seconds", ylabel="Hz")
     figure.colorbar(axis.images[-1], ax=axis, label="dB")
 
@@ -159,6 +161,6 @@ PICTURES = {
     "father2d": ("father2d(x, y, \"symmlet8\")", _plane(undula.father2d, ((),))),
     "mother2d": ("mother2d(x, y, \"symmlet8\", type) of the three types", _plane(undula.mother2d, DIRECTIONS)),
     "wavelet": ("Packets of symmlet8: index n has about n half waves to a unit", _indices),
-    "waveterp": ("Data at level 0 and the function it stands for: a coiflet comes close to the data", _interpolation),
+    "waveterp": ("Data at level 0 and its function: a coiflet comes close to the data", _interpolation),
     "cpt": ("A chirp in the windows of its best basis", _windows),
 }

@@ -93,7 +93,7 @@ def groups():
 
 def entry(description, heading, target, page, picture=""):
     """The description of one function; `page` is where the errors that all share are described."""
-    folder = page.removesuffix("functions.md")
+    folder, result = page.removesuffix("functions.md"), description.result
     arguments = [*description.arguments, *([AXIS] if description.takes_axis else [])]
     parts = [
         f"{heading} `{description.name}`",
@@ -101,7 +101,7 @@ def entry(description, heading, target, page, picture=""):
         *_linked(description, f"{description.summary}\n\n{description.details}", target, folder),
         picture,
         _table("argument", "kind", "meaning", map(_argument_row, arguments)),
-        *_linked(description, f"Result: {description.result.kind}. {description.result.meaning}", target, folder),
+        *_linked(description, f"Result: {result.kind}. {result.meaning}", target, folder),
         *_errors(description, page),
         _code("pycon", description.example),
         "\n".join(f"- {work}" for work in description.literature),

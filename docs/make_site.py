@@ -82,15 +82,17 @@ def mend_theme(html):
     """Debian's theme expects a web server with Debian's folders, and a browser that is told of modules."""
     styles, scripts = html / "_static" / "styles", html / "_static" / "scripts"
     shutil.copy(NORMALIZE, styles)
-    furo = styles / "furo.css"
-    furo.write_text(furo.read_text(encoding="utf-8").replace(f"/{NORMALIZE.relative_to('/usr/share')}", NORMALIZE.name))
+    furo, absolute = styles / "furo.css", f"/{NORMALIZE.relative_to('/usr/share')}"
+    furo.write_text(furo.read_text(encoding="utf-8").replace(absolute, NORMALIZE.name), encoding="utf-8")
     gumshoe = (scripts / "gumshoe-patched.js").read_text(encoding="utf-8")
     furo = scripts / "furo.js"
-    furo.write_text(gumshoe + re.sub(r"^import .*$", "", furo.read_text(encoding="utf-8"), flags=re.MULTILINE))
+    without_imports = re.sub(r"^import .*$", "", furo.read_text(encoding="utf-8"), flags=re.MULTILINE)
+    furo.write_text(gumshoe + without_imports, encoding="utf-8")
 
 
 def helpers_page():
-    parts = ["# Python helpers, one by one\n\n[Helpers](helpers.md) and [pictures](plotting.md) tell what they are for.\n"]
+    introduction = "[Helpers](helpers.md) and [pictures](plotting.md) say what they are for."
+    parts = [f"# Python helpers, one by one\n\n{introduction}\n"]
     for title, names in HELPERS.items():
         parts.append(f"## {title}\n")
         parts += [f"```{{eval-rst}}\n.. autofunction:: undula.{name}\n```\n" for name in names]
@@ -105,8 +107,8 @@ def main():
     folder = Path(sys.argv[1]).resolve()
     shutil.rmtree(folder, ignore_errors=True)
     gather(folder / "source")
-    command = [sys.executable, "-m", "sphinx", "-q", "-W", "--keep-going", "-c", DOCS, "-d", folder / "doctrees",
-               folder / "source", folder / "html"]
+    command = [sys.executable, "-m", "sphinx", "-q", "-W", "--keep-going", "-c", DOCS,
+               "-d", folder / "doctrees", folder / "source", folder / "html"]
     subprocess.run(command, env={**os.environ, "PYTHONDONTWRITEBYTECODE": "1"}, check=True)
     mend_theme(folder / "html")
 

@@ -2,7 +2,8 @@
 
     PYTHONPATH=build/python python3 docs/run_pages.py
 
-draws the pictures of the guide into docs/images. A block of text after a block of code is what that code prints.
+draws the pictures of the guide into docs/images. A block of text after a block of code is what that code
+prints.
 """
 
 import contextlib
