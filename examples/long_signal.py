@@ -1,4 +1,7 @@
-"""Where the energy of a very long signal lies, level by level, with Dask.
+"""A signal longer than memory
+===========================
+
+Where its energy lies, level by level, with Dask. ::
 
     PYTHONPATH=build/python python3 examples/long_signal.py [--samples 1000000000] [--scheduler ADDRESS]
 

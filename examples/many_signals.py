@@ -1,4 +1,7 @@
-"""Removes noise from a month of records, far more than fit in memory, with Dask.
+"""A month of records
+==================
+
+Removes noise from far more records than fit in memory, with Dask. ::
 
     PYTHONPATH=build/python python3 examples/many_signals.py [--days 30] [--scheduler ADDRESS]
 
