@@ -153,16 +153,21 @@ def _checked(name, data):
 def _checked_level(name, shape, level, wavelet):
     """The level as an int. Raises what the function would say of the level and the wavelet."""
     function = getattr(undula, name)
-    any_data = np.zeros((256,) * len(shape))
-    function(any_data, level if not _is_count(level) else 0, *wavelet)
-    level = int(level)
-    if not all(_admits(name, side, level, wavelet) for side in shape):
-        raise refusal(function._description, "invalid level", 2, (np.broadcast_to(0.0, shape), level, *wavelet))
-    return level
+    message = "invalid level"
+    try:
+        function(np.zeros((256,) * len(shape)), 0 if _is_count(level) else level, *wavelet)
+        if all(_admits(name, side, int(level), wavelet) for side in shape):
+            return int(level)
+    except undula.Error as error:
+        if error.argument != 2:
+            raise
+        message = error.message
+    arguments = (np.broadcast_to(0.0, shape), level, *wavelet)  # the notes are about their shape
+    raise refusal(function._description, message, 2, arguments)
 
 
 def _is_count(level):
-    return isinstance(level, (int, float, np.integer, np.floating)) and level >= 0 and level == int(level)
+    return isinstance(level, (int, float, np.integer, np.floating)) and level >= 0 and level % 1 == 0
 
 
 def _admits(name, side, level, wavelet):
@@ -182,7 +187,7 @@ def _admits(name, side, level, wavelet):
 def _shape_of(record):
     """The shape of what was transformed."""
     if record.smooth.ndim == 1:
-        return (sum(part.shape[0] for part in _flat(record)),)
+        return (sum(array.shape[0] for array in _flat(record)),)
     return tuple(
         record.smooth.shape[axis] + sum(each[axis].shape[axis] for each in record.details) for axis in (0, 1)
     )
@@ -192,7 +197,7 @@ def _check_record(name, record, shape, level):
     if len(record.details) != level:
         raise ValueError(f"{name}: data has {len(record.details)} levels, not {level}")
     wanted = parts_of(np.broadcast_to(0.0, shape), level)
-    if [part.shape for part in _flat(record)] != [part.shape for part in _flat(wanted)]:
+    if [array.shape for array in _flat(record)] != [array.shape for array in _flat(wanted)]:
         raise ValueError(f"{name}: the subbands of the data do not fit together")
 
 
@@ -221,7 +226,7 @@ def _synthesis(name, data, step, wraps, wavelet):
     """The smooth part from which some levels were made."""
     parts = _flat(data)
     sides = [windows(step, axis, wraps) for axis in range(data.smooth.ndim)]
-    base = f"undula-{name}-{tokenize(name, [part.name for part in parts], step, wavelet)}"
+    base = f"undula-{name}-{tokenize(name, [array.name for array in parts], step, wavelet)}"
     synthesise = partial(_synthesise, name, step.levels, wavelet)
     tasks = {}
     for index in _indices(map(len, sides)):

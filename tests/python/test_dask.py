@@ -29,7 +29,7 @@ def in_this_thread():
 
 @pytest.fixture(scope="module")
 def client():
-    here = {"host": "127.0.0.1"} | dict.fromkeys(["dashboard_address", "worker_dashboard_address"], "127.0.0.1:0")
+    here = {"dashboard_address": "127.0.0.1:0", "worker_dashboard_address": "127.0.0.1:0", "host": "127.0.0.1"}
     with distributed.LocalCluster(n_workers=2, threads_per_worker=1, memory_limit="1GiB", **here) as cluster:
         with distributed.Client(cluster) as client:
             yield client
@@ -104,6 +104,7 @@ def test_no_task_has_much_more_than_a_chunk(name, monkeypatch):
         ("idwt", (1, 8), 1, "haar"),
         ("dwt", (8,), 2.5, "haar"),
         ("dwt", (8,), -1, "haar"),
+        ("dwt", (8,), np.inf, "haar"),
         ("dwt", (8,), 1, "daublet5"),
         ("dwts", (7,), 3, "haar"),
         ("idwts", (8, 3), 2, "haar"),
