@@ -10,7 +10,7 @@
 # make accuracy      how exact the arithmetic is: the tables and the picture of docs/accuracy.md, in 15 minutes
 # make lint          check the formatting, the code with clang-tidy, and the share of tests
 # make asan          the C++ tests under the address and undefined-behaviour sanitizers
-# make fuzz          random calls of every function, for SECONDS=60
+# make fuzz          random calls of every function under the sanitizers, for SECONDS=60, from sequence FIRST=1 on
 # make mutants       small faults in the pack, FAULTS=100, and those that no test notices; can be stopped and resumed
 # make windows       the 32-bit Windows libraries, in build/windows/
 # make windows-test  check them, and run the C++ tests as Windows programs under Wine
@@ -23,6 +23,7 @@
 # Python is Debian's, or the one that the setting UNDULA_PYTHON_EXECUTABLE of build/ names.
 
 SECONDS = 60
+FIRST = 1
 FAULTS = 100
 FUZZ = 1800
 PREFIX = /usr/local
@@ -101,7 +102,7 @@ fuzz:
 	tools/install build fuzz
 	cmake --preset fuzz
 	cmake --build --preset fuzz
-	tools/fuzz build/fuzz $(SECONDS)
+	tools/fuzz build/fuzz $(FIRST) $(SECONDS)s
 
 mutants:
 	tools/install build

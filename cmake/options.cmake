@@ -27,6 +27,3 @@ if(WIN32)
   # One library catches what another throws, so all must share one run-time library.
   target_link_options(undula_options INTERFACE -shared-libgcc)
 endif()
-if(UNDULA_FUZZ)
-  target_compile_options(undula_options INTERFACE -fsanitize=fuzzer-no-link)
-endif()

@@ -142,12 +142,12 @@ class SynthesisRows {
     Index target(Index position) const { return modulo(position, period); }
     const EdgeFilterRows& edgeFilters() const { return edges; }
 
-    // The taps of every inner row, where coefficient q of each channel stands at the given places.
-    void fillInner(const double* lowAt, const double* highAt, Row& row) const {
+    // The taps of the inner row of a pair of the given coefficients.
+    void fillInner(const double* lowAt, const double* highAt, Index pair, Row& row) const {
         row.count = 0;
         for (int i = 0; i < tapCount; ++i) {
             const auto& [shift, channel, first, second, sums] = taps[i];
-            row.add((channel == Channel::Low ? lowAt : highAt) - shift, first, second, sums);
+            row.add((channel == Channel::Low ? lowAt : highAt) + (pair - shift), first, second, sums);
         }
     }
 

@@ -6,6 +6,7 @@ namespace undula {
 
 SignalAnalysis::SignalAnalysis(const Ends& ends, const FilterBank& bank, Index n)
     : rows(ends.analysis(bank, n), n) {
+    if (!isNarrow()) return;
     rows.fillInner([this](Index d) { return (d % 2 == 0 ? even : odd) + d / 2; }, inner);
 }
 
@@ -13,12 +14,17 @@ void SignalAnalysis::run(const double* x, double* low, double* high) {
     const Index edges = rows.edgeRows();
     const Index pairs = floorHalf(rows.samples()) - edges;
     for (Index k = 0; k < edges; ++k) runRow(x, k, low, high);
-    if (rows.last() - rows.first() < widestRow) {
+    if (isNarrow()) {
         runPairs(x, edges, pairs, low, high);
     } else {
         runScattered(x, edges, pairs, low, high);
     }
     for (Index k = pairs; k < rows.count(); ++k) runRow(x, k, low, high);
+}
+
+// Whether a run of rows finds room.
+bool SignalAnalysis::isNarrow() const {
+    return rows.last() - rows.first() < widestRow;
 }
 
 // A filter moves by two samples an output, so that over the samples of one parity it meets consecutive
@@ -72,13 +78,13 @@ SignalSynthesis::SignalSynthesis(const Ends& ends, const FilterBank& bank, Index
                 rows.begin() - rows.pairOf(rows.before().first) <= mostEnd &&
                 backEnd() - backPair() <= mostEnd &&
                 rows.pairOf(rows.after().last) + 1 - rows.pairOf(rows.after().first) <= mostEnd) {
-    if (shortEnds) rows.fillInner(window[0] + rows.farthest(), window[1] + rows.farthest(), extended);
+    if (shortEnds) rows.fillInner(window[0], window[1], rows.farthest(), extended);
 }
 
 void SignalSynthesis::run(const double* low, const double* high, double* x) {
     if (rows.begin() < rows.end()) {
         Row row;
-        rows.fillInner(low + rows.begin(), high + rows.begin(), row);
+        rows.fillInner(low, high, rows.begin(), row);
         kernels().sumInterleaved(row.terms, row.count, x + rows.position(rows.begin()),
                                  static_cast<std::size_t>(rows.end() - rows.begin()));
     }

@@ -23,6 +23,7 @@ class SignalAnalysis {
     // Outputs that are computed at once, so that the samples, parted by parity, stay in the first cache.
     static constexpr Index runLength = 256;
 
+    bool isNarrow() const;
     void runPairs(const double* x, Index from, Index to, double* low, double* high);
     // At most `runLength` outputs of samples that lie one behind the other.
     void runTogether(const double* x, Index count, double* low, double* high);
@@ -31,7 +32,7 @@ class SignalAnalysis {
     void runRow(const double* x, Index k, double* low, double* high);
 
     AnalysisRows rows;
-    Row inner;  // over `even` and `odd`
+    Row inner;  // over `even` and `odd`, of narrow rows
     alignas(64) double even[runLength + widestRow / 2];
     alignas(64) double odd[runLength + widestRow / 2];
     double samples[2 * runLength + widestRow];

@@ -14,6 +14,8 @@ namespace {
 
 std::atomic<long> live{0};
 std::atomic<long> requested{0};
+std::atomic<long> refused{0};
+std::atomic<std::size_t> limit{SIZE_MAX};
 thread_local long countdown = 0;  // 0: nothing to fail
 
 void* allocate(std::size_t bytes) noexcept {
@@ -33,7 +35,8 @@ void* spoilt(void* memory, std::size_t bytes) noexcept {
     return memory;
 }
 
-bool isToFail() {
+bool isToFail(std::size_t bytes) {
+    if (bytes > limit) return ++refused > 0;
     return countdown > 0 && --countdown == 0;
 }
 
@@ -61,6 +64,14 @@ bool FailingNew::happened() const {
     return countdown == 0;
 }
 
+void limitAllocations(std::size_t bytes) {
+    limit = bytes;
+}
+
+long refusedAllocations() {
+    return refused;
+}
+
 long liveAllocations() {
     return live;
 }
@@ -76,10 +87,10 @@ void* operator new[](std::size_t bytes) {
     return orThrow(allocate(bytes));
 }
 void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept {
-    return isToFail() ? nullptr : spoilt(allocate(bytes), bytes);
+    return isToFail(bytes) ? nullptr : spoilt(allocate(bytes), bytes);
 }
 void* operator new[](std::size_t bytes, const std::nothrow_t&) noexcept {
-    return isToFail() ? nullptr : spoilt(allocate(bytes), bytes);
+    return isToFail(bytes) ? nullptr : spoilt(allocate(bytes), bytes);
 }
 void operator delete(void* memory) noexcept {
     release(memory);

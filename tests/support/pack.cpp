@@ -1,6 +1,7 @@
 #include "support/pack.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <random>
 
@@ -43,27 +44,26 @@ bool sameBits(const Numbers& a, const Numbers& b) {
            (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(double)) == 0);
 }
 
-bool sameCells(const Value& a, const Value& b) {
-    for (int c = 0; c < a.cols(); ++c) {
-        for (int r = 0; r < a.rows(); ++r) {
-            const Value cell = a.nested(r, c);
-            const Value other = b.nested(r, c);
-            if (bool(cell) != bool(other) || (cell && !same(cell, other))) return false;
-        }
-    }
-    return true;
-}
-
 }  // namespace
 
+Numbers flat(const Value& value) {
+    if (!value) return {};
+    Numbers numbers = {static_cast<double>(value.tag())};
+    const auto add = [&](const auto& more) { numbers.insert(numbers.end(), more.begin(), more.end()); };
+    if (value.isError()) add(value.message() + static_cast<char>(value.argument()));
+    if (value.isString()) add(value.text());
+    if (value.isScalar()) add(Numbers{value.real(), value.scalar().imag()});
+    if (!value.isMatrix()) return numbers;
+    add(std::array{value.rows(), value.cols()});
+    add(value.reals());
+    add(value.imaginaries());
+    for (int cell = 0; value.anyNested() && cell < value.rows() * value.cols(); ++cell)
+        add(flat(value.nested(cell % value.rows(), cell / value.rows())));
+    return numbers;
+}
+
 bool same(const Value& a, const Value& b) {
-    if (!a || !b || a.tag() != b.tag()) return !a && !b;
-    if (a.isError()) return a.message() == b.message() && a.argument() == b.argument();
-    if (a.isScalar()) return sameBits({a.real(), a.scalar().imag()}, {b.real(), b.scalar().imag()});
-    if (!a.isMatrix()) return a.isString() ? a.text() == b.text() : a.raw() == b.raw();
-    if (a.rows() != b.rows() || a.cols() != b.cols()) return false;
-    if (a.anyNested() || b.anyNested()) return sameCells(a, b);
-    return sameBits(a.reals(), b.reals()) && sameBits(a.imaginaries(), b.imaginaries());
+    return sameBits(flat(a), flat(b));
 }
 
 void expectNear(const Numbers& actual, const Numbers& expected, double tolerance) {

@@ -77,7 +77,10 @@ Numbers noise(std::size_t count, unsigned seed = 1);
 // imaginary parts that only a reader who strays would meet.
 Value strided(int rows, int cols, const Numbers& values);
 
-// Whether two values are the same, number for number and bit for bit, nested values included.
+// All that a value is made of, as numbers, nested values included; of a function only that it is one.
+Numbers flat(const Value& value);
+
+// Whether that is the same of two values, bit for bit.
 bool same(const Value& a, const Value& b);
 
 void expectNear(const Numbers& actual, const Numbers& expected, double tolerance);
