@@ -1,6 +1,6 @@
-// How long a call goes on before it asks whether to stop, or calls a user function, which can stop it, too:
-// the longest stretch of each function that takes data, from its beginning to its end, for 2^22 samples and
-// an image of 4096 x 4096; and of those that take none.
+// How long a call goes on before it asks whether to stop, or calls a user function, which can throw to end
+// it: the longest stretch of each function that takes data, from its beginning to its end, for 2^22 samples
+// and an image of 4096 x 4096; and of those that take none.
 #include <algorithm>
 #include <chrono>
 #include <cmath>
