@@ -175,7 +175,7 @@ void overwrite(const Value& argument) {
     for (int i = 0; argument.anyNested() && i < argument.rows(); ++i) overwrite(argument.nested(i, 0));
     const aMatrix& matrix = argument.matrix();
     for (int c = 0; matrix.re && c < matrix.cols; ++c)
-        std::fill_n(matrix.re + c * matrix.stride, matrix.rows, NaN);
+        std::fill_n(matrix.re + std::ptrdiff_t{c} * matrix.stride, matrix.rows, NaN);
 }
 
 // Every trouble that is counted here was followed by a look at what is left over.
@@ -423,7 +423,8 @@ TEST_P(GoodCalls, ReadArraysWhereverTheyLie) {
 }
 
 TEST(GoodCallsOf, EveryForm) {
-    std::set<std::pair<std::string, std::size_t>> listed, called;
+    std::set<std::pair<std::string, std::size_t>> listed;
+    std::set<std::pair<std::string, std::size_t>> called;
     for (const ListedFunction& function : listedFunctions()) {
         for (const std::string& form : function.forms) listed.emplace(function.name, form.size());
     }
