@@ -8,6 +8,7 @@
 # make octave-test   the tests from Octave, beside Python
 # make bench         time the kernels and transforms, also beside PyWavelets
 # make accuracy      how exact the arithmetic is: the tables and the picture of docs/accuracy.md, in 15 minutes
+# make reliability   what the tests make to fail, and how long a call goes on: the tables of docs/reliability.md
 # make lint          check the formatting, the code with clang-tidy, and the share of tests
 # make asan          the C++ tests under the address and undefined-behaviour sanitizers
 # make fuzz          random calls of every function under the sanitizers, for SECONDS=60, from sequence FIRST=1 on
@@ -28,8 +29,8 @@ FAULTS = 100
 FUZZ = 1800
 PREFIX = /usr/local
 
-.PHONY: help build demo test install wheel deb octave octave-test bench accuracy lint asan fuzz mutants windows windows-test \
-        site site-check release-check clean
+.PHONY: help build demo test install wheel deb octave octave-test bench accuracy reliability lint asan fuzz mutants \
+        windows windows-test site site-check release-check clean
 
 help:
 	@sed -n 's/^# make/make/p' Makefile
@@ -86,6 +87,11 @@ accuracy:
 	tools/install build demo
 	cmake --preset release
 	cmake --build --preset release --target accuracy
+
+reliability:
+	tools/install build bench
+	cmake --preset release
+	cmake --build --preset release --target reliability
 
 lint:
 	tools/install build lint

@@ -14,7 +14,6 @@ Anyval nothing = {-1};
 
 double_to_double_lambda::double_to_double_lambda(EfiCallContext* callContext, aLambda* function)
     : context(callContext) {
-    argument.tag = TagScalar;
     const HostServiceScope scope;
     void* found = nullptr;
     if (context->allocator->QueryInterface(efiRootSetId, &found) < 0 || found == nullptr) return;
@@ -46,7 +45,7 @@ double_to_double_lambda::~double_to_double_lambda() {
 
 double double_to_double_lambda::evaluate(const double& x) {
     if (interruptedOnce || !rooted()) return 0.0;
-    argument.re = x;
+    argument = undula::scalarOf(x);  // whole, as the user may have written to the last one
     const HostServiceScope scope;
     auto* function = static_cast<aLambda*>(*cell);
     if (context->evaluator->applyOne(function, &argument, &result) == efiInterrupted) {

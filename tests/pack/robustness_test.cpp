@@ -2,10 +2,15 @@
 // the pack refused, each service of the host without memory, an interruption at each poll, everything that
 // a service may throw and something that it may not, a careless host. After each, the message and index are
 // as they must be, nothing has leaked, the caller's floating-point state is untouched, and the same call
-// succeeds.
+// succeeds. What was made to fail is counted by function, and printed at the end for `make reliability`.
+#include <cfenv>
 #include <cmath>
+#include <cstdlib>
+#include <map>
 #include <ostream>
+#include <set>
 
+#include "reliability/tally.h"
 #include "support/failing_new.h"
 #include "support/floating_point.h"
 #include "support/function_table.h"
@@ -26,7 +31,6 @@ void PrintTo(const GoodCall& call, std::ostream* out) {
 // Each stands for a wavelet that the pack does not know yet.
 const Value newFilter = column({0.5, 0.5, 0.25});  // from 0 to 2, the high-pass filter from -1 to 1
 const Value newPair = Value::matrix(3, 2, Numbers{0.5, 0.5, 0.5, 0.25, 0.5, 0.25});
-const Value newDegree(0);  // as long as there are others
 
 bool isNew(const Value& argument) {
     return argument.raw() == newFilter.raw() || argument.raw() == newPair.raw();
@@ -43,22 +47,23 @@ std::vector<GoodCall> goodCalls() {
     };
     for (const char* family : {"daublet", "symmlet", "coiflet"}) add(family, {6});
     add("Bspline", {3, 9});
-    add("bl", {newDegree});
+    add("bl", {3});
 
     // A signal polls once a level. Of an image each column and each row does, but forwards with periodic
-    // ends; and each level of the inverse with symmetric ends.
+    // ends; and each level of the inverse with symmetric ends. All are long enough to need scratch of
+    // their own.
     for (const char* name : {"dwt", "idwt"}) {
-        addForms(name, {signal(16), 3}, 3);
-        add(name, {signal(16), 2, newPair, row({1, 0})}, 2);
+        addForms(name, {signal(256), 3}, 3);
+        add(name, {signal(256), 2, newPair, row({1, 0})}, 2);
     }
-    add("dwt", {image(8, 4), 2, newFilter});
-    add("idwt", {image(8, 4), 2, newFilter}, 4 + 2 + 8 + 4);
-    for (const char* name : {"dwts", "idwts"}) add(name, {signal(37), 5, haar()}, 5);
-    add("dwts", {image(13, 7), 2, haar()}, 13 + 7 + 7 + 4);
-    add("idwts", {image(13, 7), 2, haar()}, 13 + 7 + 7 + 4 + 2);
+    add("dwt", {image(48, 32), 2, newFilter});
+    add("idwt", {image(48, 32), 2, newFilter}, 24 + 16 + 48 + 32);
+    for (const char* name : {"dwts", "idwts"}) add(name, {signal(301), 5, haar()}, 5);
+    add("dwts", {image(41, 31), 2, haar()}, 41 + 31 + 21 + 16);
+    add("idwts", {image(41, 31), 2, haar()}, 41 + 31 + 21 + 16 + 2);
     const Value daublet4 = efihost::Host().call(pack(), "daublet", 4);
     for (const char* name : {"dwti", "idwti"}) {
-        add(name, {signal(32), 3, daublet4}, 3);
+        add(name, {signal(256), 3, daublet4}, 3);
         add(name, {image(16, 16), 2, daublet4}, 16 + 16 + 8 + 8);
     }
 
@@ -68,15 +73,15 @@ std::vector<GoodCall> goodCalls() {
     const Value blocks =
         basisOf(2, {{1, 1, 1}, {1, 0, 1}, {1, 1, 0}, {2, 0, 0}, {2, 0, 1}, {2, 1, 0}, {2, 1, 1}});
     addForms("wpt", {signal(16), 3}, 1 + 3);
-    addForms("wpt", {signal(16), tree}, 1 + 3);
-    addForms("iwpt", {signal(16), tree}, 3);
+    addForms("wpt", {signal(256), tree}, 1 + 3);
+    addForms("iwpt", {signal(256), tree}, 3);
     for (const auto& [name, rows, cols, filter] :
-         {std::tuple("wpt", 8, 4, newFilter), {"wpts", 5, 7, haar()}, {"wpti", 16, 16, daublet4}}) {
+         {std::tuple("wpt", 48, 32, newFilter), {"wpts", 41, 31, haar()}, {"wpti", 16, 16, daublet4}}) {
         add(name, {image(rows, cols), 2, filter}, 1);
         add(name, {image(rows, cols), blocks, filter}, 1 + 2);
         add(std::string("i") + name, {image(rows, cols), blocks, filter}, 2);
     }
-    for (const auto& [name, length, filter] : {std::tuple("wpts", 13, haar()), {"wpti", 64, daublet4}}) {
+    for (const auto& [name, length, filter] : {std::tuple("wpts", 301, haar()), {"wpti", 256, daublet4}}) {
         add(name, {signal(length), 3, filter}, 1 + 3);
         add(name, {signal(length), tree, filter}, 1 + 3);
         add(std::string("i") + name, {signal(length), tree, filter}, 3);
@@ -118,10 +123,10 @@ std::vector<GoodCall> goodCalls() {
     const Value bell = Value::function([](double x) { return std::sqrt(x); });
     const Value repeated = basisRows({{2, 0}, {1, 1}, {2, 1}, {1, 1}, {2, 0}});
     add("cpt", {signal(8), 2}, 1);
-    add("lct", {image(8, 4), 1, bell}, 2);
+    add("lct", {image(8, 32), 1, bell}, 2);
     add("icpt", {signal(8), 2, repeated}, 3);
     add("icpt", {signal(6), 1, basisOfLevel(1, 1)}, 2);
-    add("ilct", {image(8, 4), 1, quarter, bell});
+    add("ilct", {image(8, 32), 1, quarter, bell});
 
     // One poll for each binary digit of a packet's index.
     for (const std::string dl : {"", "dl"}) {
@@ -133,8 +138,8 @@ std::vector<GoodCall> goodCalls() {
             add(dl + "father2d", joined(joined({0.5, 0.5}, more), {"symm8"}));
             add(dl + "mother2d", joined(joined({0.5, 0.5}, more), {"coif6", "D"}), 1 + 1);
         }
-        addForms(dl + "wavelet", {0.5, 0, 0, 9}, 4);
-        addForms(dl + "wavelet2d", {0.5, 0.2, 0, 0, 0, 5, 2}, 3 + 2);
+        addForms(dl + "wavelet", {0.5, 0, 0, 70}, 7);
+        addForms(dl + "wavelet2d", {0.5, 0.2, 0, 0, 0, 70, 2}, 7 + 2);
     }
     // One poll for each shift that reaches the point, and those of its packet functions: shifts 4 and 5
     // reach 5.5; shifts 2 and 3 reach 5.5 / 2 from the support of [-1/2, 3/2]; 1 and 2 reach 4 / 2 from
@@ -164,6 +169,33 @@ Value inMemory(Memory* memory, const Value& argument) {
     return Value::table(cells);
 }
 
+void overwrite(const Value& argument) {
+    if (argument.isScalar()) static_cast<aComplex*>(argument.raw())->re = NaN;
+    if (!argument.isMatrix()) return;
+    for (int i = 0; argument.anyNested() && i < argument.rows(); ++i) overwrite(argument.nested(i, 0));
+    const aMatrix& matrix = argument.matrix();
+    for (int c = 0; matrix.re && c < matrix.cols; ++c)
+        std::fill_n(matrix.re + std::ptrdiff_t{c} * matrix.stride, matrix.rows, NaN);
+}
+
+// Every trouble that is counted here was followed by a look at what is left over.
+std::map<std::string, reliability::Tally>& tallies() {
+    static std::map<std::string, reliability::Tally> all;
+    return all;
+}
+
+class Report : public testing::Environment {
+ public:
+    void TearDown() override {
+        if (std::getenv("UNDULA_RELIABILITY") == nullptr) return;
+        std::vector<std::string> functions;
+        for (const ListedFunction& function : listedFunctions()) functions.emplace_back(function.name);
+        reliability::print(functions, tallies());
+    }
+};
+
+const testing::Environment* const report = testing::AddGlobalTestEnvironment(new Report);
+
 // What is alive: values, roots and interfaces of the host, and memory.
 using Holdings = std::pair<TestHost::Leaks, long>;
 
@@ -177,7 +209,6 @@ class GoodCalls : public testing::TestWithParam<GoodCall> {
         ++number;
         Arguments arguments = GetParam().arguments;
         for (Value& argument : arguments) {
-            if (argument.raw() == newDegree.raw()) argument = number % 7;
             if (!isNew(argument)) continue;
             Grid taps = Grid::of(argument);
             taps.values[1] += 1e-3 * number;
@@ -188,8 +219,8 @@ class GoodCalls : public testing::TestWithParam<GoodCall> {
 
     Holdings holdings() const { return {host_.leaks(), liveAllocations()}; }
 
-    Value call(const Arguments& arguments) {
-        const UnusualCaller caller;
+    Value call(const Arguments& arguments, int callerKind = 0) {
+        const UnusualCaller caller(callerKind);
         Value result = host_.callRaw(pack(), GetParam().function, arguments);
         EXPECT_TRUE(caller.undisturbed());
         return result;
@@ -202,6 +233,7 @@ class GoodCalls : public testing::TestWithParam<GoodCall> {
         EXPECT_EQ(holdings(), before);
     }
 
+    reliability::Tally& tally_ = tallies()[GetParam().function];
     TestHost host_;
     const Arguments usual_;
     const Value reference_;
@@ -231,11 +263,10 @@ TEST_P(GoodCalls, SurviveLackOfOwnMemory) {
             happened = failing.happened();
             EXPECT_TRUE(!happened || complaint == "out of memory (0)" || complaint == alternative)
                 << complaint;
+            tally_.ownMemory += happened;
         }
         EXPECT_TRUE(same(call(arguments), call(arguments)));
         before.second += kept;
-        // Other tests may have asked for some of the degrees.
-        if (GetParam().function == "bl") continue;
         EXPECT_EQ(holdings(), before);
     }
 }
@@ -249,6 +280,7 @@ TEST_P(GoodCalls, SurviveLackOfHostMemory) {
         const bool refused = PackTest::complaintOf(call(usual_)) == "out of memory (0)";
         happened = host_.happened();
         EXPECT_EQ(refused, happened);
+        tally_.hostMemory += happened;
         expectRecovered(before);
     }
 }
@@ -266,6 +298,8 @@ TEST_P(GoodCalls, EndAtEachInterruption) {
         EXPECT_EQ(host_.polls(), k);
         expectRecovered(before);
     }
+    ++tally_.calls;
+    tally_.polls += polls;
 }
 
 TEST_P(GoodCalls, ReportWhatServicesThrow) {
@@ -288,6 +322,7 @@ TEST_P(GoodCalls, ReportWhatServicesThrow) {
                 host_.throwAt(service, k, thrower);
                 EXPECT_EQ(PackTest::complaintOf(call(usual_)), spoils ? complaint : "no error");
                 expectRecovered(before);
+                ++tally_.thrown;
             }
             if (!spoils) continue;
             host_.throwAt(service, k, foreigner());
@@ -295,14 +330,32 @@ TEST_P(GoodCalls, ReportWhatServicesThrow) {
             EXPECT_THROW(host_.callRaw(pack(), GetParam().function, usual_), Foreigner);
             EXPECT_TRUE(caller.undisturbed());
             expectRecovered(before);
+            ++tally_.thrown;
         }
     }
 }
 
-// Every service raises floating-point flags; every poll and every user function calls the pack with a
-// wavelet that none of the calls could use. Of all the wavelets the last one stays selected.
+// Every service raises floating-point flags, rounds downward from then on, and calls the pack: the same
+// function with other data and another wavelet, one that has rows of its own for the ends, the Fourier
+// transforms of the host, and a wavelet that none of the calls could use. Of all the wavelets the last one
+// stays selected.
 TEST_P(GoodCalls, HeedNoCarelessHost) {
-    const auto select = [&](const Value& filter) { host_.call(pack(), "dwt", signal(4), 0, filter); };
+    struct Within {
+        std::string function;
+        Arguments arguments;
+        Value result;
+    };
+    Arguments others = variant();
+    if (others[0].isMatrix() && !others[0].anyNested())
+        others[0] = noisyGrid(others[0].rows(), others[0].cols(), 9).value();
+    std::vector<Within> within = {
+        {GetParam().function, others, {}},
+        {"wpti", {signal(32), 2, host_.call(pack(), "symmlet", 6)}, {}},
+        {"cpt", {signal(24), 2}, {}},
+        {"wpts", {image(6, 7), 1, host_.call(pack(), "Bspline", 2, 2)}, {}},
+        {"dwt", {signal(8), 2, column({0.3, 0.9, -0.2, 0.4, 0.7, 0.1})}, {}},
+    };
+    for (auto& [function, arguments, result] : within) result = host_.callRaw(pack(), function, arguments);
     const auto selected = [&] {
         using OfPoint = aComplex*(EfiCallContext*, aComplex*, aComplex*, aComplex*, aComplex*);
         auto* wavelet = reinterpret_cast<OfPoint*>(pack().symbol(exportedName("wavelet", "SSSS").c_str()));
@@ -311,25 +364,46 @@ TEST_P(GoodCalls, HeedNoCarelessHost) {
         auto* const z = static_cast<aComplex*>(zero.raw());
         return call.finish(wavelet(call.context(), static_cast<aComplex*>(x.raw()), z, z, z));
     };
-    const Value nested = column({0.3, 0.9, -0.2, 0.4, 0.7, 0.1});
-    select(nested);
-    const Value ofNested = selected();
+    const Value ofLast = selected();
     call(usual_);
-    const Value ofCall = selected();
-    bool calledBack = false;
+    bool isWithin = false;
     host_.doAlways([&](Service service) {
-        if (service == Service::pollInterrupt || service == Service::applyOne ||
-            service == Service::applyList) {
-            calledBack = true;
-            select(nested);
+        if (isWithin) return;
+        isWithin = true;
+        for (const auto& [function, arguments, result] : within) {
+            EXPECT_TRUE(same(host_.callRaw(pack(), function, arguments), result)) << function;
+            ++tally_.callsWithin;
         }
+        isWithin = false;
 #if !defined(_WIN32)  // where they trap
         raiseFaults();
 #endif
+        // These compute something, which would be rounded, too.
+        if (service != Service::applyOne && service != Service::applyList && service != Service::transform)
+            std::fesetround(FE_DOWNWARD);
     });
     EXPECT_TRUE(same(call(usual_), reference_));
     host_.doAlways([](Service) {});
-    EXPECT_TRUE(same(selected(), calledBack ? ofNested : ofCall));
+    EXPECT_TRUE(same(selected(), ofLast));
+}
+
+// A user function writes into all that the call was given.
+TEST_P(GoodCalls, ReadNothingAfterUserFunctionsHaveWrittenIt) {
+    Arguments own;
+    for (const Value& argument : usual_) {
+        own.push_back(argument.isMatrix() ? inMemory(strided, argument) : argument);
+        if (argument.isScalar()) own.back() = argument.scalar();
+    }
+    host_.doAlways([&](Service service) {
+        if (service != Service::applyOne && service != Service::applyList) return;
+        for (Value& argument : own) overwrite(argument);
+    });
+    EXPECT_TRUE(same(call(own), reference_));
+    host_.doAlways([](Service) {});
+}
+
+TEST_P(GoodCalls, RoundToNearestWhoeverCalls) {
+    for (int kind = 0; kind < UnusualCaller::kinds; ++kind) EXPECT_TRUE(same(call(usual_, kind), reference_));
 }
 
 TEST_P(GoodCalls, ReadArraysWhereverTheyLie) {
@@ -345,6 +419,42 @@ TEST_P(GoodCalls, ReadArraysWhereverTheyLie) {
         };
         EXPECT_TRUE(same(with(strided), reference_));
         EXPECT_TRUE(same(with(absent), with(zeros)));
+    }
+}
+
+TEST(GoodCallsOf, EveryForm) {
+    std::set<std::pair<std::string, std::size_t>> listed;
+    std::set<std::pair<std::string, std::size_t>> called;
+    for (const ListedFunction& function : listedFunctions()) {
+        for (const std::string& form : function.forms) listed.emplace(function.name, form.size());
+    }
+    for (const GoodCall& call : goodCalls()) called.emplace(call.function, call.arguments.size());
+    EXPECT_EQ(called, listed);
+}
+
+// What only the first call of all makes. Whatever failed before, it keeps the same memory in the end.
+TEST(FirstCalls, SurviveLackOfOwnMemory) {
+    for (const auto& [function, arguments] : {std::pair("bl", Arguments{3}), {"father", {0.5, "bl2"}}}) {
+        SCOPED_TRACE(function);
+        TestHost host;
+        const Value reference = host.call(pack(), function, arguments);
+        int& refusals = tallies()[function].ownMemory;
+        Holdings kept[2];
+        for (const bool troubled : {false, true}) {
+            const FreshPack fresh;
+            const long before = liveAllocations();
+            bool happened = troubled;
+            for (int k = 1; happened; ++k) {
+                const FailingNew failing(k);
+                const Value result = host.callRaw(fresh, function, arguments);
+                happened = failing.happened();
+                EXPECT_EQ(result.isError(), happened);
+                refusals += happened;
+            }
+            EXPECT_TRUE(same(host.call(fresh, function, arguments), reference));
+            kept[troubled] = {host.leaks(), liveAllocations() - before};
+        }
+        EXPECT_EQ(kept[0], kept[1]);
     }
 }
 

@@ -91,12 +91,15 @@ void expectPlain(const Treatment& treatment, const FilterBank& bank, std::size_t
     SCOPED_TRACE(testing::Message() << kernels().name << ", n " << n << ", taps " << bank.La << " and "
                                     << bank.Lb << ", offsets " << bank.oa << " and " << bank.ob);
     const Signal x = randomSignal(n, n, finite);
+    Signal behind(n + 1);  // where no vector of numbers is aligned
+    std::ranges::copy(x, behind.begin() + 1);
     const auto size = static_cast<std::uint32_t>(n);
     for (const bool swap : {false, true}) {
         const long low = plain::lowPlace(0, static_cast<long>(n), swap);
         const long high = plain::highPlace(0, static_cast<long>(n), swap);
         Signal out(n);
-        ASSERT_FALSE(treatment.boundary.analysis(bank, x.data(), size, out.data() + low, out.data() + high));
+        const double* const first = behind.data() + 1;
+        ASSERT_FALSE(treatment.boundary.analysis(bank, first, size, out.data() + low, out.data() + high));
         expectSameBits(out, treatment.analysis(bank, x, swap));
         ASSERT_FALSE(treatment.boundary.synthesis(bank, x.data() + low, x.data() + high, size, out.data()));
         expectSameBits(out, treatment.synthesis(bank, x, swap));

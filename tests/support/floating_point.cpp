@@ -1,6 +1,7 @@
 #include "support/floating_point.h"
 
 #include <cfenv>
+#include <iterator>
 #include <limits>
 
 #if defined(__SSE2__)
@@ -11,8 +12,8 @@
 
 namespace {
 
-// Rounds up, to 53 bits.
-constexpr unsigned unusualWord = 0xA7F;
+// Rounds up or down to 53 bits, or towards zero where a division by zero traps.
+constexpr unsigned unusualWords[] = {0xA7F, 0x67F, 0xF7B};
 
 unsigned controlWord() {
     unsigned short word = 0;
@@ -27,8 +28,10 @@ void setControlWord(unsigned wanted) {
 
 }  // namespace
 
-UnusualCaller::UnusualCaller() : state_(controlWord()) {
-    setControlWord(unusualWord);
+const int UnusualCaller::kinds = std::size(unusualWords);
+
+UnusualCaller::UnusualCaller(int kind) : kind_(kind), state_(controlWord()) {
+    setControlWord(unusualWords[kind]);
 }
 
 UnusualCaller::~UnusualCaller() {
@@ -36,15 +39,26 @@ UnusualCaller::~UnusualCaller() {
 }
 
 bool UnusualCaller::undisturbed() const {
-    return controlWord() == unusualWord;
+    return controlWord() == unusualWords[kind_];
 }
 
 #else
 
 namespace {
 
-// The host's own work may raise FE_INEXACT, so that is raised from the start.
-constexpr int raised = FE_INVALID | FE_INEXACT;
+// The host's own work may raise FE_INEXACT, so that is raised from the start. What traps is not raised, as it
+// would trap at once.
+struct Kind {
+    int rounding;
+    bool flushes;
+    int raised;
+    int traps;
+};
+constexpr Kind unusual[] = {
+    {FE_UPWARD, true, FE_INVALID | FE_INEXACT, 0},
+    {FE_DOWNWARD, false, FE_INEXACT, FE_INVALID | FE_DIVBYZERO | FE_OVERFLOW | FE_UNDERFLOW},
+    {FE_TOWARDZERO, true, FE_OVERFLOW | FE_INEXACT, FE_DIVBYZERO},
+};
 
 unsigned vectorState() {
 #if defined(__SSE2__)
@@ -60,15 +74,33 @@ void flushDenormals() {
 #endif
 }
 
+void letTrap(int faults) {
+#if defined(__GLIBC__)
+    feenableexcept(faults);
+#endif
+}
+
+int trapping() {
+#if defined(__GLIBC__)
+    return fegetexcept();
+#else
+    return 0;
+#endif
+}
+
 }  // namespace
 
-UnusualCaller::UnusualCaller() {
-    std::fesetround(FE_UPWARD);
+const int UnusualCaller::kinds = std::size(unusual);
+
+UnusualCaller::UnusualCaller(int kind) : kind_(kind) {
+    const auto& [rounding, flushes, raised, traps] = unusual[kind];
+    std::fesetround(rounding);
     std::feclearexcept(FE_ALL_EXCEPT);
     std::feraiseexcept(raised);
     volatile double third = 3.0;
     third = 1.0 / third;  // inexact for the vector unit, too
-    flushDenormals();
+    if (flushes) flushDenormals();
+    letTrap(traps);
     state_ = vectorState();
 }
 
@@ -77,8 +109,9 @@ UnusualCaller::~UnusualCaller() {
 }
 
 bool UnusualCaller::undisturbed() const {
-    return std::fegetround() == FE_UPWARD && std::fetestexcept(FE_ALL_EXCEPT) == raised &&
-           vectorState() == state_;
+    const Kind& kind = unusual[kind_];
+    return std::fegetround() == kind.rounding && std::fetestexcept(FE_ALL_EXCEPT) == kind.raised &&
+           trapping() == kind.traps && vectorState() == state_;
 }
 
 #endif

@@ -1,12 +1,14 @@
 // Callers and hosts that do as they please with the floating-point unit.
 #pragma once
 
-// The floating-point state of a caller who likes it unusual: rounds upward, flushes denormals to
-// zero, has some flags raised. Put back to normal at the end. On Windows, where a call gives back
-// the x87 unit's control word and no more, that word.
+// The floating-point state of a caller who likes it unusual: rounds upward, downward or towards zero,
+// flushes denormals to zero, has some flags raised, lets faults trap. Put back to normal at the end. On
+// Windows, where a call gives back the x87 unit's control word and no more, that word.
 class UnusualCaller {
  public:
-    UnusualCaller();
+    static const int kinds;
+
+    explicit UnusualCaller(int kind = 0);
     ~UnusualCaller();
     UnusualCaller(const UnusualCaller&) = delete;
     UnusualCaller& operator=(const UnusualCaller&) = delete;
@@ -15,6 +17,7 @@ class UnusualCaller {
     bool undisturbed() const;
 
  private:
+    int kind_;
     unsigned state_;
 };
 

@@ -2,8 +2,22 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <cstring>
+#include <filesystem>
 #include <random>
+
+FreshPack::FreshPack()
+    : file_(std::filesystem::temp_directory_path() /
+            ("undula_copy_" + std::to_string(std::random_device()()) + ".so")) {
+    std::filesystem::copy_file(UNDULA_PACK_PATH, file_);
+    pack_.emplace(file_);
+}
+
+FreshPack::~FreshPack() {
+    pack_.reset();
+    std::filesystem::remove(file_);
+}
 
 Value unrealColumn() {
     return Value::column(Numbers{1, 2, 3, 4}, Numbers{0, 0, 0, 1});
@@ -23,18 +37,25 @@ Numbers noise(std::size_t count, unsigned seed) {
 
 Value strided(int rows, int cols, const Numbers& values) {
     constexpr int gap = 3;
+    constexpr int line = 8;
     struct Memory {
         Numbers re;
         Numbers im;
     };
     const int stride = rows + gap;
-    const auto size = static_cast<std::size_t>(stride * cols);
+    const auto size = static_cast<std::size_t>(stride * cols + line);
     auto memory = std::make_shared<Memory>(Memory{Numbers(size, NaN), Numbers(size, 7.0)});
+    const auto behindLine = [](Numbers& numbers) {
+        const auto place = reinterpret_cast<std::uintptr_t>(numbers.data()) / sizeof(double) % line;
+        return numbers.data() + (line - place) % line + 1;
+    };
+    double* const re = behindLine(memory->re);
+    double* const im = behindLine(memory->im);
     for (int c = 0; c < cols; ++c) {
-        std::copy_n(values.begin() + c * rows, rows, memory->re.begin() + c * stride);
-        std::fill_n(memory->im.begin() + c * stride, rows, -0.0);
+        std::copy_n(values.begin() + c * rows, rows, re + c * stride);
+        std::fill_n(im + c * stride, rows, -0.0);
     }
-    return Value::borrow(rows, cols, stride, memory->re.data(), memory->im.data(), memory);
+    return Value::borrow(rows, cols, stride, re, im, memory);
 }
 
 namespace {

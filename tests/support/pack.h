@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <optional>
+#include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -27,6 +29,21 @@ inline const efihost::Pack& pack() {
     static const efihost::Pack loaded(UNDULA_PACK_PATH);
     return loaded;
 }
+
+// A copy of the pack's library, in which nothing has been selected or made yet.
+class FreshPack {
+ public:
+    FreshPack();
+    ~FreshPack();
+    FreshPack(const FreshPack&) = delete;
+    FreshPack& operator=(const FreshPack&) = delete;
+
+    operator const efihost::Pack&() const { return *pack_; }
+
+ private:
+    std::string file_;
+    std::optional<efihost::Pack> pack_;
+};
 
 // A host for one test, which must leave nothing behind. Results are dropped before it is.
 class PackTest : public testing::Test {
@@ -74,7 +91,8 @@ Value nestedColumn();
 Numbers noise(std::size_t count, unsigned seed = 1);
 
 // A real matrix whose columns lie further apart than their rows need; NaN lies between them, with
-// imaginary parts that only a reader who strays would meet.
+// imaginary parts that only a reader who strays would meet. The first column lies one number behind the
+// beginning of a cache line, so that no vector in memory does.
 Value strided(int rows, int cols, const Numbers& values);
 
 // All that a value is made of, as numbers, nested values included; of a function only that it is one.

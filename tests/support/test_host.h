@@ -107,9 +107,13 @@ class TestHost : public efihost::Host {
         return evaluate(Service::applyList, result,
                         [&] { return Host::applyList(function, arguments, result); });
     }
+    // The function uses the scalar that a pack lends it as a variable of its own.
     std::int32_t applyOne(aLambda* function, Anyval* argument, Anyval** result) override {
-        return evaluate(Service::applyOne, result,
-                        [&] { return Host::applyOne(function, argument, result); });
+        return evaluate(Service::applyOne, result, [&] {
+            const std::int32_t status = Host::applyOne(function, argument, result);
+            if (!efihost::Value::of(argument)) *static_cast<aComplex*>(argument) = {{TagError}, 3.0, 5.0};
+            return status;
+        });
     }
     std::int32_t pollInterrupt() override {
         const bool interrupted = arrive(Service::pollInterrupt) == Trouble::interruption;
