@@ -7,6 +7,7 @@
 # make accuracy      how exact the arithmetic is: the tables and the picture of docs/accuracy.md, in 15 minutes
 # make lint          check the formatting, the code with clang-tidy, and the share of tests
 # make asan          the C++ tests under the address and undefined-behaviour sanitizers
+# make coverage      the lines and branches that the tests reach: build/coverage/report/
 # make fuzz          random calls of every function, for SECONDS=60
 # make mutants       small faults in the pack, FAULTS=100, and those that no test notices; can be stopped and resumed
 # make windows       the 32-bit Windows libraries, in build/windows/
@@ -21,7 +22,7 @@ SECONDS = 60
 FAULTS = 100
 FUZZ = 1800
 
-.PHONY: help build demo test octave octave-test bench accuracy lint asan fuzz mutants windows windows-test release-check clean
+.PHONY: help build demo test octave octave-test bench accuracy lint asan coverage fuzz mutants windows windows-test release-check clean
 
 help:
 	@sed -n 's/^# make/make/p' Makefile
@@ -75,6 +76,14 @@ asan:
 	cmake --build --preset asan
 	ctest --preset asan
 
+coverage:
+	tools/install build test coverage
+	cmake --preset coverage
+	cmake --build --preset coverage
+	find build/coverage -name '*.gcda' -delete
+	ctest --preset coverage
+	tools/coverage build/coverage
+
 fuzz:
 	tools/install build fuzz
 	cmake --preset fuzz
@@ -82,7 +91,7 @@ fuzz:
 	tools/fuzz build/fuzz $(SECONDS)
 
 mutants:
-	tools/install build
+	tools/install build test
 	tools/mutants $(FAULTS)
 
 windows:
