@@ -45,12 +45,14 @@ std::vector<GoodCall> goodCalls() {
     add("Bspline", {3, 9});
     add("bl", {newDegree});
 
-    // A signal polls once a level. Of an image each column and each row does, but forwards with periodic
-    // ends; and each level of the inverse with symmetric ends.
+    // Up to 128 numbers of scratch need no allocation: some data is longer. A signal polls once a level. Of
+    // an image each column and each row does, but forwards with periodic ends; and each level of the inverse
+    // with symmetric ends.
     for (const char* name : {"dwt", "idwt"}) {
-        addForms(name, {signal(16), 3}, 3);
+        addForms(name, {signal(512), 3}, 3);
         add(name, {signal(16), 2, newPair, row({1, 0})}, 2);
     }
+    add("dwt", {Value::adopt(16, 1, nullptr), 1, haar()}, 1);
     add("dwt", {image(8, 4), 2, newFilter});
     add("idwt", {image(8, 4), 2, newFilter}, 4 + 2 + 8 + 4);
     for (const char* name : {"dwts", "idwts"}) add(name, {signal(37), 5, haar()}, 5);
@@ -67,9 +69,9 @@ std::vector<GoodCall> goodCalls() {
     const Value tree = basisRows({{1, 0}, {2, 3}, {3, 4}, {3, 5}});
     const Value blocks =
         basisOf(2, {{1, 1, 1}, {1, 0, 1}, {1, 1, 0}, {2, 0, 0}, {2, 0, 1}, {2, 1, 0}, {2, 1, 1}});
-    addForms("wpt", {signal(16), 3}, 1 + 3);
+    addForms("wpt", {signal(512), 3}, 1 + 3);
     addForms("wpt", {signal(16), tree}, 1 + 3);
-    addForms("iwpt", {signal(16), tree}, 3);
+    addForms("iwpt", {signal(512), tree}, 3);
     for (const auto& [name, rows, cols, filter] :
          {std::tuple("wpt", 8, 4, newFilter), {"wpts", 5, 7, haar()}, {"wpti", 16, 16, daublet4}}) {
         add(name, {image(rows, cols), 2, filter}, 1);
@@ -118,7 +120,7 @@ std::vector<GoodCall> goodCalls() {
     const Value bell = Value::function([](double x) { return std::sqrt(x); });
     const Value repeated = basisRows({{2, 0}, {1, 1}, {2, 1}, {1, 1}, {2, 0}});
     add("cpt", {signal(8), 2}, 1);
-    add("lct", {image(8, 4), 1, bell}, 2);
+    add("lct", {image(8, 64), 1, bell}, 2);
     add("icpt", {signal(8), 2, repeated}, 3);
     add("icpt", {signal(6), 1, basisOfLevel(1, 1)}, 2);
     add("ilct", {image(8, 4), 1, quarter, bell});
@@ -133,7 +135,7 @@ std::vector<GoodCall> goodCalls() {
             add(dl + "father2d", joined(joined({0.5, 0.5}, more), {"symm8"}));
             add(dl + "mother2d", joined(joined({0.5, 0.5}, more), {"coif6", "D"}), 1 + 1);
         }
-        addForms(dl + "wavelet", {0.5, 0, 0, 9}, 4);
+        addForms(dl + "wavelet", {0.5, 0, 0, 99}, 7);
         addForms(dl + "wavelet2d", {0.5, 0.2, 0, 0, 0, 5, 2}, 3 + 2);
     }
     // One poll for each shift that reaches the point, and those of its packet functions: shifts 4 and 5
