@@ -70,7 +70,7 @@ std::vector<GoodCall> goodCalls() {
     const Value blocks =
         basisOf(2, {{1, 1, 1}, {1, 0, 1}, {1, 1, 0}, {2, 0, 0}, {2, 0, 1}, {2, 1, 0}, {2, 1, 1}});
     addForms("wpt", {signal(512), 3}, 1 + 3);
-    addForms("wpt", {signal(16), tree}, 1 + 3);
+    addForms("wpt", {signal(512), tree}, 1 + 3);
     addForms("iwpt", {signal(512), tree}, 3);
     for (const auto& [name, rows, cols, filter] :
          {std::tuple("wpt", 8, 4, newFilter), {"wpts", 5, 7, haar()}, {"wpti", 16, 16, daublet4}}) {
