@@ -11,6 +11,7 @@
 # make reliability   what the tests make to fail, and how long a call goes on: the tables of docs/reliability.md
 # make lint          check the formatting, the code with clang-tidy, and the share of tests
 # make asan          the C++ tests under the address and undefined-behaviour sanitizers
+# make coverage      the lines and branches that the tests reach: build/coverage/report/
 # make fuzz          random calls of every function under the sanitizers, for SECONDS=60, from sequence FIRST=1 on
 # make mutants       small faults in the pack, FAULTS=100, and those that no test notices; can be stopped and resumed
 # make windows       the 32-bit Windows libraries, in build/windows/
@@ -29,7 +30,7 @@ FAULTS = 100
 FUZZ = 1800
 PREFIX = /usr/local
 
-.PHONY: help build demo test install wheel deb octave octave-test bench accuracy reliability lint asan fuzz mutants \
+.PHONY: help build demo test install wheel deb octave octave-test bench accuracy reliability lint asan coverage fuzz mutants \
         windows windows-test site site-check release-check clean
 
 help:
@@ -104,6 +105,14 @@ asan:
 	cmake --build --preset asan
 	ctest --preset asan
 
+coverage:
+	tools/install build test coverage
+	cmake --preset coverage
+	cmake --build --preset coverage
+	find build/coverage -name '*.gcda' -delete
+	ctest --preset coverage
+	tools/coverage build/coverage
+
 fuzz:
 	tools/install build fuzz
 	cmake --preset fuzz
@@ -111,7 +120,7 @@ fuzz:
 	tools/fuzz build/fuzz $(FIRST) $(SECONDS)s
 
 mutants:
-	tools/install build
+	tools/install build test
 	tools/mutants $(FAULTS)
 
 windows:

@@ -38,16 +38,7 @@ void copyPart(const aMatrix* array, const Rectangle& place, const Block& out) {
 }
 
 Failure stepFailure(const Failure& failure, Code tooShort, int position) {
-    switch (failure.code) {
-        case Code::InvalidLevel:
-            return {tooShort, position};
-        case Code::None:
-        case Code::OutOfMemory:
-        case Code::Interrupted:
-            return failure;
-        default:
-            return Code::Unknown;
-    }
+    return failure.code == Code::InvalidLevel ? Failure(tooShort, position) : failure;
 }
 
 }  // namespace undula

@@ -95,7 +95,7 @@ TEST_F(Errors, OfEitherSide) {
         expect(noLevel, 4, {"swaveterp2d"}, {{0, 0, x, 3, 0, 0, haar()}});
     }
     // The interval's second step finds too few samples; a packet is shorter than both halves of the bell.
-    expect(noLevel, 2, {"dwti", "wpti"}, {{image(16, 4), 2, daublet4}, {image(4, 16), 2, daublet4}});
+    expect(noLevel, 2, {"dwti", "idwti", "wpti"}, {{image(16, 8), 2, daublet4}, {image(8, 16), 2, daublet4}});
     expect(tooDeep, 3, {"icpt"},
            {{image(16, 8), 0, basisOfLevel(2, 1)}, {image(8, 16), 0, basisOfLevel(2, 1)}});
     const Value x = image(6, 6);

@@ -172,12 +172,14 @@ class UnreachedWorkers : public Evaluation {
  protected:
     Value worker(const std::string& name, const Arguments& v, const efihost::Pack& of = pack()) {
         using S = aComplex*;
+        using OfLevel = aMatrix*(EfiCallContext*, S);
         using OfPoint = S(EfiCallContext*, S, S, S, S);
         using OfPlane = S(EfiCallContext*, S, S, S, S, S, S, S);
         efihost::Call call(host);
         auto* const c = call.context();
         auto* symbol = of.symbol(exportedName(name, std::string(v.size(), 'S')).c_str());
         const auto s = [&](std::size_t i) { return static_cast<S>(v[i].raw()); };
+        if (v.size() == 1) return call.finish(reinterpret_cast<OfLevel*>(symbol)(c, s(0)));
         if (v.size() == 4) return call.finish(reinterpret_cast<OfPoint*>(symbol)(c, s(0), s(1), s(2), s(3)));
         return call.finish(reinterpret_cast<OfPlane*>(symbol)(c, s(0), s(1), s(2), s(3), s(4), s(5), s(6)));
     }
@@ -203,6 +205,11 @@ TEST_F(UnreachedWorkers, EvaluateTheSelectedWavelet) {
         EXPECT_EQ(complaintOf(worker(name, {0, 0.5, 0.5, -1})), "invalid level (4)");
         EXPECT_EQ(complaintOf(worker(name + "2d", {0, 0, 0, 0, twoTo31, 0, 0})), "invalid level (5)");
     }
+}
+
+TEST_F(UnreachedWorkers, ListTheBlocksOfALevel) {
+    EXPECT_TRUE(same(worker("create_level2d", {2}), call("create_level", 2, 2)));
+    EXPECT_EQ(complaintOf(worker("create_level2d", {std::complex(2.0, 1.0)})), "must be real (1)");
 }
 
 // Scalars that nobody holds serve the next call of a series.

@@ -56,6 +56,7 @@ std::vector<GoodCall> goodCalls() {
         addForms(name, {signal(256), 3}, 3);
         add(name, {signal(256), 2, newPair, row({1, 0})}, 2);
     }
+    add("dwt", {Value::adopt(16, 1, nullptr), 1, haar()}, 1);
     add("dwt", {image(48, 32), 2, newFilter});
     add("idwt", {image(48, 32), 2, newFilter}, 24 + 16 + 48 + 32);
     for (const char* name : {"dwts", "idwts"}) add(name, {signal(301), 5, haar()}, 5);
@@ -72,9 +73,9 @@ std::vector<GoodCall> goodCalls() {
     const Value tree = basisRows({{1, 0}, {2, 3}, {3, 4}, {3, 5}});
     const Value blocks =
         basisOf(2, {{1, 1, 1}, {1, 0, 1}, {1, 1, 0}, {2, 0, 0}, {2, 0, 1}, {2, 1, 0}, {2, 1, 1}});
-    addForms("wpt", {signal(16), 3}, 1 + 3);
-    addForms("wpt", {signal(256), tree}, 1 + 3);
-    addForms("iwpt", {signal(256), tree}, 3);
+    addForms("wpt", {signal(512), 3}, 1 + 3);
+    addForms("wpt", {signal(512), tree}, 1 + 3);
+    addForms("iwpt", {signal(512), tree}, 3);
     for (const auto& [name, rows, cols, filter] :
          {std::tuple("wpt", 48, 32, newFilter), {"wpts", 41, 31, haar()}, {"wpti", 16, 16, daublet4}}) {
         add(name, {image(rows, cols), 2, filter}, 1);

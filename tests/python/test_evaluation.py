@@ -1,6 +1,5 @@
 """Functions at points, one by one and over arrays."""
 
-import doctest
 import functools
 import threading
 import time
@@ -47,11 +46,6 @@ def test_arguments_that_are_arrays_are_passed_whole(rng):
         assert np.array_equal(values.ravel(), [function(t, c, 2, 3, w, *more) for t in x.ravel()])
     image = undula.evaluate(undula.mother2d, *np.mgrid[0:1:0.25, 0:1:0.5], "haar", "D")
     assert np.array_equal(image.round(12), np.outer([1, 1, -1, -1], [1, -1]))
-
-
-def test_its_example_runs():
-    test = doctest.DocTestFinder().find(undula.evaluate, globs={"undula": undula})[0]
-    assert test.examples and doctest.DocTestRunner().run(test).failed == 0
 
 
 def test_nothing_is_called_for_an_empty_array():

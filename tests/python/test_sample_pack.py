@@ -161,6 +161,6 @@ def test_the_handler_of_a_signal_ends_a_call_that_polls(alarm):
 
 def test_polls_are_cheap():
     """Less than a microsecond each: most do not take the interpreter lock."""
-    started = time.perf_counter()
+    started = time.process_time()
     assert ROWS["poll"].call((1e6,), ()) == 1e6
-    assert time.perf_counter() - started < 1
+    assert time.process_time() - started < 1
