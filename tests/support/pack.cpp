@@ -4,7 +4,6 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
-#include <filesystem>
 #include <random>
 
 FreshPack::FreshPack()
@@ -16,7 +15,8 @@ FreshPack::FreshPack()
 
 FreshPack::~FreshPack() {
     pack_.reset();
-    std::filesystem::remove(file_);
+    std::error_code stillLoaded;  // on Windows
+    std::filesystem::remove(file_, stillLoaded);
 }
 
 Value unrealColumn() {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <filesystem>
 
 #include <limits>
 #include <optional>
@@ -41,7 +42,7 @@ class FreshPack {
     operator const efihost::Pack&() const { return *pack_; }
 
  private:
-    std::string file_;
+    std::filesystem::path file_;
     std::optional<efihost::Pack> pack_;
 };
 
