@@ -2,39 +2,51 @@
 
 #include <fstream>
 #include <map>
-#include <regex>
 
 namespace {
 
-using Matches = std::sregex_iterator;
+std::vector<std::string> quoted(std::string_view line) {
+    std::vector<std::string> texts;
+    for (std::size_t from = line.find('"'); from != std::string_view::npos; from = line.find('"')) {
+        const std::size_t length = line.substr(from + 1).find('"');
+        if (length == std::string_view::npos) break;
+        texts.emplace_back(line.substr(from + 1, length));
+        line.remove_prefix(from + length + 2);
+    }
+    return texts;
+}
+
+// The lists of names in a line such as forms = [["x"], ["x", "level"]].
+void addForms(std::string_view line, std::vector<std::vector<std::string>>& forms) {
+    for (std::size_t end = line.find(']'); end != std::string_view::npos; end = line.find(']')) {
+        auto names = quoted(line.substr(0, end));
+        if (!names.empty()) forms.push_back(std::move(names));
+        line.remove_prefix(end + 1);
+    }
+}
+
+// What a line such as ["level", "must be real", "when", "call"] documents; empty for another one.
+std::string errorIn(const std::string& line) {
+    const auto texts = quoted(line);
+    return line.find("[\"") == std::string::npos || texts.size() < 2 ? "" : texts[1] + " (" + texts[0] + ")";
+}
 
 std::map<std::string, Documented, std::less<>> readAll() {
-    static const std::regex list("\\[\"([^\\]]*)\"\\]");
-    static const std::regex item("[^\", ]+");
-    static const std::regex error("\\[\"([^\"]*)\", \"([^\"]*)\"");
-    static const std::regex common("^ +\"(\\w+)\"");
     std::map<std::string, Documented, std::less<>> all;
     std::map<std::string, std::string> named;
     std::ifstream file(UNDULA_DESCRIPTIONS);
     std::string table;
     std::string key;
     for (std::string line; std::getline(file, line);) {
-        std::smatch found;
         if (line.starts_with('[')) table = line.substr(1, line.find(']') - 1);
         if (!line.empty() && std::isalpha(line[0])) key = line.substr(0, line.find(' '));
-        std::string text;
-        if (std::regex_search(line, found, error)) text = found[2].str() + " (" + found[1].str() + ")";
+        std::string text = errorIn(line);
         if (table == "errors") named[key] = text;
         if (!table.starts_with("functions.")) continue;
         Documented& function = all[table.substr(table.find('.') + 1)];
-        for (Matches form(line.begin(), line.end(), list); key == "forms" && form != Matches(); ++form) {
-            auto& names = function.forms.emplace_back();
-            const std::string inside = (*form)[1];
-            for (Matches name(inside.begin(), inside.end(), item); name != Matches(); ++name)
-                names.push_back(name->str());
-        }
+        if (key == "forms") addForms(line, function.forms);
         if (key != "errors") continue;
-        if (std::regex_search(line, found, common)) text = named[found[1]];
+        if (line.starts_with("    \"")) text = named[quoted(line).at(0)];
         if (!text.empty()) function.errors.insert(text);
     }
     return all;
