@@ -12,7 +12,7 @@ ROOT = Path(__file__).resolve().parents[1]
 
 project = "Undula"
 version = release = undula.__version__
-copyright = "the authors of Undula"
+copyright = "The Undula developers"
 extensions = ["sphinx.ext.autodoc", "numpydoc", "myst_parser", "sphinx_gallery.gen_gallery"]
 source_suffix = {".md": "markdown", ".rst": "restructuredtext"}
 myst_heading_anchors = 3
