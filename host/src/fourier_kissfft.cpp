@@ -52,7 +52,7 @@ class DirectPlan : public FourierPlan {
 };
 
 void multiply(FourierNumbers& numbers, const FourierNumbers& factors) {
-    std::ranges::transform(numbers, factors, numbers.begin(), std::multiplies<>());
+    std::transform(numbers.begin(), numbers.end(), factors.begin(), numbers.begin(), std::multiplies<>());
 }
 
 // exp(+-pi i k / n) for k < 2 n. The angle is taken from the nearest of four axes, since the rounding of

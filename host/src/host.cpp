@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <exception>
+#include <functional>
 #include <list>
 #include <new>
 
@@ -322,12 +323,13 @@ Value callIn(Call& calling, const Function& function, std::span<const Value> arg
     const bool fits =
         function.arity ? count == static_cast<std::size_t>(*function.arity) : count <= Host::maxArguments;
     if (!fits) throw errorOf(function, count, "Wrong number of Arguments", 0);
-    const auto empty = std::ranges::find_if_not(arguments, &Value::operator bool);
+    const auto empty =
+        std::find_if_not(arguments.begin(), arguments.end(), std::mem_fn(&Value::operator bool));
     if (empty != arguments.end()) {
         throw errorOf(function, count, "no value", static_cast<int>(empty - arguments.begin()) + 1);
     }
     std::array<Anyval*, Host::maxArguments> raw{};
-    std::ranges::transform(arguments, raw.begin(), &Value::raw);
+    std::transform(arguments.begin(), arguments.end(), raw.begin(), std::mem_fn(&Value::raw));
     return calling.finish(invoke(function, calling.context(), {raw.data(), count}));
 }
 

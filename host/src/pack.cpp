@@ -49,7 +49,8 @@ std::vector<std::string_view> Pack::names() const {
 }
 
 const Function* Pack::find(std::string_view name) const {
-    const auto found = std::ranges::find(functions_, name, &Function::name);
+    const auto isIt = [=](const Function& function) { return function.name == name; };
+    const auto found = std::find_if(functions_.begin(), functions_.end(), isIt);
     return found == functions_.end() ? nullptr : &*found;
 }
 

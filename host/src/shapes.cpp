@@ -24,7 +24,8 @@ sFunctionInfo* Variable_to_Any = &shapes[6];
 namespace efihost {
 
 bool isShape(const sFunctionInfo* signature) {
-    return std::ranges::any_of(shapes, [=](const sFunctionInfo& shape) { return &shape == signature; });
+    const auto isIt = [=](const sFunctionInfo& shape) { return &shape == signature; };
+    return std::any_of(std::begin(shapes), std::end(shapes), isIt);
 }
 
 std::optional<int> arityOf(const sFunctionInfo& signature) {

@@ -143,8 +143,8 @@ Value Value::matrix(int rows, int cols, std::span<const double> re, std::span<co
     if (!fits(re, matrix) || !(im.empty() || fits(im, matrix))) {
         throw std::invalid_argument("as many numbers as the matrix has cells are needed");
     }
-    std::ranges::copy(re, matrix.re);
-    std::ranges::copy(im, matrix.im);
+    std::copy(re.begin(), re.end(), matrix.re);
+    std::copy(im.begin(), im.end(), matrix.im);
     return value;
 }
 
@@ -216,7 +216,8 @@ std::vector<double> blockOf(const aMatrix& matrix, const double* array) {
     const auto rows = static_cast<std::size_t>(matrix.rows);
     std::vector<double> block(rows * static_cast<std::size_t>(matrix.cols));
     for (int col = 0; col < matrix.cols; ++col) {
-        std::ranges::copy(columnOf(matrix, array, col), block.data() + rows * static_cast<std::size_t>(col));
+        const std::span<const double> column = columnOf(matrix, array, col);
+        std::copy(column.begin(), column.end(), block.data() + rows * static_cast<std::size_t>(col));
     }
     return block;
 }

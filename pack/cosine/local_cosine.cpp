@@ -94,7 +94,7 @@ std::span<double> numbersOf(const Block& data) {
 }
 
 void clear(const Block& data) {
-    std::ranges::fill(numbersOf(data), 0.0);
+    std::fill_n(data.origin, data.size(), 0.0);
 }
 
 Failure mergeSignal(const PacketList& basis, const Bells& bells, const Block& work, const Block& result,
@@ -136,7 +136,7 @@ Failure mergeImage(const PacketList& basis, const Bells& bells, const Block& wor
 double makeRoom(const Block& data) {
     // Fewer than 2^29 numbers: no sum of them, folded and transformed, is 2^40 times the largest.
     const auto isLarge = [](double x) { return std::isgreaterequal(std::fabs(x), 0x1p984); };
-    if (std::ranges::none_of(numbersOf(data), isLarge)) return 1.0;
+    if (std::none_of(data.origin, data.origin + data.size(), isLarge)) return 1.0;
     multiply(data, 0x1p-40);
     return 0x1p40;
 }
