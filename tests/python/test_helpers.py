@@ -159,7 +159,7 @@ def test_views_along_an_axis_and_of_many_images(rng):
 def test_padding_divides_and_is_trimmed(shape, level, margin, rng):
     data = rng.normal(size=shape)
     for mode in ("symmetric", "periodic", "edge", "constant"):
-        padded = undula.pad(data, level, mode, margin)
+        padded = undula.pad(data, np.array(level, complex), mode, margin)
         margins = np.broadcast_to(margin, len(shape))
         assert all(
             side % 2**level == 0 and side - old - 2 * m < 2**level
@@ -195,6 +195,8 @@ def test_padding_divides_and_is_trimmed(shape, level, margin, rng):
         (TypeError, "must be real numbers, not complex128", lambda: thresholding.noise([1, 2j])),
         (ValueError, "threshold must be 0 or more", lambda: undula.costs.count_above(np.nan)),
         (TypeError, "level must be a whole number, not 1.5", lambda: undula.pad([1, 2, 3], 1.5)),
+        (TypeError, "level must be a whole number, not nan", lambda: undula.pad([1, 2, 3], np.nan)),
+        (TypeError, "level must be a whole number, not array", lambda: undula.pad([1], np.array(-np.inf))),
         (TypeError, "margin must be a whole number, not 1.9", lambda: undula.pad([1, 2, 3], 1, margin=1.9)),
         (ValueError, 'mode "zero" is none of symmetric', lambda: undula.pad([1, 2, 3], 1, "zero")),
         (np.AxisError, "axis 2 of data with 1 dimensions", lambda: undula.levels(np.ones(4), 1, axis=2)),
