@@ -57,10 +57,16 @@ def whole(function, name, value):
     raise TypeError(f"{function}: {name} must be a whole number, not {value!r}")
 
 
+def _index(axis):
+    if isinstance(axis, (bool, np.bool_)):  # meant as a switch, not as 1
+        raise TypeError
+    return operator.index(axis)
+
+
 def axes_of(function, axes, dimensions):
     """One axis or several as a tuple of different numbers from 0 on."""
     try:
-        given = [operator.index(axis) for axis in (axes if np.iterable(axes) else [axes])]
+        given = [_index(axis) for axis in (axes if np.iterable(axes) else [axes])]
     except TypeError:
         raise TypeError(f"{function}: an axis is a whole number, not {axes!r}") from None
     for axis in given:
