@@ -48,7 +48,7 @@ def not_negative(function, name, value):
 
 
 def whole(function, name, value):
-    """The value as an int, also where it is 3.0, 3 + 0j or np.array(3), which the functions of the pack take."""
+    """The value as an int, also where it is 3.0, 3 + 0j or np.array(3), which the pack's functions take."""
     number = _scalar(value)
     if isinstance(number, (numbers.Complex, np.bool_)) and number.imag == 0:
         number = number.real
