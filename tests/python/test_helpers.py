@@ -108,6 +108,8 @@ def test_denoise_goes_by_the_offsets_and_the_scale_of_the_data(rng):
     for exponent in (-900, 900):
         scaled = undula.denoise(np.ldexp(data, exponent), W)
         np.testing.assert_array_equal(np.ldexp(scaled, -exponent), undula.denoise(data, W))
+    smooth = undula.denoise(np.ldexp(data, -900), W, threshold=1e300, sigma=1e300)
+    np.testing.assert_array_equal(np.ldexp(smooth, 900), undula.denoise(data, W, threshold=1e9))
 
 
 def test_denoise_and_thresholds_go_along_axes_and_take_whole_numbers(rng):
@@ -186,8 +188,8 @@ def test_padding_divides_and_is_trimmed(shape, level, margin, rng):
         (TypeError, "must be an array", lambda: undula.levels([1, 2], 1)),
         (ValueError, "pad: 3 samples allow levels 0 to 1", lambda: undula.pad([1, 2, 3], 2)),
         (ValueError, "data.ravel\\(\\) is a signal", lambda: undula.denoise(np.ones((1, 9)), W)),
-        (ValueError, "sigma must be 0 or more and finite", lambda: undula.denoise([1, 2], W, sigma=np.nan)),
-        (ValueError, "threshold must be 0 or more", lambda: undula.denoise([1, 2], W, threshold=np.nan)),
+        (ValueError, "sigma must be 0 or more and finite", lambda: undula.denoise([0, 0], W, sigma=np.nan)),
+        (ValueError, "threshold must be 0 or more", lambda: undula.denoise([1, 2], W, 0, threshold=np.nan)),
         (TypeError, "threshold must be a number, not None", lambda: undula.denoise([1, 2], W, threshold=None)),
         (undula.Error, "filter unimplemented", lambda: undula.denoise([1, 2], [])),
         (ValueError, "does not reconstruct; has it offsets", lambda: undula.denoise(np.ones(9), NINE_SEVEN)),
