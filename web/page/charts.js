@@ -26,7 +26,7 @@
 import uPlot from './uPlot.esm.js';
 import { button, download, make } from './controls.js';
 import { onThemeChange, theme } from './theme.js';
-import { lineSvg, pictureSvg, pngOfSvg } from './export.js';
+import { lineSvg, pictureSvg, pngOfSvg, swatchSvg } from './export.js';
 
 const HEIGHT = 260;
 const FONT = '12px system-ui, sans-serif';
@@ -94,24 +94,32 @@ function padded(min, max) {
   return [min - room, max + room];
 }
 
+// Where values lie on the canvas: uPlot's own function, once for the ends of the scale and not for each sample.
+function placeOn(u, key) {
+  const { min, max } = u.scales[key];
+  const [first, last] = [u.valToPos(min, key, true), u.valToPos(max, key, true)];
+  return (value) => first + ((last - first) * (value - min)) / (max - min);
+}
+
 // One stroke for each column of pixels, however many stems stand in it.
 function stemPaths(u, index, from, to) {
   const path = new Path2D();
-  const [x, y] = [u.data[0], u.data[index]];
-  const zero = u.valToPos(0, 'y', true);
+  const [xs, ys] = [u.data[0], u.data[index]];
+  const [xPlace, yPlace] = [placeOn(u, 'x'), placeOn(u, 'y')];
+  const zero = yPlace(0);
   let column = -1, top = zero, bottom = zero;
   const draw = () => {
     path.moveTo(column, top);
     path.lineTo(column, bottom);
   };
   for (let i = from; i <= to; i += 1) {
-    if (y[i] === null || y[i] === undefined) continue;
-    const place = Math.round(u.valToPos(x[i], 'x', true));
+    if (ys[i] === null || ys[i] === undefined) continue;
+    const place = Math.round(xPlace(xs[i]));
     if (place !== column) {
       if (column >= 0) draw();
       [column, top, bottom] = [place, zero, zero];
     }
-    const end = u.valToPos(y[i], 'y', true);
+    const end = yPlace(ys[i]);
     top = Math.min(top, end);
     bottom = Math.max(bottom, end);
   }
@@ -172,12 +180,9 @@ function plotOptions(record, width, colours, hooks) {
   };
 }
 
-function swatch(index, colours) {
-  const dash = colours.dashes[index % colours.dashes.length].join(' ');
-  const stroke = colours.series[index % colours.series.length];
-  const line = `<line x1="0" y1="5" x2="26" y2="5" stroke="${stroke}" stroke-width="2.5" stroke-dasharray="${dash}"/>`;
+function swatch({ kind }, index, colours) {
   const element = make('span', { class: 'swatch', 'aria-hidden': 'true' });
-  element.innerHTML = `<svg width="26" height="10">${line}</svg>`;
+  element.innerHTML = `<svg width="26" height="10">${swatchSvg(kind, index, colours, 0, 5)}</svg>`;
   return element;
 }
 
@@ -185,8 +190,8 @@ function swatch(index, colours) {
 function fillLegend(legend, record, colours) {
   const place = make('span', { class: 'place' });
   const values = record.series.map(() => make('span', { class: 'number' }));
-  const entries = record.series.map(({ label }, i) =>
-    make('span', { class: 'entry' }, swatch(i, colours), ` ${label} `, values[i]));
+  const entries = record.series.map((each, i) =>
+    make('span', { class: 'entry' }, swatch(each, i, colours), ` ${each.label} `, values[i]));
   legend.replaceChildren(...entries, place);
   return (plot) => {
     const { idx } = plot.cursor;

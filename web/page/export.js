@@ -9,6 +9,11 @@ export const escaped = (text) =>
 
 const short = (value) => String(Number(value.toFixed(2)));
 
+const lookOf = (index, theme) => ({
+  stroke: theme.series[index % theme.series.length],
+  dash: theme.dashes[index % theme.dashes.length].join(' ') || 'none',
+});
+
 // Round numbers from `from` to `to`, about as many as wanted.
 export function ticks(from, to, wanted) {
   const rough = (to - from) / wanted;
@@ -56,23 +61,31 @@ function runsOf({ x, y }, place, [from, to]) {
   return runs.filter((run) => run.length);
 }
 
+// As many stems as there are pixels at most; points only where they stay apart.
+function drawnStems(points, zero, stroke, fill) {
+  const columns = new Map();
+  for (const [x, y] of points) {
+    const column = Math.round(2 * x);
+    const [, least, greatest] = columns.get(column) ?? [x, zero, zero];
+    columns.set(column, [x, Math.min(least, y), Math.max(greatest, y)]);
+  }
+  const stems = [...columns.values()].map(([x, least, greatest]) => `M${short(x)} ${short(least)}V${short(greatest)}`);
+  const marks = points.length > WIDTH / 8 ? [] : points.map(([x, y]) => `<circle cx="${short(x)}" cy="${short(y)}" r="3.5"/>`);
+  return `<g stroke="${stroke}" stroke-width="1.5" fill="${fill}"><path d="${stems.join('')}"/>${marks.join('')}</g>`;
+}
+
 function drawnSeries(series, index, place, view, theme) {
-  const stroke = theme.series[index % theme.series.length];
+  const { stroke, dash } = lookOf(index, theme);
   const runs = runsOf(series, place, view.x);
   if (series.kind === 'stems') {
-    const zero = short(place.y(0));
-    const stems = runs.flat().map(([x, y]) =>
-      `<path d="M${short(x)} ${zero}V${short(y)}"/><circle cx="${short(x)}" cy="${short(y)}" r="3.5"/>`);
-    const fill = index % 2 ? theme.background : stroke;
-    return `<g stroke="${stroke}" stroke-width="1.5" fill="${fill}">${stems.join('')}</g>`;
+    return drawnStems(runs.flat(), place.y(0), stroke, index % 2 ? theme.background : stroke);
   }
-  const dash = theme.dashes[index % theme.dashes.length].join(' ');
   const lines = runs.map((run) => {
     const points = thinned(series.kind === 'steps' ? stepped(run) : run);
     return `<polyline points="${points.map((point) => point.map(short).join(',')).join(' ')}"/>`;
   });
-  const pattern = dash ? ` stroke-dasharray="${dash}"` : '';
-  return `<g stroke="${stroke}" stroke-width="1.75" stroke-linejoin="round" fill="none"${pattern}>${lines.join('')}</g>`;
+  return `<g stroke="${stroke}" stroke-width="1.75" stroke-linejoin="round" fill="none" stroke-dasharray="${dash}">` +
+    `${lines.join('')}</g>`;
 }
 
 function axes(record, place, view, theme) {
@@ -93,14 +106,22 @@ function axes(record, place, view, theme) {
   return `<g stroke="${theme.grid}">${grid.join('')}</g><g fill="${theme.muted}" ${FONT} font-size="12">${names.join('')}</g>`;
 }
 
+// The mark of a series in a legend, from x on, with its middle at y.
+export function swatchSvg(kind, index, theme, x, y) {
+  const { stroke, dash } = lookOf(index, theme);
+  if (kind !== 'stems') {
+    return `<path d="M${x} ${y}h26" stroke="${stroke}" stroke-width="2" stroke-dasharray="${dash}"/>`;
+  }
+  const fill = index % 2 ? theme.background : stroke;
+  return `<circle cx="${x + 13}" cy="${y}" r="3.5" stroke="${stroke}" stroke-width="1.5" fill="${fill}"/>`;
+}
+
 function legend(series, theme) {
   let x = MARGIN.left;
-  const entries = series.map(({ label }, i) => {
-    const dash = theme.dashes[i % theme.dashes.length].join(' ');
-    const line = `<path d="M${x} 36h22" stroke="${theme.series[i % theme.series.length]}" stroke-width="2" ` +
-      `stroke-dasharray="${dash}"/><text x="${x + 28}" y="40">${escaped(label)}</text>`;
-    x += 44 + 7 * String(label).length;
-    return line;
+  const entries = series.map(({ label, kind }, i) => {
+    const entry = `${swatchSvg(kind, i, theme, x, 36)}<text x="${x + 32}" y="40">${escaped(label)}</text>`;
+    x += 48 + 7 * String(label).length;
+    return entry;
   });
   return `<g fill="${theme.foreground}" ${FONT} font-size="12">${entries.join('')}</g>`;
 }
