@@ -5,6 +5,7 @@
 //     series: [{ label, x: Float64Array (ascending), y: Float64Array, kind: 'line' | 'stems' | 'steps' }],
 //     description,                 what is to be seen, in numbers, for those who do not see it
 //     height, xRange, yRange,      optional: pixels of the page, [from, to], [from, to]
+//     whole: true,                 optional: x counts something, so that only whole numbers stand at its axis
 //     file,                        optional: the name of exported files
 //   });
 //   chart.update(record);          fast: keeps the zoom if x goes as far as before
@@ -147,6 +148,9 @@ function seriesOptions({ label, kind }, index, colours) {
 
 const tickText = (value) => String(Number(value.toPrecision(8))).replace('-', '−');
 
+const WHOLE_STEPS = [1, 2, 5].flatMap((digit) => Array.from({ length: 9 }, (_, i) => digit * 10 ** i))
+  .sort((a, b) => a - b);
+
 function axisOptions(label, side, colours) {
   const line = { stroke: colours.grid, width: 1 };
   return {
@@ -173,7 +177,10 @@ function plotOptions(record, width, colours, hooks) {
       x: { time: false, auto: false, range: (_, min, max) => [min, max] },
       y: { range: (_, min, max) => hooks.range() ?? padded(min, max) },
     },
-    axes: [axisOptions(record.xLabel, 2, colours), axisOptions(record.yLabel, 3, colours)],
+    axes: [
+      { ...axisOptions(record.xLabel, 2, colours), ...(record.whole ? { incrs: WHOLE_STEPS } : {}) },
+      axisOptions(record.yLabel, 3, colours),
+    ],
     series: [{}, ...record.series.map((each, i) => seriesOptions(each, i, colours))],
     hooks: { setCursor: [hooks.point] },
     padding: [10, 12, 0, 0],
