@@ -136,7 +136,10 @@ function stemPaths(u, index, from, to) {
 
 const sparse = (u, _, from, to) => (to - from) * 7 < u.width;
 
-function seriesOptions({ label, kind }, index, colours) {
+// Points on whole pixels can be thinned, which makes long lines fast; short ones are smoother without.
+const isDense = (x) => x.length > 16384;
+
+function seriesOptions({ label, kind, x }, index, colours) {
   const stroke = colours.series[index % colours.series.length];
   const stems = kind === 'stems';
   const paths = { stems: stemPaths, steps: uPlot.paths.stepped({ align: 1 }) }[kind];
@@ -146,6 +149,7 @@ function seriesOptions({ label, kind }, index, colours) {
     stroke,
     width: stems ? 1.5 : 1.75,
     dash: stems ? [] : colours.dashes[index % colours.dashes.length],
+    pxAlign: isDense(x) ? 1 : 0,
     spanGaps: true,
     points: stems ? { show: sparse, size: 7, fill, stroke } : { show: false },
     ...(paths ? { paths } : {}),
@@ -225,7 +229,7 @@ function fillLegend(legend, record, colours) {
 
 // What makes another chart necessary, and not only other data.
 const shapeOf = ({ xLabel, yLabel, height, series }) =>
-  JSON.stringify([xLabel, yLabel, height, series.map(({ label, kind }) => [label, kind])]);
+  JSON.stringify([xLabel, yLabel, height, series.map(({ label, kind, x }) => [label, kind, isDense(x)])]);
 
 export function line(parent, record) {
   const frame = frameOf(parent, record);

@@ -6,7 +6,7 @@
 //                                                              -> value (get, set), setOptions(options, value)
 //   slider({ label, min, max, step, value, format(number), onInput(number), onChange(number) })
 //       onInput at each step of the hand, onChange when it rests
-//                                                              -> value (get, set), setRange({ min, max, step })
+//                                                            -> value (get, set), setRange({ min, max, step })
 //   number({ label, min, max, step, value, onChange(number) }) -> value (get, set), setRange({ min, max })
 //   checkbox({ label, value, onChange(boolean) })              -> value (get, set)
 //   button({ text, label, onClick })

@@ -98,7 +98,7 @@ function drawnSeries(series, index, place, view, theme) {
     return `<polyline points="${points.map((point) => point.map(short).join(',')).join(' ')}"/>`;
   });
   return (
-    `<g stroke="${stroke}" stroke-width="1.75" stroke-dasharray="${dash}" stroke-linejoin="round" fill="none">` +
+    `<g stroke-linejoin="round" stroke="${stroke}" stroke-width="1.75" stroke-dasharray="${dash}" fill="none">` +
     `${lines.join('')}</g>`
   );
 }

@@ -22,8 +22,8 @@ import {
 const LARGEST_PACKET = 63;
 
 const DRAWN = [
-  { value: 'inverse', text: `the inverse transform, ${2 ** LEVELS} points to a unit` },
-  { value: 'points', text: 'their values at points, 32 to a unit' },
+  { value: 'inverse', text: `the inverse transform, ${2 ** LEVELS} a unit` },
+  { value: 'points', text: 'values at points, 32 a unit' },
 ];
 
 const SIDES = [
