@@ -144,7 +144,8 @@ void SignalSynthesis::runEnds(const double* low, const double* high, double* x) 
 void SignalSynthesis::runBack(const double* low, const double* high, double* values, double* x) {
     runExtended(low, high, backPair(), backEnd(), values);
     const Index inside = rows.position(backPair());
-    std::copy_n(values, rows.samples() - inside, x + inside);
+    // The last pair may begin behind the data.
+    std::copy_n(values, std::max(rows.samples() - inside, Index{0}), x + inside);
 }
 
 void SignalSynthesis::runExtended(const double* low, const double* high, Index from, Index to, double* out) {
