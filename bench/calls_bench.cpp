@@ -1,11 +1,11 @@
 // Whole calls, as a host makes them: through the table, from values to values.
 #include <benchmark/benchmark.h>
 
-#include <random>
 #include <string>
 #include <vector>
 
 #include "efihost/host.h"
+#include "noise.h"
 
 using efihost::Value;
 
@@ -14,14 +14,6 @@ namespace {
 const efihost::Pack& pack() {
     static const efihost::Pack loaded(UNDULA_PACK_PATH);
     return loaded;
-}
-
-Value noise(int rows, int cols) {
-    std::mt19937 random(1);
-    std::normal_distribution<double> value;
-    std::vector<double> numbers(static_cast<std::size_t>(rows) * static_cast<std::size_t>(cols));
-    for (double& number : numbers) number = value(random);
-    return Value::matrix(rows, cols, numbers);
 }
 
 void transform(benchmark::State& state, const std::string& function, int rows, int cols, int levels) {

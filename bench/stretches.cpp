@@ -6,11 +6,11 @@
 #include <cmath>
 #include <cstdio>
 #include <map>
-#include <random>
 #include <string>
 #include <vector>
 
 #include "efihost/host.h"
+#include "noise.h"
 
 using efihost::Value;
 
@@ -19,14 +19,6 @@ namespace {
 using Arguments = std::vector<Value>;
 using Clock = std::chrono::steady_clock;
 using Milliseconds = std::chrono::duration<double, std::milli>;
-
-Value noise(int rows, int cols) {
-    std::mt19937 random(1);
-    std::normal_distribution<double> value;
-    std::vector<double> numbers(static_cast<std::size_t>(rows) * static_cast<std::size_t>(cols));
-    for (double& number : numbers) number = value(random);
-    return Value::matrix(rows, cols, numbers);
-}
 
 struct Stretches {
     long questions = 0;

@@ -5,6 +5,12 @@ target_compile_options(undula_options INTERFACE
   -Wall -Wextra -Wconversion -Wshadow
   # Results must not depend on whether the machine can fuse a product with a sum.
   -ffp-contract=off)
+if(EMSCRIPTEN)
+  # Thrown by WebAssembly itself, which costs nothing as long as nothing is thrown. Clang counts among
+  # conversions those of a sign, of which there are more with addresses of 32 bits; g++ does not.
+  target_compile_options(undula_options INTERFACE -fwasm-exceptions -Wno-sign-conversion)
+  target_link_options(undula_options INTERFACE -fwasm-exceptions)
+endif()
 if(UNDULA_SANITIZE)
   target_compile_options(undula_options INTERFACE
     -fsanitize=${UNDULA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)

@@ -44,11 +44,11 @@ SampleRange samplesOf(const FilterSet& set, std::uint32_t packet) {
 }
 
 // 2^exponent x. As std::ldexp, which is slow for what is done at every point; out of line like that, so that
-// x is rounded to a double also where registers have room for more digits.
+// x is rounded to a double also where registers have room for more digits. Not every library has std::bit_cast.
 [[gnu::noinline]] double timesPowerOfTwo(double x, Index exponent) {
     constexpr Index bias = 1023;
     if (exponent <= -bias || exponent > bias) return std::ldexp(x, static_cast<int>(exponent));
-    return x * std::bit_cast<double>(static_cast<std::uint64_t>(exponent + bias) << 52);
+    return x * __builtin_bit_cast(double, static_cast<std::uint64_t>(exponent + bias) << 52);
 }
 
 // 2^exponent x, or a number beyond all that is small enough to be multiplied further without a fault.

@@ -3,7 +3,8 @@
 // A fault of the pack's own arithmetic (division by zero, invalid operation, overflow) becomes
 // the call's result. Where the x87 unit does the arithmetic, the unit traps the fault and the host
 // throws, if it can; the same holds for faults of the host and of user functions. Elsewhere the pack
-// ignores those, and reads its own from the status flags at the end.
+// ignores those, and reads its own from the status flags at the end. WebAssembly has neither traps nor
+// flags: there the pack reports no faults, and the host sees by a result that one has happened.
 //
 // All of this stands in translation units of its own and is called out of line: a compiler may
 // move arithmetic across flag accesses that it can see.
@@ -42,7 +43,7 @@ class FloatingPointFrame {
 #elif defined(__SSE2_MATH__)
     unsigned vectorState;
     X87State x87;
-#else
+#elif !defined(__wasm__)
     std::fenv_t environment;
 #endif
 };
@@ -67,7 +68,7 @@ class HostServiceScope {
 #if defined(__SSE2_MATH__)
  private:
     unsigned state;
-#elif !defined(_WIN32)
+#elif !defined(_WIN32) && !defined(__wasm__)
  private:
     std::fenv_t state;
 #endif

@@ -3,7 +3,8 @@
 from __future__ import annotations
 
 import math
-from collections.abc import Sequence
+from collections.abc import Callable, Sequence
+from typing import NamedTuple
 
 import numpy as np
 from numpy.typing import ArrayLike, NDArray
@@ -95,58 +96,84 @@ def denoise(
     0.197 0.037
     """
     data = doubles("denoise", data)
-    options = dict(threshold=threshold, shrink=shrink, sigma=sigma, extension=extension)
-    options |= dict(offsets=offsets, flips=flips)
-    if axis is not None:
-        return _along(axes_of("denoise", axis, data.ndim), data, wavelet, level, options)
-    if data.shape[1:] == (1,):
-        return denoise(data[:, 0], wavelet, level, **options)[:, None]
-    _check(data, threshold, shrink, extension)
-    level = check_level("denoise", data.shape, _default_level(data.shape) if level is None else level)
+    if not np.all(np.isfinite(data)):
+        raise ValueError("denoise: data must be finite")
     filters = (wavelet,) if offsets is None and flips is None else (wavelet, offsets, flips)
     _check_filters(filters)
-    if level == 0 or not data.any():
-        return data
-    # By a power of two, so that squares neither overflow nor vanish and no digit changes.
-    exponent = int(np.frexp(np.max(np.abs(data)))[1])
-    threshold = threshold if isinstance(threshold, str) else _scaled("threshold", threshold, -exponent)
-    sigma = None if sigma is None else _scaled("sigma", sigma, -exponent)
-    shrinking = (threshold, _SHRINKS[shrink], sigma, data.size)
-    data = np.ldexp(data, -exponent)
-    if extension == "symmetric" and len(filters) == 1 and _takes_mirrored_ends(wavelet):
-        coefficients = undula.dwts(data, level, wavelet)
-        _shrink_details(coefficients, level, wavelet, *shrinking)
-        denoised = undula.idwts(coefficients, level, wavelet)
-    else:
-        padded = undula.pad(data, level, extension, _margins(data.shape, level, filters))
-        coefficients = undula.dwt(padded.data, level, *filters)
-        _shrink_details(coefficients, level, wavelet, *shrinking)
-        denoised = padded.trim(undula.idwt(coefficients, level, *filters))
-    return np.ldexp(denoised, exponent)
-
-
-def _along(axes, data, wavelet, level, options):
-    """Each signal or image by itself."""
+    is_mirrored = extension == "symmetric" and len(filters) == 1 and _takes_mirrored_ends(wavelet)
+    transform = _Transform(level, filters, is_mirrored, extension)
+    shrinking = _checked_shrinking(threshold, shrink, sigma)
+    if axis is None:
+        return _denoised(data, transform, shrinking)
+    axes = axes_of("denoise", axis, data.ndim)
     if len(axes) not in (1, 2):
         raise ValueError(f"denoise: axis is that of the signals, or the two of the images, not {axes}")
-    last = tuple(range(-len(axes), 0))
-    cores = np.moveaxis(data, axes, last)
+    cores = np.moveaxis(data, axes, tuple(range(-len(axes), 0)))
     for index in np.ndindex(cores.shape[: -len(axes)]):
-        cores[index] = denoise(cores[index], wavelet, level, **options)
+        cores[index] = _denoised(cores[index], transform, shrinking)
     return data
 
 
-def _check(data, threshold, shrink, extension):
+class _Transform(NamedTuple):
+    """How each signal or image is transformed."""
+
+    level: int | None
+    filters: tuple
+    is_mirrored: bool  # by `dwts`
+    extension: str
+
+
+class _Shrinking(NamedTuple):
+    """How details are shrunk."""
+
+    threshold: str | float
+    shrink: Callable
+    sigma: float | None
+
+    def scaled(self, exponent):
+        """The same for data that is multiplied by a power of two."""
+        threshold = self.threshold if isinstance(self.threshold, str) else _scaled(self.threshold, exponent)
+        return self._replace(
+            threshold=threshold, sigma=None if self.sigma is None else _scaled(self.sigma, exponent)
+        )
+
+
+def _checked_shrinking(threshold, shrink, sigma):
+    if not isinstance(threshold, str):
+        threshold = not_negative("denoise", "threshold", threshold)
+    elif threshold not in _THRESHOLDS:
+        raise ValueError(f'denoise: threshold "{threshold}" is not one of {", ".join(_THRESHOLDS)}')
+    if shrink not in _SHRINKS:
+        raise ValueError(f'denoise: shrink "{shrink}" is not one of {", ".join(_SHRINKS)}')
+    sigma = None if sigma is None else not_negative("denoise", "sigma", sigma)
+    return _Shrinking(threshold, _SHRINKS[shrink], sigma)
+
+
+def _denoised(data, transform, shrinking):
+    """One signal or image."""
+    if data.shape[1:] == (1,):
+        return _denoised(data[:, 0], transform, shrinking)[:, None]
     if data.ndim not in (1, 2):
         raise ValueError(f"denoise: data of {data.ndim} dimensions; of several signals or images give the axis")
     if data.ndim == 2 and data.shape[0] == 1:
         raise ValueError("denoise: an image of one row; data.ravel() is a signal, and several have an axis")
-    if not np.all(np.isfinite(data)):
-        raise ValueError("denoise: data must be finite")
-    if isinstance(threshold, str) and threshold not in _THRESHOLDS:
-        raise ValueError(f'denoise: threshold "{threshold}" is not one of {", ".join(_THRESHOLDS)}')
-    if shrink not in _SHRINKS:
-        raise ValueError(f'denoise: shrink "{shrink}" is not one of {", ".join(_SHRINKS)}')
+    level, filters, is_mirrored, extension = transform
+    level = check_level("denoise", data.shape, _default_level(data.shape) if level is None else level)
+    if level == 0 or not data.any():
+        return data
+    # By a power of two, so that squares neither overflow nor vanish and no digit changes.
+    exponent = int(np.frexp(np.max(np.abs(data)))[1])
+    data, shrinking = np.ldexp(data, -exponent), shrinking.scaled(-exponent)
+    if is_mirrored:
+        coefficients = undula.dwts(data, level, *filters)
+        _shrink_details(coefficients, level, filters[0], shrinking, data.size)
+        denoised = undula.idwts(coefficients, level, *filters)
+    else:
+        padded = undula.pad(data, level, extension, _margins(data.shape, level, filters))
+        coefficients = undula.dwt(padded.data, level, *filters)
+        _shrink_details(coefficients, level, filters[0], shrinking, data.size)
+        denoised = padded.trim(undula.idwt(coefficients, level, *filters))
+    return np.ldexp(denoised, exponent)
 
 
 def _check_filters(filters):
@@ -157,8 +184,10 @@ def _check_filters(filters):
         raise ValueError("denoise: the filter pair does not reconstruct; has it offsets and flips, as for dwt?")
 
 
-def _scaled(name, value, exponent):
-    return math.ldexp(not_negative("denoise", name, value), exponent)
+def _scaled(value, exponent):
+    """value 2^exponent, but less than 2^400, from where on nothing is left of the details of data below 1."""
+    mantissa, own = math.frexp(value)
+    return math.ldexp(mantissa, min(own + exponent, 400))
 
 
 def _default_level(sides):
@@ -182,8 +211,9 @@ def _margins(sides, level, filters):
     return [min(reach, (side + 1) // 2) for side in sides]
 
 
-def _shrink_details(coefficients, level, wavelet, threshold, shrink, sigma, count):
+def _shrink_details(coefficients, level, wavelet, shrinking, count):
     """Shrinks the details in place."""
+    threshold, shrink, sigma = shrinking
     details = undula.levels(coefficients, level).details
     gains = _noise_gains(wavelet, level)
     if sigma is None:

@@ -3,6 +3,7 @@
 import math
 import numbers
 import operator
+import sys
 
 import numpy as np
 
@@ -31,26 +32,41 @@ def doubles(function, data):
     return real_numbers(function, data).astype(float)
 
 
+def _scalar(value):
+    """What is in an array of no dimensions; any other value as it is."""
+    return value[()] if isinstance(value, np.ndarray) and value.ndim == 0 else value
+
+
 def not_negative(function, name, value):
     """The value as a float that is not negative, infinite or NaN."""
-    if not isinstance(value, numbers.Real):
+    number = _scalar(value)
+    if not isinstance(number, numbers.Real):
         raise TypeError(f"{function}: {name} must be a number, not {value!r}")
-    if not 0 <= value < math.inf:
-        raise ValueError(f"{function}: {name} must be 0 or more and finite, not {value}")
-    return float(value)
+    if not 0 <= number <= sys.float_info.max:
+        raise ValueError(f"{function}: {name} must be 0 or more and finite, not {number}")
+    return float(number)
 
 
 def whole(function, name, value):
-    """The value as an int, also where it is a float such as 3.0, as the functions of the pack take it."""
-    if isinstance(value, numbers.Real) and value == math.floor(value):
-        return int(value)
+    """The value as an int, also where it is 3.0, 3 + 0j or np.array(3), which the pack's functions take."""
+    number = _scalar(value)
+    if isinstance(number, (numbers.Complex, np.bool_)) and number.imag == 0:
+        number = number.real
+        if -math.inf < number < math.inf and number == math.floor(number):
+            return int(number)
     raise TypeError(f"{function}: {name} must be a whole number, not {value!r}")
+
+
+def _index(axis):
+    if isinstance(axis, (bool, np.bool_)):  # meant as a switch, not as 1
+        raise TypeError
+    return operator.index(axis)
 
 
 def axes_of(function, axes, dimensions):
     """One axis or several as a tuple of different numbers from 0 on."""
     try:
-        given = [operator.index(axis) for axis in (axes if np.iterable(axes) else [axes])]
+        given = [_index(axis) for axis in (axes if np.iterable(axes) else [axes])]
     except TypeError:
         raise TypeError(f"{function}: an axis is a whole number, not {axes!r}") from None
     for axis in given:

@@ -38,6 +38,7 @@ from numpy.typing import ArrayLike
 import undula
 from undula._chunks import filters_of, part, steps, windows
 from undula._levels import Details, levels, parts_of
+from undula._numbers import whole
 from undula._remedies import refusal
 
 __all__ = ["Coefficients", "dwt", "dwti", "dwts", "idwt", "idwti", "idwts"]
@@ -155,19 +156,19 @@ def _checked_level(name, shape, level, wavelet):
     function = getattr(undula, name)
     message = "invalid level"
     try:
-        function(np.zeros((256,) * len(shape)), 0 if _is_count(level) else level, *wavelet)
-        if all(_admits(name, side, int(level), wavelet) for side in shape):
-            return int(level)
+        count = whole(name, "level", level)
+    except TypeError:
+        count = -1  # the function says what is wrong
+    try:
+        function(np.zeros((256,) * len(shape)), level if count < 0 else 0, *wavelet)
+        if all(_admits(name, side, count, wavelet) for side in shape):
+            return count
     except undula.Error as error:
         if error.argument != 2:
             raise
         message = error.message
     arguments = (np.broadcast_to(0.0, shape), level, *wavelet)  # the notes are about their shape
     raise refusal(function._description, message, 2, arguments)
-
-
-def _is_count(level):
-    return isinstance(level, (int, float, np.integer, np.floating)) and level >= 0 and level % 1 == 0
 
 
 def _admits(name, side, level, wavelet):

@@ -11,10 +11,12 @@ array([ 0.  ,  0.  ,  2.55,  0.  ,  0.  ,  0.  , -2.05,  0.  ])
 
 from __future__ import annotations
 
+import math
+
 import numpy as np
 from numpy.typing import ArrayLike, NDArray
 
-from undula._numbers import doubles, not_negative
+from undula._numbers import doubles, not_negative, whole
 
 # Half of all normally distributed numbers are within this many standard deviations.
 _MEDIAN_OF_NORMAL = 0.6744897501960817
@@ -68,7 +70,7 @@ def noise(details: ArrayLike) -> float:
     """The standard deviation of noise, from details in which it prevails, such as the finest.
 
     It is the median of the magnitudes over that of normal noise with the deviation 1. The few large
-    coefficients of the signal hardly change it.
+    coefficients of the signal hardly change it. Details that are none or not finite are a `ValueError`.
 
     Examples
     --------
@@ -81,7 +83,8 @@ def noise(details: ArrayLike) -> float:
 def universal(count: int, sigma: float = 1.0) -> float:
     """sigma sqrt(2 ln count), which noise alone hardly ever exceeds among `count` numbers.
 
-    The results are smooth; their squared error is larger than with `sure`.
+    The results are smooth; their squared error is larger than with `sure`. A count below 1, and a sigma that
+    is negative, infinite or NaN, are a `ValueError`.
 
     References
     ----------
@@ -93,7 +96,10 @@ def universal(count: int, sigma: float = 1.0) -> float:
     >>> round(undula.thresholding.universal(1000, sigma=2), 4)
     7.4338
     """
-    return float(sigma * np.sqrt(2 * np.log(count)))
+    count = whole("universal", "count", count)
+    if count < 1:
+        raise ValueError(f"universal: count must be 1 or more, not {count}")
+    return not_negative("universal", "sigma", sigma) * math.sqrt(2 * math.log(count))
 
 
 def sure(details: ArrayLike, sigma: float = 1.0) -> float:
@@ -101,7 +107,8 @@ def sure(details: ArrayLike, sigma: float = 1.0) -> float:
 
     The estimate is Stein's unbiased one: the error expected of soft thresholding at t is that of
     n sigma^2 - 2 sigma^2 #{abs(x) <= t} + sum min(abs(x), t)^2. It is least at 0 or at one of the magnitudes;
-    among those that do not exceed the universal threshold the best is chosen.
+    among those that do not exceed the universal threshold the best is chosen. Details that are none or not
+    finite, and a sigma that is negative, infinite or NaN, are a `ValueError`.
 
     References
     ----------
@@ -116,7 +123,7 @@ def sure(details: ArrayLike, sigma: float = 1.0) -> float:
     magnitudes = np.sort(_magnitudes("sure", details), axis=None)
     sigma = not_negative("sure", "sigma", sigma)
     count = magnitudes.size
-    candidates = np.concatenate([[0.0], magnitudes[magnitudes <= universal(max(count, 1), sigma)]])
+    candidates = np.concatenate([[0.0], magnitudes[magnitudes <= universal(count, sigma)]])
     below = np.searchsorted(magnitudes, candidates, side="right")
     energies = np.concatenate([[0.0], np.cumsum(magnitudes**2)])
     risks = energies[below] + (count - below) * candidates**2 - 2 * sigma**2 * below
@@ -127,6 +134,7 @@ def bayes(details: ArrayLike, sigma: float = 1.0) -> float:
     """sigma^2 over the deviation of the details without their noise, for soft thresholding of images.
 
     Where the details are no stronger than the noise, it is the largest magnitude, which leaves nothing.
+    Details that are none or not finite, and a sigma that is negative, infinite or NaN, are a `ValueError`.
 
     References
     ----------
@@ -146,6 +154,8 @@ def bayes(details: ArrayLike, sigma: float = 1.0) -> float:
 
 def _magnitudes(function, details):
     magnitudes = np.abs(doubles(function, details))
+    if magnitudes.size == 0:
+        raise ValueError(f"{function}: there are no details")
     if not np.isfinite(magnitudes).all():
         raise ValueError(f"{function}: the details must be finite")
     return magnitudes

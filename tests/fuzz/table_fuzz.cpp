@@ -464,7 +464,11 @@ class Sequence : Draws {
 
 }  // namespace
 
-int main(int /*count*/, char** words) {
+int main(int count, char** words) {
+    if (count != 3) {
+        std::fprintf(stderr, "usage: table_fuzz FIRST LAST\n");
+        return 2;
+    }
     limitAllocations(largestPiece);
     const long first = std::strtol(words[1], nullptr, 10);
     const long last = std::strtol(words[2], nullptr, 10);

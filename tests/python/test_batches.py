@@ -92,6 +92,8 @@ def test_an_error_tells_the_signal(live_values):
         (ValueError, "an axis is given twice", "dwt", np.ones((2, 2)), (1, -1)),
         (ValueError, "that of the signals, or the two", "dwt", np.ones((2, 2, 2)), (0, 1, 2)),
         (TypeError, "an axis is a whole number, not 'x'", "dwt", np.ones((2, 2)), "x"),
+        (TypeError, "an axis is a whole number, not True", "dwt", np.ones((2, 2)), True),
+        (TypeError, "an axis is a whole number, not \\(0, True", "dwt", np.ones((2, 2)), (0, np.True_)),
     ],
 )
 def test_what_has_no_signals_along_the_axis(kind, message, name, data, axis):

@@ -108,6 +108,8 @@ def test_denoise_goes_by_the_offsets_and_the_scale_of_the_data(rng):
     for exponent in (-900, 900):
         scaled = undula.denoise(np.ldexp(data, exponent), W)
         np.testing.assert_array_equal(np.ldexp(scaled, -exponent), undula.denoise(data, W))
+    smooth = undula.denoise(np.ldexp(data, -900), W, threshold=1e300, sigma=1e300)
+    np.testing.assert_array_equal(np.ldexp(smooth, 900), undula.denoise(data, W, threshold=1e9))
 
 
 def test_denoise_and_thresholds_go_along_axes_and_take_whole_numbers(rng):
@@ -159,7 +161,7 @@ def test_views_along_an_axis_and_of_many_images(rng):
 def test_padding_divides_and_is_trimmed(shape, level, margin, rng):
     data = rng.normal(size=shape)
     for mode in ("symmetric", "periodic", "edge", "constant"):
-        padded = undula.pad(data, level, mode, margin)
+        padded = undula.pad(data, np.array(level, complex), mode, margin)
         margins = np.broadcast_to(margin, len(shape))
         assert all(
             side % 2**level == 0 and side - old - 2 * m < 2**level
@@ -186,15 +188,20 @@ def test_padding_divides_and_is_trimmed(shape, level, margin, rng):
         (TypeError, "must be an array", lambda: undula.levels([1, 2], 1)),
         (ValueError, "pad: 3 samples allow levels 0 to 1", lambda: undula.pad([1, 2, 3], 2)),
         (ValueError, "data.ravel\\(\\) is a signal", lambda: undula.denoise(np.ones((1, 9)), W)),
-        (ValueError, "sigma must be 0 or more and finite", lambda: undula.denoise([1, 2], W, sigma=np.nan)),
-        (ValueError, "threshold must be 0 or more", lambda: undula.denoise([1, 2], W, threshold=np.nan)),
+        (ValueError, "sigma must be 0 or more and finite", lambda: undula.denoise([0, 0], W, sigma=np.nan)),
+        (ValueError, "threshold must be 0 or more", lambda: undula.denoise([1, 2], W, 0, threshold=np.nan)),
         (TypeError, "threshold must be a number, not None", lambda: undula.denoise([1, 2], W, threshold=None)),
         (undula.Error, "filter unimplemented", lambda: undula.denoise([1, 2], [])),
         (ValueError, "does not reconstruct; has it offsets", lambda: undula.denoise(np.ones(9), NINE_SEVEN)),
         (ValueError, "details must be finite", lambda: thresholding.sure([1, np.nan])),
+        (ValueError, "bayes: there are no details", lambda: thresholding.bayes([])),
+        (ValueError, "universal: count must be 1 or more, not 0", lambda: thresholding.universal(0)),
+        (ValueError, "universal: sigma must be 0 or more", lambda: thresholding.universal(1, np.nan)),
         (TypeError, "must be real numbers, not complex128", lambda: thresholding.noise([1, 2j])),
         (ValueError, "threshold must be 0 or more", lambda: undula.costs.count_above(np.nan)),
         (TypeError, "level must be a whole number, not 1.5", lambda: undula.pad([1, 2, 3], 1.5)),
+        (TypeError, "level must be a whole number, not nan", lambda: undula.pad([1, 2, 3], np.nan)),
+        (TypeError, "level must be a whole number, not array", lambda: undula.pad([1], np.array(-np.inf))),
         (TypeError, "margin must be a whole number, not 1.9", lambda: undula.pad([1, 2, 3], 1, margin=1.9)),
         (ValueError, 'mode "zero" is none of symmetric', lambda: undula.pad([1, 2, 3], 1, "zero")),
         (np.AxisError, "axis 2 of data with 1 dimensions", lambda: undula.levels(np.ones(4), 1, axis=2)),

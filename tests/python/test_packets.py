@@ -52,7 +52,6 @@ print(peak() - before, sum(level.nbytes for level in table))
 """
 
 
-@pytest.mark.skipif(sys.platform != "linux", reason="ru_maxrss has other units elsewhere")
 @pytest.mark.parametrize(
     "function, shape, levels, spare",
     [("wpt", (2**20,), 8, 0.05), ("wpt", (1024, 1024), 4, 0.05), ("cpt", (2048, 2048), 5, 0.1)],

@@ -1,0 +1,2 @@
+# Building for browsers with Debian's emscripten.
+include(/usr/share/emscripten/cmake/Modules/Platform/Emscripten.cmake)

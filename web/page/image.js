@@ -1,0 +1,10 @@
+// The panel "An image".
+
+export const panel = {
+  id: 'image',
+  title: 'An image',
+  defaults: {},
+  mount() {
+    return { show() {}, hide() {} };
+  },
+};

@@ -1,0 +1,3 @@
+// What the panel "An image" computes in the worker.
+
+export const jobs = {};

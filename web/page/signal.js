@@ -1,0 +1,10 @@
+// The panel "A signal".
+
+export const panel = {
+  id: 'signal',
+  title: 'A signal',
+  defaults: {},
+  mount() {
+    return { show() {}, hide() {} };
+  },
+};

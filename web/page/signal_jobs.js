@@ -1,0 +1,3 @@
+// What the panel "A signal" computes in the worker.
+
+export const jobs = {};
