@@ -58,7 +58,8 @@ int treeOrder(int row, int col) {
 
 Tiling inOrder(Tiling tiling) {
     const auto place = [](const TestPacket& p) { return std::pair(p.level, treeOrder(p.row, p.col)); };
-    std::sort(tiling.begin(), tiling.end(), [=](auto& a, auto& b) { return place(a) < place(b); });
+    std::sort(tiling.begin(), tiling.end(),
+              [=](const auto& a, const auto& b) { return place(a) < place(b); });
     return tiling;
 }
 

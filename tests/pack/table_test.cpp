@@ -5,7 +5,6 @@
 #include <dlfcn.h>
 #endif
 
-#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <map>
