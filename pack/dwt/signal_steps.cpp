@@ -143,9 +143,9 @@ void SignalSynthesis::runEnds(const double* low, const double* high, double* x) 
 
 void SignalSynthesis::runBack(const double* low, const double* high, double* values, double* x) {
     runExtended(low, high, backPair(), backEnd(), values);
-    const Index inside = rows.position(backPair());
-    // The last pair may begin behind the data.
-    std::copy_n(values, std::max(rows.samples() - inside, Index{0}), x + inside);
+    // Of short data even the first of these pairs may lie behind the end.
+    const Index inside = std::min(rows.position(backPair()), rows.samples());
+    std::copy_n(values, rows.samples() - inside, x + inside);
 }
 
 void SignalSynthesis::runExtended(const double* low, const double* high, Index from, Index to, double* out) {
