@@ -13,7 +13,7 @@
 //       the next job starts a new worker, which remembers nothing.
 //
 // An error of the pack arrives as an Error of the name 'UndulaError' with its fields function, argument
-// (position, 0 for the call as a whole), argumentName and text (the pack's words); its message has them all.
+// (position, 0 for the call as a whole), argumentName and reason (the pack's words); its message has them all.
 
 const QUIET = 150; // ms that a job may take before the page says that it is computing
 

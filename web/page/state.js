@@ -58,8 +58,7 @@ export function createState(defaultsOfPanels) {
   // What the address does not tell is at its default.
   function read() {
     const told = parse(location.hash);
-    if (!Object.hasOwn(defaults, told.panel)) return;
-    open = told.panel;
+    open = Object.hasOwn(defaults, told.panel) ? told.panel : Object.keys(defaults)[0];
     values[open] = {};
     shared = texts(SHARED);
     keep(open, told.values);

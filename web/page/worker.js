@@ -19,8 +19,8 @@ ready.catch(() => {}); // each job reports it
 let queue = Promise.resolve();
 
 function fieldsOf(error) {
-  const { name, message, function: ofFunction, argument, argumentName, text } = error;
-  return { name, message: String(message), function: ofFunction, argument, argumentName, text };
+  const { name, message, function: ofFunction, argument, argumentName, reason } = error;
+  return { name, message: String(message), function: ofFunction, argument, argumentName, reason };
 }
 
 async function run({ id, name, parameters }) {
