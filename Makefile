@@ -153,7 +153,7 @@ site-check: site
 	tools/photograph_site build/site/html build/site_pictures
 
 release-check:
-	tools/install build fftw test wheel octave demo lint libcxx fuzz windows wine site chromium deb
+	tools/install build fftw test wheel octave demo lint libcxx fuzz windows wine web site chromium deb
 	tools/release_check $(FUZZ)
 
 clean:

@@ -32,7 +32,7 @@ class RawDrawing(Drawing):
         if is_name and argument.kind != "string" and self.random.random() < 0.9:
             return self.one_of(FILTERS)
         if argument.name == "data" and not isinstance(value, str) and self.random.random() < 0.05:
-            return np.asarray(value) * 2.0**1022
+            return np.clip(value, -1.9, 1.9) * 2.0**1023
         return value
 
 
