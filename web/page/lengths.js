@@ -43,5 +43,5 @@ export function lengthNote(count, level, length) {
   if (length === count) return '';
   const reason = `2^${level} = ${2 ** level} does not divide ${count}`;
   if (length < count) return `${reason}, so the last ${count - length} samples are left out.`;
-  return `${reason}, so the signal is extended to ${length} samples by its mirror image, which is cut off again afterwards.`;
+  return `${reason}, so the signal is extended to ${length} samples by its mirror image.`;
 }

@@ -40,7 +40,8 @@ function paintRow(pen, { left, width, middle, scale }, { least, greatest }, thre
     const high = scale * (greatest[i] - least[i]);
     if (high < 0.3) continue;
     const isKept = Math.max(greatest[i], -least[i]) >= threshold;
-    pen.rect(left + i * wide, middle - scale * greatest[i], Math.max(wide, 1), high, isKept ? colours.kept : colours.dropped);
+    pen.rect(left + i * wide, middle - scale * greatest[i], Math.max(wide, 1), high,
+      isKept ? colours.kept : colours.dropped);
   }
 }
 
@@ -59,7 +60,7 @@ export function levelsPicture(record) {
   const paint = (pen, width, _, theme) => {
     const box = { left: 72, right: width - 12, bottom: height - AXIS };
     const { rows, largest } = extremes(box.right - box.left);
-    const colours = { grid: theme.grid, kept: theme.series[0], dropped: theme.series[7] };
+    const colours = { grid: theme.grid, kept: theme.series[0], dropped: theme.edge };
     rows.forEach((row, i) => {
       const middle = box.bottom - ROW * (i + 0.5);
       const scale = (0.46 * ROW) / (i ? largest : largestOf(row) || 1);

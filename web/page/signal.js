@@ -80,7 +80,8 @@ function mount(root, services) {
 
   function tellLength(chosen) {
     const length = fittedLength(chosen.count, chosen.level, chosen.boundary, chosen.way);
-    note.textContent = lengthNote(chosen.count, chosen.level, length);
+    const cutOff = length > chosen.count ? ' What was added is cut off again from the restored signal.' : '';
+    note.textContent = lengthNote(chosen.count, chosen.level, length) + cutOff;
     note.hidden = !note.textContent;
     way.element.hidden = chosen.boundary === 'symmetric';
   }

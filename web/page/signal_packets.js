@@ -2,6 +2,7 @@
 
 import { COSTS } from './costs.js';
 import { grouped } from './files.js';
+import { lengthNote } from './lengths.js';
 import { tablePicture, tilingPicture } from './tiling.js';
 
 const WITHOUT_ASKING = 2 ** 17;  // samples; the search of longer signals begins at the press of a button
@@ -14,6 +15,7 @@ export function packetPart({ services, calls, guarded, settings, threshold }) {
   const { state, charts, controls } = services;
   const { make, group, select, slider, button } = controls;
   const hint = make('p', { class: 'hint', hidden: true });
+  const lengths = make('p', { class: 'hint' });
   const results = make('div', { hidden: true });
   const [tablePlace, packetPlaceElement, cosinePlace] = [make('div'), make('div'), make('div')];
   const pictures = {};
@@ -57,8 +59,16 @@ export function packetPart({ services, calls, guarded, settings, threshold }) {
     };
   }
 
-  function show(result, { signal }) {
+  function tellLengths(result, { count, depth: levels }) {
+    const split = lengthNote(count, levels, result.length);
+    const cosines = lengthNote(count, levels + 1, result.cosines.length);
+    lengths.textContent = [split && `Wavelet packets: ${split}`, cosines && `Cosine packets: ${cosines}`].join(' ');
+  }
+
+  function show(result, now) {
+    const { signal } = now;
     results.hidden = false;
+    tellLengths(result, now);
     place('table', tablePlace, tablePicture({
       title: 'Packet table and best basis',
       description: `The packets of ${result.table.magnitudes.length / result.table.columns - 1} levels, of which ` +
@@ -81,7 +91,7 @@ export function packetPart({ services, calls, guarded, settings, threshold }) {
       const result = await calls(now.signal, 'packets', {
         wavelet: { function: name, arguments: orders }, boundary, depth: levels, way, cost: known(now.cost), threshold: threshold(),
       });
-      if (result && mine === turn) show(result, now);
+      if (result && mine === turn) show(result, { ...now, depth: levels });
     } catch (error) {
       waiting('The best basis was not searched.');
       throw error;
@@ -103,6 +113,7 @@ export function packetPart({ services, calls, guarded, settings, threshold }) {
   }
 
   results.append(
+    lengths,
     tablePlace,
     make('div', { class: 'charts' }, packetPlaceElement, cosinePlace),
     comparison.element,
