@@ -136,8 +136,8 @@ function stemPaths(u, index, from, to) {
 
 const sparse = (u, _, from, to) => (to - from) * 7 < u.width;
 
-// Points on whole pixels can be thinned, and lines of one pixel are drawn in a third of the time of wider ones, which makes
-// long series fast; short ones are smoother without.
+// Points on whole pixels can be thinned, and lines of one pixel are painted in a third of the time of wider ones, which
+// makes long series fast; short ones are smoother without.
 const isDense = (x) => x.length > 16384;
 
 function lineWidth(kind, x) {

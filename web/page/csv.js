@@ -8,7 +8,7 @@
 // those that begin with # do not count. Columns that do not hold numbers only are left out, which `note` tells.
 // One line of many numbers is a signal too. Throws a FileFault.
 
-import { checkCount, fault, tooLong, MOST_SAMPLES } from './files.js';
+import { checkCount, fault, grouped, tooLong, MOST_SAMPLES } from './files.js';
 
 const NUMBER = /^[+-]?(\d+\.?\d*|\.\d+)([eE][+-]?\d+)?$/;
 const COMMA_NUMBER = /^[+-]?(\d+,?\d*|,\d+)([eE][+-]?\d+)?$/;
@@ -117,7 +117,7 @@ export function readCsv(text) {
   if (text.includes('\0')) throw fault('This file is neither a text of numbers nor a WAV file.');
   const lines = linesOf(text);
   if (lines.length === 0) throw fault('The file is empty.');
-  if (lines.length > MOST_SAMPLES + 1) throw tooLong(`The file has ${lines.length} lines`);
+  if (lines.length > MOST_SAMPLES + 1) throw tooLong(`The file has ${grouped(lines.length)} lines`);
   const separator = separatorOf(lines.slice(0, 20));
   const all = parsed(lines, separator, separator === ',' ? plain : withCommas);
   const columns = isLine(all) ? asOneColumn(all) : all;

@@ -1,8 +1,9 @@
 // The coefficients of a signal by level, the finest on top, each as wide as the time that it stands for.
 //
-//   levelsPicture({ title, description, coefficients, sizes, threshold, times: [from, to], timeLabel })
-//       a record for charts.picture. `sizes` are those of the parts, the smooth one first. Details have one scale; those
-//       below the threshold are pale. The smooth part has a scale of its own.
+//   levelsPicture({ title, description, coefficients, sizes, threshold, times: [from, to], timeLabel, memory })
+//       a record for charts.picture. `sizes` are those of the parts, the smooth one first. Details have one
+//       scale; those below the threshold are pale. The smooth part has a scale of its own. In `memory`, at
+//       first an empty record, is kept what needs not be computed at each step of the slider.
 
 import { paintXAxis, pictureOf } from './pens.js';
 
@@ -45,7 +46,6 @@ function paintRow(pen, { left, width, middle, scale }, { least, greatest }, thre
   }
 }
 
-// Drawn at each step of the slider, but the extremes change only with the coefficients and the width.
 export function levelsPicture(record) {
   const { coefficients, sizes, threshold, times, timeLabel, memory } = record;
   const height = ROW * sizes.length + AXIS;

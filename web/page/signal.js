@@ -2,6 +2,7 @@
 
 import { codeBlock } from './code.js';
 import { isCancelled } from './compute.js';
+import { COSTS } from './costs.js';
 import { coefficientPart } from './signal_coefficients.js';
 import { lengthNote, fittedLength, mostDepth, mostLevels } from './lengths.js';
 import { callsOf } from './signal_calls.js';
@@ -18,6 +19,16 @@ const defaults = {
 
 const within = (text, least, most) => Math.min(Math.max(Math.round(Number(text)) || least, least), most);
 
+// Runs what may fail, and tells it in a line. What was shown before stays.
+const guardedBy = (line) => async (action) => {
+  try {
+    await action();
+    line.clear();
+  } catch (failure) {
+    if (!isCancelled(failure)) line.show(failure.message);
+  }
+};
+
 function mount(root, services) {
   const { compute, state, controls, announce } = services;
   const { make, group, section, select, slider } = controls;
@@ -26,7 +37,11 @@ function mount(root, services) {
   let signal = null;
 
   const choice = waveletChoice({ announce, onChange: (changes) => set({ ...changes, threshold: '' }) });
-  const level = slider({ label: 'Levels', min: 1, max: 12, value: 5, onInput: (value) => set({ level: value, threshold: '' }) });
+  const level = slider({
+    label: 'Levels',
+    min: 1, max: 12, value: 5,
+    onInput: (value) => set({ level: value, threshold: '' }),
+  });
   const way = select({
     label: 'A length that does not fit',
     options: [{ value: 'extend', text: 'is extended' }, { value: 'cut', text: 'is cut' }],
@@ -34,21 +49,14 @@ function mount(root, services) {
     onChange: (value) => set({ way: value }),
   });
   const code = codeBlock(announce);
-
-  // Whatever fails, what was shown before stays.
-  async function guarded(action) {
-    try {
-      await action();
-      error.clear();
-    } catch (failure) {
-      if (!isCancelled(failure)) error.show(failure.message);
-    }
-  }
-
+  const codeNote = make('p', { class: 'hint' });
   const calls = callsOf(compute);
-  const parts = { services, calls, guarded, settings, onChange: showCode };
-  const coefficients = coefficientPart({ ...parts, onRest: () => packets.thresholdChanged() });
-  const packets = packetPart({ ...parts, threshold: () => coefficients.threshold() });
+  const parts = { services, calls, settings };
+  const packetError = controls.errorLine();
+  const coefficients = coefficientPart({
+    ...parts, guarded: guardedBy(error), onChange: showCode, onRest: () => packets.thresholdChanged(),
+  });
+  const packets = packetPart({ ...parts, guarded: guardedBy(packetError), threshold: () => coefficients.threshold() });
   const source = sourcePart({
     services,
     target: root,
@@ -58,7 +66,8 @@ function mount(root, services) {
     },
   });
 
-  const endsOf = (now) => ({ boundary: choice.boundary(), way: now.way === 'cut' ? 'cut' : 'extend', taps: choice.wavelet().taps[0] });
+  const endsOf = ({ way: wanted }) =>
+    ({ boundary: choice.boundary(), way: wanted === 'cut' ? 'cut' : 'extend', taps: choice.wavelet().taps[0] });
 
   // What the computations need, or null where the signal is too short for the transform.
   function settings() {
@@ -68,8 +77,12 @@ function mount(root, services) {
     const [levels, depths] = [mostLevels(count, ends), mostDepth(count, ends)];
     if (levels < 1 || depths < 1) return null;
     return {
-      ...ends, signal, count, levels, depths, wavelet: choice.wavelet(), level: within(now.level, 1, levels), depth: within(now.depth, 1, depths),
-      shrink: now.shrink, cost: now.cost, wantedThreshold: now.threshold,
+      ...ends, signal, count, levels, depths,
+      wavelet: choice.wavelet(),
+      level: within(now.level, 1, levels),
+      depth: within(now.depth, 1, depths),
+      shrink: now.shrink === 'hard' ? 'hard' : 'soft',
+      cost: COSTS.some(({ value }) => value === now.cost) ? now.cost : 'shannon',
     };
   }
 
@@ -90,7 +103,8 @@ function mount(root, services) {
     if (!signal) return;
     const chosen = settings();
     if (!chosen) {
-      error.show(`${signal.samples.length} samples are too few for this wavelet with these ends. Please choose a shorter wavelet or other ends.`);
+      error.show(`${signal.samples.length} samples are too few for this wavelet with these ends. ` +
+        'Please choose a shorter wavelet or other ends.');
       return;
     }
     level.setRange({ min: 1, max: chosen.levels });
@@ -103,18 +117,18 @@ function mount(root, services) {
 
   function showCode() {
     const chosen = settings();
+    const own = !isShipped(signal.id) || signal.clean !== null;
     const file = signal.file.replace(/["\\]/g, '');
-    code.update(linesOf({
-      ...chosen, wavelet: chosen.wavelet, file, isShipped: isShipped(signal.id) && !signal.clean, threshold: coefficients.threshold(),
-    }));
+    codeNote.textContent = own ? `“Data as CSV” above saves the file ${file}.` : '';
+    code.update(linesOf({ ...chosen, file, isShipped: !own, threshold: coefficients.threshold() }));
   }
 
   root.append(
     section('The signal', source.element),
-    section('Its wavelet coefficients', choice.element, group('Transform', level.element, way.element), note, error.element,
-      coefficients.element),
-    section('Its best basis', packets.element),
-    section('The same in Python, C++ and Octave', code.element),
+    section('Its wavelet coefficients',
+      choice.element, group('Transform', level.element, way.element), note, error.element, coefficients.element),
+    section('Its best basis', packetError.element, packets.element),
+    section('The same in Python, C++ and Octave', codeNote, code.element),
   );
   return {
     show(now) {

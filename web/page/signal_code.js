@@ -1,5 +1,7 @@
-// The lines that compute what the panel "A signal" shows: linesOf({ file, isShipped, count, wavelet, boundary, level, way,
-// threshold, shrink, depth, cost }) -> { python, cpp, octave }.
+// The lines that compute what the panel "A signal" shows.
+//
+//   linesOf({ file, isShipped, count, wavelet, boundary, level, way, threshold, shrink, depth, cost })
+//       -> { python, cpp, octave }
 
 import { fittedLength } from './lengths.js';
 

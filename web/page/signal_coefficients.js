@@ -40,8 +40,8 @@ export function coefficientPart({ services, calls, guarded, settings, onChange, 
   // As the state tells, or as the noise asks for.
   function threshold() {
     if (!made) return 0;
-    const { wantedThreshold } = settings();
-    const wanted = wantedThreshold === '' ? NaN : Number(wantedThreshold);
+    const told = state.get().threshold;
+    const wanted = told === '' ? NaN : Number(told);
     return wanted >= 0 && Number.isFinite(wanted) ? wanted : rounded(made.universal);
   }
 
@@ -117,9 +117,12 @@ export function coefficientPart({ services, calls, guarded, settings, onChange, 
     const { signal, coefficients, sizes } = made;
     const record = {
       title: 'Coefficients by level',
-      description: `${sizes.length - 1} levels of details below the largest of ${text(made.largest)}, the finest on top, and the ` +
-        `smooth part. Details below the threshold of ${text(threshold())} are pale.`,
-      coefficients, sizes, threshold: threshold(), memory, times: span(signal, coefficients.length), timeLabel: signal.axis.unit,
+      description: `${sizes.length - 1} levels of details, the finest on top, and the smooth part. The largest detail is ` +
+        `${text(made.largest)}. Details below the threshold of ${text(threshold())} are pale.`,
+      coefficients, sizes, memory,
+      threshold: threshold(),
+      times: span(signal, coefficients.length),
+      timeLabel: signal.axis.unit,
     };
     if (levelsChart) levelsChart.update(levelsPicture(record));
     else levelsChart = charts.picture(picture, levelsPicture(record));
@@ -131,12 +134,13 @@ export function coefficientPart({ services, calls, guarded, settings, onChange, 
     const y = partsOf(coefficients, sizes)[i];
     const [from, to] = span(signal, coefficients.length);
     const step = (to - from) / y.length;
+    const middles = Float64Array.from(y, (_, k) => from + (k + 0.5) * step);
     singleChart.update({
       title: `Coefficients: ${levelName(sizes, i)}`,
       xLabel: signal.axis.unit,
       yLabel: '',
       file: 'coefficients',
-      series: [{ label: levelName(sizes, i), x: Float64Array.from(y, (_, k) => from + (k + 0.5) * step), y, kind: 'stems' }],
+      series: [{ label: levelName(sizes, i), x: middles, y, kind: 'stems' }],
       description: `${y.length} coefficients ${rangeOf(y)}.`,
     });
   }
@@ -146,7 +150,8 @@ export function coefficientPart({ services, calls, guarded, settings, onChange, 
 
   function offerLevels() {
     const { sizes } = made;
-    const options = sizes.map((_, i) => ({ value: String((sizes.length - i) % sizes.length), text: levelName(sizes, i) }));
+    const options = sizes.map((_, i) =>
+      ({ value: String((sizes.length - i) % sizes.length), text: levelName(sizes, i) }));
     const kept = options.some(({ value }) => value === shownLevel.value);
     shownLevel.setOptions(options.reverse(), kept ? shownLevel.value : '1');
   }
@@ -154,20 +159,24 @@ export function coefficientPart({ services, calls, guarded, settings, onChange, 
   function tell() {
     const { kept, of, toData, toClean, before } = restored;
     const entries = [['Coefficients kept', `${kept} of ${of}, ${percent(kept / of)}`]];
-    if (toClean === null) entries.push(['Data above what was removed', decibelText(toData)]);
-    else entries.push(['Signal to noise, before', decibelText(before)], ['Signal to noise, restored', decibelText(toClean)]);
+    if (toClean === null) {
+      entries.push(['Data above what was removed', decibelText(toData)]);
+    } else {
+      entries.push(['Signal to noise, before', decibelText(before)]);
+      entries.push(['Signal to noise, restored', decibelText(toClean)]);
+    }
     list.replaceChildren(...facts(make, entries));
   }
 
   // ---- Computing
 
-  function jobOf({ wavelet, boundary, level, way, shrink: kind }) {
-    const filter = { function: wavelet.function, arguments: wavelet.arguments };
-    return { wavelet: filter, boundary, level, way, shrink: kind === 'hard' ? 'hard' : 'soft' };
+  function jobOf({ wavelet: { function: name, arguments: orders }, boundary, level, way, shrink: kind }) {
+    return { wavelet: { function: name, arguments: orders }, boundary, level, way, shrink: kind };
   }
 
   const redraw = () => guarded(async () => {
     const now = settings();
+    if (!now || !made) return;
     drawLevels();
     const result = await calls(now.signal, 'denoise', { ...jobOf(now), threshold: threshold() });
     if (!result || made.signal !== now.signal) return;
@@ -185,7 +194,7 @@ export function coefficientPart({ services, calls, guarded, settings, onChange, 
     if (!result || mine !== turn) return;
     made = { ...result, ...now };
     height.value = positionOf(threshold());
-    shrink.value = jobOf(now).shrink;
+    shrink.value = now.shrink;
     offerLevels();
     drawLevel();
     await redraw();

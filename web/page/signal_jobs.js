@@ -1,8 +1,8 @@
 // What the panel "A signal" computes in the worker.
 //
-// The worker keeps the samples, the coefficients and the packets of the signal that was asked for last. Where they are gone,
-// because the computation was cancelled, the job fails with an error of the name 'Gone', and the page sends the samples
-// again (signal_calls.js).
+// The worker keeps the samples and the coefficients of the signal that was asked for last. Where they are gone,
+// because a computation was cancelled, the job fails with an error of the name 'Gone', and the page sends the
+// samples again (signal_calls.js).
 
 import { realFunction } from './undula.js';
 import { costOf } from './costs.js';
@@ -62,7 +62,7 @@ function partSizes(length, level) {
   return [smooth, ...details];
 }
 
-// The largest detail, and the threshold that noise alone hardly exceeds; its strength is measured in the finest details.
+// The largest detail, and the threshold that noise alone hardly exceeds; the finest details tell its strength.
 function noiseOf(coefficients, sizes, count) {
   const finest = coefficients.slice(coefficients.length - sizes[sizes.length - 1]).map(Math.abs).sort();
   const middle = finest.length >> 1;

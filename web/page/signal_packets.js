@@ -7,8 +7,6 @@ import { tablePicture, tilingPicture } from './tiling.js';
 
 const WITHOUT_ASKING = 2 ** 17;  // samples; the search of longer signals begins at the press of a button
 
-const known = (cost) => (COSTS.some(({ value }) => value === cost) ? cost : 'shannon');
-
 const text = (value) => String(Number(value.toPrecision(5))).replace('-', '−');
 
 export function packetPart({ services, calls, guarded, settings, threshold }) {
@@ -17,12 +15,21 @@ export function packetPart({ services, calls, guarded, settings, threshold }) {
   const hint = make('p', { class: 'hint', hidden: true });
   const lengths = make('p', { class: 'hint' });
   const results = make('div', { hidden: true });
-  const [tablePlace, packetPlaceElement, cosinePlace] = [make('div'), make('div'), make('div')];
+  const [tablePlace, tilingPlace, cosinePlace] = [make('div'), make('div'), make('div')];
   const pictures = {};
   let turn = 0;
 
-  const depth = slider({ label: 'Depth of the table', min: 1, max: 12, value: 6, onInput: (value) => change({ depth: value }) });
-  const cost = select({ label: 'Cost', options: COSTS, value: 'shannon', onChange: (value) => change({ cost: value }) });
+  const depth = slider({
+    label: 'Depth of the table',
+    min: 1, max: 12, value: 6,
+    onInput: (value) => change({ depth: value }),
+  });
+  const cost = select({
+    label: 'Cost',
+    options: COSTS,
+    value: 'shannon',
+    onChange: (value) => change({ cost: value }),
+  });
   const start = button({ text: 'Search the best basis', onClick: () => search() });
   const comparison = controls.table({
     caption: 'How few coefficients hold 99 % of the energy',
@@ -75,8 +82,10 @@ export function packetPart({ services, calls, guarded, settings, threshold }) {
         `${share(result.basis.length)} are framed: the basis of least cost.`,
       table: result.table, count: result.length, basis: result.basis, height: 300,
     }));
-    place('packets', packetPlaceElement, tilingPicture(tilingOf(signal, result, 'Best basis of wavelet packets', false)));
-    place('cosines', cosinePlace, tilingPicture(tilingOf(signal, result.cosines, 'Best basis of cosine packets', true)));
+    place('packets', tilingPlace,
+      tilingPicture(tilingOf(signal, result, 'Best basis of wavelet packets', false)));
+    place('cosines', cosinePlace,
+      tilingPicture(tilingOf(signal, result.cosines, 'Best basis of cosine packets', true)));
     comparison.update([...result.rows, result.cosines.row].map(({ name, packets, cost: total, count, of }) =>
       [name, packets, text(total), count, `${Number(((100 * count) / of).toPrecision(3))} %`]));
   }
@@ -85,13 +94,14 @@ export function packetPart({ services, calls, guarded, settings, threshold }) {
     turn += 1;
     const mine = turn;
     const now = settings();
+    if (!now) return;
     const { wavelet: { function: name, arguments: orders }, boundary, depth: levels, way } = now;
+    const wavelet = { function: name, arguments: orders };
     waiting('');
     try {
-      const result = await calls(now.signal, 'packets', {
-        wavelet: { function: name, arguments: orders }, boundary, depth: levels, way, cost: known(now.cost), threshold: threshold(),
-      });
-      if (result && mine === turn) show(result, { ...now, depth: levels });
+      const result = await calls(now.signal, 'packets',
+        { wavelet, boundary, depth: levels, way, cost: now.cost, threshold: threshold() });
+      if (result && mine === turn) show(result, now);
     } catch (error) {
       waiting('The best basis was not searched.');
       throw error;
@@ -102,7 +112,7 @@ export function packetPart({ services, calls, guarded, settings, threshold }) {
     const now = settings();
     depth.setRange({ min: 1, max: now.depths });
     depth.value = now.depth;
-    cost.value = known(now.cost);
+    cost.value = now.cost;
     if (now.count <= WITHOUT_ASKING) {
       search();
       return;
@@ -115,13 +125,13 @@ export function packetPart({ services, calls, guarded, settings, threshold }) {
   results.append(
     lengths,
     tablePlace,
-    make('div', { class: 'charts' }, packetPlaceElement, cosinePlace),
+    make('div', { class: 'charts' }, tilingPlace, cosinePlace),
     comparison.element,
   );
   waiting('');
   return {
     element: make('div', {}, group('Packets', depth.element, cost.element, start.element), hint, results),
     draw,
-    thresholdChanged: () => known(settings().cost) === 'count_above' && draw(),
+    thresholdChanged: () => settings()?.cost === 'count_above' && draw(),
   };
 }

@@ -36,7 +36,7 @@ export function sourcePart({ services, target, onSignal }) {
   let base = null;      // the signal without noise
   let shown = '';       // what of the state it was made of
 
-  const source = select({ label: 'Signal', options: SOURCES, value: 'ecg', onChange: (value) => choose({ source: value }) });
+  const source = select({ label: 'Signal', options: SOURCES, value: 'ecg', onChange: chooseSource });
   const noise = select({
     label: 'Noise added',
     options: NOISES.map((value) => ({ value, text: value === 'none' ? 'none' : `signal ${value} dB above it` })),
@@ -57,8 +57,17 @@ export function sourcePart({ services, target, onSignal }) {
     state.set({ threshold: '' });
     deliver(signalOfFile());
   } });
-  const drop = controls.fileDrop({ label: 'Choose a CSV or WAV file', accept: '.csv,.txt,.tsv,.dat,.wav,text/*,audio/wav', onFile: readFile, target });
+  const drop = controls.fileDrop({
+    label: 'Choose a CSV or WAV file',
+    accept: '.csv,.txt,.tsv,.dat,.wav,text/*,audio/wav',
+    onFile: readFile,
+    target,
+  });
   const drawing = make('div', { hidden: true }, field.element);
+
+  function chooseSource(value) {
+    choose({ source: value, file: value === 'file' ? file.name : '' });
+  }
 
   function choose(changes) {
     state.set({ ...changes, threshold: '' });

@@ -25,7 +25,8 @@ const sampled = (length, f) => Float64Array.from({ length }, (_, i) => f((i + 0.
 
 const chirp = (t) => Math.sin(2 * Math.PI * (10 * t + 190 * t * t));
 const longChirp = (t) => Math.sin(2 * Math.PI * (200 * t + 14000 * t * t)) + 0.5 * Math.sin(2 * Math.PI * 9000 * t);
-const tones = (t) => Math.sin(280 * Math.PI * t) + (t > 0.5 ? Math.sin(100 * Math.PI * t) : 0) + 8 * (Math.abs(t - 0.293) < 5e-4);
+const click = (t) => (Math.abs(t - 0.293) < 5e-4 ? 8 : 0);
+const tones = (t) => Math.sin(280 * Math.PI * t) + (t > 0.5 ? Math.sin(100 * Math.PI * t) : 0) + click(t);
 
 // The positions and heights of D. L. Donoho, I. M. Johnstone, Biometrika 81 (1994) 425-455.
 const PLACES = [0.1, 0.13, 0.15, 0.23, 0.25, 0.4, 0.44, 0.65, 0.76, 0.78, 0.81];

@@ -22,7 +22,8 @@ const READERS = {
 const letters = (view, at) => String.fromCharCode(...[0, 1, 2, 3].map((i) => view.getUint8(at + i)));
 
 export function isWav(buffer) {
-  return buffer.byteLength >= 12 && letters(new DataView(buffer), 0) === 'RIFF' && letters(new DataView(buffer), 8) === 'WAVE';
+  const view = new DataView(buffer);
+  return buffer.byteLength >= 12 && letters(view, 0) === 'RIFF' && letters(view, 8) === 'WAVE';
 }
 
 // The chunks by name: { start, length }.
