@@ -51,12 +51,14 @@ function mount(root, services) {
   const code = codeBlock(announce);
   const codeNote = make('p', { class: 'hint' });
   const calls = callsOf(compute);
-  const parts = { services, calls, settings };
+  const parts = { services, calls, settings, onChange: showCode };
   const packetError = controls.errorLine();
   const coefficients = coefficientPart({
-    ...parts, guarded: guardedBy(error), onChange: showCode, onRest: () => packets.thresholdChanged(),
+    ...parts, guarded: guardedBy(error), onRest: () => packets.thresholdChanged(),
   });
-  const packets = packetPart({ ...parts, guarded: guardedBy(packetError), threshold: () => coefficients.threshold() });
+  const packets = packetPart({
+    ...parts, guarded: guardedBy(packetError), threshold: () => coefficients.threshold(),
+  });
   const source = sourcePart({
     services,
     target: root,
@@ -111,12 +113,13 @@ function mount(root, services) {
     level.value = chosen.level;
     way.value = chosen.way;
     tellLength(chosen);
-    coefficients.draw();
-    packets.draw();
+    // A cost may need the threshold, which the coefficients tell.
+    coefficients.draw().then(packets.draw);
   }
 
   function showCode() {
     const chosen = settings();
+    if (!chosen) return;
     const own = !isShipped(signal.id) || signal.clean !== null;
     const file = signal.file.replace(/["\\]/g, '');
     codeNote.textContent = own ? `“Data as CSV” above saves the file ${file}.` : '';

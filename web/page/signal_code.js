@@ -71,7 +71,8 @@ function cpp(choice) {
     ? `y[i] -= std::clamp(y[i], -${threshold}, ${threshold});`
     : `if (std::abs(y[i]) < ${threshold}) y[i] = 0;`;
   return [
-    '#include <efihost/host.h>', '#include <algorithm>', '#include <cmath>', '#include <fstream>', '#include <iterator>', '',
+    ...['efihost/host.h', 'algorithm', 'cmath', 'fstream', 'iterator'].map((name) => `#include <${name}>`),
+    '',
     'int main() {',
     ...[
       `std::ifstream file("${choice.file}");`,
@@ -79,9 +80,10 @@ function cpp(choice) {
       ...cppFit(choice),
       'efihost::Pack pack;',
       'efihost::Host host;',
-      `auto y = host.call(pack, "dwt${letter}", efihost::Value::column(x), ${level}, "${wavelet.name}").reals();`,
+      `const auto w = host.call(pack, "${wavelet.function}", ${wavelet.arguments.join(', ')});`,
+      `auto y = host.call(pack, "dwt${letter}", efihost::Value::column(x), ${level}, w).reals();`,
       `for (std::size_t i = ${smooth}; i < y.size(); ++i) ${change}`,
-      `auto denoised = host.call(pack, "idwt${letter}", efihost::Value::column(y), ${level}, "${wavelet.name}").reals();`,
+      `auto denoised = host.call(pack, "idwt${letter}", efihost::Value::column(y), ${level}, w).reals();`,
       ...(more > 0 ? [`denoised.resize(${count});`] : []),
     ].map((line) => `    ${line}`),
     '}',
@@ -102,7 +104,9 @@ function octave(choice) {
     shannon: '@(c) -c^2 * log (c^2 + (c^2 == 0))', l1: '@abs',
     log_energy: '@(c) 2 * log (max (abs (c), realmin))', count_above: `@(c) double (abs (c) > ${threshold})`,
   };
-  const kept = shrink === 'soft' ? `y(d) - max (min (y(d), ${threshold}), -${threshold})` : `y(d) .* (abs (y(d)) >= ${threshold})`;
+  const kept = shrink === 'soft'
+    ? `y(d) - max (min (y(d), ${threshold}), -${threshold})`
+    : `y(d) .* (abs (y(d)) >= ${threshold})`;
   const samePacketLength = added(choice, depth) === more;
   return [
     'pkg load undula', `x = load ("${choice.file}");`,

@@ -9,7 +9,7 @@ const WITHOUT_ASKING = 2 ** 17;  // samples; the search of longer signals begins
 
 const text = (value) => String(Number(value.toPrecision(5))).replace('-', '−');
 
-export function packetPart({ services, calls, guarded, settings, threshold }) {
+export function packetPart({ services, calls, guarded, settings, onChange, threshold }) {
   const { state, charts, controls } = services;
   const { make, group, select, slider, button } = controls;
   const hint = make('p', { class: 'hint', hidden: true });
@@ -40,6 +40,7 @@ export function packetPart({ services, calls, guarded, settings, threshold }) {
   function change(changes) {
     state.set(changes);
     draw();
+    onChange();
   }
 
   function waiting(sentence) {
@@ -103,13 +104,14 @@ export function packetPart({ services, calls, guarded, settings, threshold }) {
         { wavelet, boundary, depth: levels, way, cost: now.cost, threshold: threshold() });
       if (result && mine === turn) show(result, now);
     } catch (error) {
-      waiting('The best basis was not searched.');
+      if (mine === turn) waiting('The best basis was not searched.');
       throw error;
     }
   });
 
   function draw() {
     const now = settings();
+    if (!now) return;
     depth.setRange({ min: 1, max: now.depths });
     depth.value = now.depth;
     cost.value = now.cost;
@@ -119,7 +121,7 @@ export function packetPart({ services, calls, guarded, settings, threshold }) {
     }
     turn += 1;
     results.hidden = true;
-    waiting(`Of ${grouped(now.count)} samples the search takes a while.`);
+    guarded(() => waiting(`Of ${grouped(now.count)} samples the search takes a while.`));
   }
 
   results.append(
