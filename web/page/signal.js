@@ -1,10 +1,128 @@
-// The panel "A signal".
+// The panel "A signal": choose one, look at its coefficients, remove small ones, and search its best basis.
 
-export const panel = {
-  id: 'signal',
-  title: 'A signal',
-  defaults: {},
-  mount() {
-    return { show() {}, hide() {} };
-  },
+import { codeBlock } from './code.js';
+import { isCancelled } from './compute.js';
+import { coefficientPart } from './signal_coefficients.js';
+import { lengthNote, fittedLength, mostDepth, mostLevels } from './lengths.js';
+import { callsOf } from './signal_calls.js';
+import { linesOf } from './signal_code.js';
+import { packetPart } from './signal_packets.js';
+import { sourcePart } from './signal_source_part.js';
+import { isShipped } from './signal_sources.js';
+import { waveletChoice } from './wavelet_choice.js';
+
+const defaults = {
+  source: 'ecg', file: '', noise: 'none', shape: 'doppler',
+  level: 5, way: 'extend', threshold: '', shrink: 'soft', depth: 6, cost: 'shannon',
 };
+
+const within = (text, least, most) => Math.min(Math.max(Math.round(Number(text)) || least, least), most);
+
+function mount(root, services) {
+  const { compute, state, controls, announce } = services;
+  const { make, group, section, select, slider } = controls;
+  const error = controls.errorLine();
+  const note = make('p', { class: 'hint' });
+  let signal = null;
+
+  const choice = waveletChoice({ announce, onChange: (changes) => set({ ...changes, threshold: '' }) });
+  const level = slider({ label: 'Levels', min: 1, max: 12, value: 5, onInput: (value) => set({ level: value, threshold: '' }) });
+  const way = select({
+    label: 'A length that does not fit',
+    options: [{ value: 'extend', text: 'is extended' }, { value: 'cut', text: 'is cut' }],
+    value: 'extend',
+    onChange: (value) => set({ way: value }),
+  });
+  const code = codeBlock(announce);
+
+  // Whatever fails, what was shown before stays.
+  async function guarded(action) {
+    try {
+      await action();
+      error.clear();
+    } catch (failure) {
+      if (!isCancelled(failure)) error.show(failure.message);
+    }
+  }
+
+  const calls = callsOf(compute);
+  const parts = { services, calls, guarded, settings, onChange: showCode };
+  const coefficients = coefficientPart({ ...parts, onRest: () => packets.thresholdChanged() });
+  const packets = packetPart({ ...parts, threshold: () => coefficients.threshold() });
+  const source = sourcePart({
+    services,
+    target: root,
+    onSignal: (newSignal) => {
+      signal = newSignal;
+      draw();
+    },
+  });
+
+  const endsOf = (now) => ({ boundary: choice.boundary(), way: now.way === 'cut' ? 'cut' : 'extend', taps: choice.wavelet().taps[0] });
+
+  // What the computations need, or null where the signal is too short for the transform.
+  function settings() {
+    const now = state.get();
+    const ends = endsOf(now);
+    const count = signal.samples.length;
+    const [levels, depths] = [mostLevels(count, ends), mostDepth(count, ends)];
+    if (levels < 1 || depths < 1) return null;
+    return {
+      ...ends, signal, count, levels, depths, wavelet: choice.wavelet(), level: within(now.level, 1, levels), depth: within(now.depth, 1, depths),
+      shrink: now.shrink, cost: now.cost, wantedThreshold: now.threshold,
+    };
+  }
+
+  function set(changes) {
+    state.set(changes);
+    draw();
+  }
+
+  function tellLength(chosen) {
+    const length = fittedLength(chosen.count, chosen.level, chosen.boundary, chosen.way);
+    const cutOff = length > chosen.count ? ' What was added is cut off again from the restored signal.' : '';
+    note.textContent = lengthNote(chosen.count, chosen.level, length) + cutOff;
+    note.hidden = !note.textContent;
+    way.element.hidden = chosen.boundary === 'symmetric';
+  }
+
+  function draw() {
+    if (!signal) return;
+    const chosen = settings();
+    if (!chosen) {
+      error.show(`${signal.samples.length} samples are too few for this wavelet with these ends. Please choose a shorter wavelet or other ends.`);
+      return;
+    }
+    level.setRange({ min: 1, max: chosen.levels });
+    level.value = chosen.level;
+    way.value = chosen.way;
+    tellLength(chosen);
+    coefficients.draw();
+    packets.draw();
+  }
+
+  function showCode() {
+    const chosen = settings();
+    const file = signal.file.replace(/["\\]/g, '');
+    code.update(linesOf({
+      ...chosen, wavelet: chosen.wavelet, file, isShipped: isShipped(signal.id) && !signal.clean, threshold: coefficients.threshold(),
+    }));
+  }
+
+  root.append(
+    section('The signal', source.element),
+    section('Its wavelet coefficients', choice.element, group('Transform', level.element, way.element), note, error.element,
+      coefficients.element),
+    section('Its best basis', packets.element),
+    section('The same in Python, C++ and Octave', code.element),
+  );
+  return {
+    show(now) {
+      choice.show(now);
+      source.show(now);
+    },
+    hide() {},
+  };
+}
+
+export const panel = { id: 'signal', title: 'A signal', defaults, mount };

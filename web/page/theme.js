@@ -1,6 +1,6 @@
 // The colours of the page, light or dark.
 //
-//   theme()                 the colours as they are now: { dark, background, foreground, muted, grid, accent,
+//   theme()                 the colours as they are now: { dark, background, foreground, muted, grid, edge, accent,
 //                           series: [eight colours], dashes: [eight line patterns], shade(t) }.
 //                           shade(t), 0 <= t <= 1, returns [red, green, blue] of a scale from nothing to much.
 //   onThemeChange(listener) calls it after each change; returns a function that ends this.
@@ -95,6 +95,7 @@ export function theme() {
     foreground: colour('foreground'),
     muted: colour('muted'),
     grid: colour('grid'),
+    edge: colour('edge'),
     accent: colour('accent'),
     series: DASHES.map((_, i) => colour(`series-${i + 1}`)),
     dashes: DASHES,
