@@ -20,12 +20,14 @@ const STEPS = 20;         // of the slider for each factor of ten
 const stepOf = (share) => Math.round(STEPS * Math.log10(share / LEAST_SHARE));
 const shareAt = (step) => Number((LEAST_SHARE * 10 ** (step / STEPS)).toPrecision(2));
 
+const keyOf = ({ image, wavelet, boundary, levels }) => [image.id, wavelet.name, boundary, levels].join(' ');
+
 const within = (value, least, most, otherwise) =>
   (Number.isFinite(value) ? Math.min(Math.max(value, least), most) : otherwise);
 
-const SUBBAND_HINT = 'H is high-pass along the columns and shows horizontal structures, V is high-pass along the rows, ' +
-  'D along both; the number is the level. The smooth part is grey. Details have the colour of the page at 0, and one ' +
-  'scale for each level, whose ends about 2 % of them exceed.';
+const SUBBAND_HINT = 'H is high-pass along the columns and shows horizontal structures, V is high-pass along the ' +
+  'rows, D along both; the number is the level. The smooth part is grey. Details have the colour of the page at 0, ' +
+  'and one scale for each level, whose ends about 2 % of them exceed.';
 
 const BASIS_HINT = 'Packets split the details too. The best basis is that in which the sum of a cost over all ' +
   'coefficients is least. Its packets divide the plane of frequencies, low ones at the top left; below the lines are ' +
@@ -84,9 +86,11 @@ function build(root, { charts, controls, announce }, on) {
 function mount(root, services) {
   const { compute, state, announce } = services;
   let image = null;     // what readImage returned, with an id
-  let lastId = 0;
+  let lastId = 0;       // of images and of bases
+  let loads = 0;
   let version = 0;      // of the setting: results of older ones are dropped
   let shown = -1;       // the version whose subbands are shown
+  let shownKey = '';
   let searching = false;
   let basis = null;     // the best one of this version
   let last = null;      // what was rebuilt last
@@ -147,10 +151,10 @@ function mount(root, services) {
   // ---- The image
 
   const load = (file) => run(async () => {
-    const wanted = lastId += 1;
+    const wanted = loads += 1;
     const read = await compute.run('image.read', { file });
-    if (wanted !== lastId) return;
-    image = { ...read, id: wanted };
+    if (wanted !== loads) return;
+    image = { ...read, id: lastId += 1 };
     view.error.clear();
     state.set({ file: file ? read.name : '' });
     showImage();
@@ -183,11 +187,12 @@ function mount(root, services) {
   async function refresh() {
     version += 1;
     basis = null;
+    showStale();
     const most = deepest();
     view.levels.setRange({ min: 1, max: Math.max(most, 1) });
     if (most === 0) {
-      view.error.show('The image is too small for the filters of this wavelet at its ends. Please choose periodic ends, ' +
-        'or a shorter wavelet.');
+      view.error.show('The image is too small for the filters of this wavelet at its ends. Please choose periodic ' +
+        'ends, or a shorter wavelet.');
       return;
     }
     view.levels.value = levels();
@@ -197,16 +202,24 @@ function mount(root, services) {
     if (state.get().searched) await search();
   }
 
+  // The pictures of the best basis stay until there are others.
+  function showStale() {
+    const { searched } = state.get();
+    if (!searched) view.best.hidden = true;
+    view.basisInfo.textContent = !searched ? 'Not searched yet.'
+      : `Searching.${view.best.hidden ? '' : ' What is shown below is of an earlier choice.'}`;
+  }
+
   // Whether they are those of the setting now.
   async function drawSubbands() {
-    const wanted = version;
-    const result = await compute.latest('image.transform', 'image.transform', { setting: setting() });
+    const [wanted, wantedSetting] = [version, setting()];
+    const result = await compute.latest('image.transform', 'image.transform', { setting: wantedSetting });
     if (!result || wanted !== version) return false;
     view.charts.mosaic.update(mosaic({
       title: 'Subbands', file: 'subbands', description: mosaicText(result), tell: blockTold, coefficients: result,
     }));
     view.subbands.update(subbandRows(result.blocks));
-    shown = version;
+    [shown, shownKey] = [version, keyOf(wantedSetting)];
     return true;
   }
 
@@ -223,9 +236,12 @@ function mount(root, services) {
     last = { ...result.wavelet, setting: from };
     drawRebuilt(view.charts.rebuilt, 'wavelet basis', result.wavelet);
     if (result.best) drawRebuilt(view.charts.bestRebuilt, 'best basis', result.best);
-    view.kept.textContent = compressionText(image, result);
+    view.error.clear();
+    view.kept.textContent = compressionText(image, result) + levelsNote(deepest());
     showCode();
   }
+
+  const levelsNote = (most) => (Number(state.get().levels) > most ? ` The image takes ${most} levels at most.` : '');
 
   function drawRebuilt(chart, name, result) {
     chart.update(photograph({
@@ -245,7 +261,7 @@ function mount(root, services) {
     if (!image || searching) return;
     searching = true;
     try {
-      await searchOnce();
+      while (!isNewest(await searchOnce()));
     } catch (error) {
       forgetBasis(error);
       throw error;
@@ -254,14 +270,20 @@ function mount(root, services) {
     }
   }
 
+  const isNewest = (sought) =>
+    sought.version === version && sought.cost.name === cost().name && sought.cost.threshold === cost().threshold;
+
+  // Returns for what it was searched. While it runs, other choices may be made.
   async function searchOnce() {
-    const [wanted, sought] = [version, cost()];
-    const request = { setting: setting(), cost: sought, basisId: lastId += 1 };
+    const sought = { version, cost: cost() };
+    const request = { setting: setting(), cost: sought.cost, basisId: lastId += 1 };
     const result = await compute.run('image.search', request);
-    if (wanted !== version || cost().name !== sought.name || cost().threshold !== sought.threshold) {
-      await searchOnce();
-      return;
-    }
+    if (isNewest(sought)) await showBasis(result);
+    return sought;
+  }
+
+  async function showBasis(result) {
+    const wanted = version;
     basis = result.basis;
     view.error.clear();
     view.best.hidden = false;
@@ -303,8 +325,9 @@ function mount(root, services) {
   return {
     show() {
       showControls();
-      if (image) change();
-      else run(loadFirst);
+      if (!image) run(loadFirst);
+      else if (keyOf(setting()) !== shownKey || Boolean(basis) !== Boolean(state.get().searched)) change();
+      else run(rebuild);
     },
     hide() {},
   };

@@ -68,7 +68,7 @@ function octave(plan) {
     'if (ndims (image) == 3)',
     '  image = floor ((19595 * image(:,:,1) + 38470 * image(:,:,2) + 7471 * image(:,:,3) + 32768) / 65536);',
     'endif',
-    ...(image.reduced ? [`image = imresize (image, [${image.height}, ${image.width}]);    % of the package image`] : []),
+    ...(image.reduced ? [`image = imresize (image, [${image.height}, ${image.width}]);  % package image`] : []),
     ...(extended ? [
       'mirrored = @(n, length) [1:n, n:-1:1](1:length);',
       `x = image(mirrored (rows (image), ${rows}), mirrored (columns (image), ${cols}));`,

@@ -10,14 +10,17 @@ const SHORTEST_SIDE = 2;
 
 function checkSize(name, width, height) {
   if (Math.min(width, height) >= SHORTEST_SIDE) return;
-  throw new Error(`An image needs at least ${SHORTEST_SIDE} × ${SHORTEST_SIDE} pixels; ${name} has ${width} × ${height}.`);
+  const least = `${SHORTEST_SIDE} × ${SHORTEST_SIDE}`;
+  throw new Error(`An image needs at least ${least} pixels; ${name} has ${width} × ${height}.`);
 }
 
 // The three numbers of the head, between which there may be comments.
 function readPgmHead(bytes) {
   const text = new TextDecoder('latin1').decode(bytes.subarray(0, 1000));
   const found = /^P5(?:\s+#[^\n]*)*\s+(\d+)(?:\s+#[^\n]*)*\s+(\d+)(?:\s+#[^\n]*)*\s+(\d+)\s/.exec(text);
-  return found && { width: Number(found[1]), height: Number(found[2]), white: Number(found[3]), length: found[0].length };
+  if (!found) return null;
+  const [width, height, white] = found.slice(1).map(Number);
+  return { width, height, white, length: found[0].length };
 }
 
 function readPgm(bytes, name) {
@@ -80,15 +83,15 @@ async function pictureOf(blob, name) {
 }
 
 function notesOf(picture, size, { coloured, transparent }) {
-  const reduced = size.width !== picture.width;
+  const { width, height } = picture;
+  const reduced = size.width !== width;
   return {
     reduced,
     notes: [
-      reduced && `Its ${picture.width} × ${picture.height} pixels were reduced, as the longest side may have ${LONGEST_SIDE}.`,
+      reduced && `It was reduced from ${width} × ${height}, as the longest side may have ${LONGEST_SIDE}.`,
       coloured && 'Its colours were turned to grey: 0.299 red + 0.587 green + 0.114 blue.',
       transparent && 'Its transparent parts are shown on white.',
     ].filter(Boolean),
-    coloured,
   };
 }
 

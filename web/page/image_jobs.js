@@ -111,7 +111,8 @@ function paint({ width, height }, { rows, re }) {
 function rebuiltFrom(undula, setting, basis, share) {
   const { matrix, ...numbers } = keptOf(coefficientsOf(undula, setting, basis), share);
   const rebuilt = backward(undula, setting, basis, matrix);
-  return { ...numbers, size: [matrix.rows, matrix.cols], total: matrix.re.length, psnr: decibels(meanSquare(setting.image, rebuilt)), rebuilt };
+  const psnr = decibels(meanSquare(setting.image, rebuilt));
+  return { ...numbers, size: [matrix.rows, matrix.cols], total: matrix.re.length, psnr, rebuilt };
 }
 
 function painted(undula, setting, basis, share, report) {
@@ -192,7 +193,7 @@ const SAMPLE = 'camera.pgm';
 
 async function sampleBlob() {
   const response = await fetch(new URL(`./data/${SAMPLE}`, import.meta.url));
-  if (!response.ok) throw new Error(`The sample ${SAMPLE} could not be loaded: ${response.status} ${response.statusText}.`);
+  if (!response.ok) throw new Error(`The sample ${SAMPLE} could not be loaded: ${response.status}.`);
   return response.blob();
 }
 
@@ -236,7 +237,8 @@ function search(undula, { setting, cost: { name, threshold }, basisId }, report)
   memory.delete('best');
   report(null, 'Computing the packets');
   const cost = costFunction(name, threshold);
-  const table = undula.call(transformOf('wpt', setting.boundary), [extendedImage(setting), setting.levels, filterOf(undula, setting)]);
+  const table = undula.call(transformOf('wpt', setting.boundary),
+    [extendedImage(setting), setting.levels, filterOf(undula, setting)]);
   const calls = table.length * table[0].re.length;
   const packets = packetsOf(undula.call('best_basis', [table, countingCost(cost, calls, report)]));
   const basis = { id: basisId, packets };

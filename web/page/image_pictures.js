@@ -3,7 +3,8 @@
 import { escaped } from './export.js';
 
 const LABEL = '12px system-ui, sans-serif';
-const SMALLEST_LABELLED = 22;  // pixels of the page
+const LABEL_HEIGHT = 20;
+const LETTER_WIDTH = 8;
 
 // Where an image lies in a picture, as large as there is room.
 export function placeIn(image, width, height) {
@@ -99,7 +100,8 @@ const onPage = (place, { top, left, height, width }) => ({
   width: width * place.scale, height: height * place.scale,
 });
 
-const isLabelled = ({ width, height }) => Math.min(width, height) >= SMALLEST_LABELLED;
+const isLabelled = ({ width, height }, name) =>
+  Boolean(name) && height >= LABEL_HEIGHT && width >= LETTER_WIDTH * name.length;
 
 function drawLabel(context, text, { x, y }, theme) {
   context.font = LABEL;
@@ -138,7 +140,7 @@ function blocksPicture({ title, file, description, tell, coefficients, canvas, l
       context.lineWidth = 1;
       for (const { x, y, width: across, height: down } of rectangles) context.strokeRect(x, y, across, down);
       rectangles.forEach((rectangle, i) =>
-        blocks[i].name && isLabelled(rectangle) && drawLabel(context, blocks[i].name, rectangle, theme));
+        isLabelled(rectangle, blocks[i].name) && drawLabel(context, blocks[i].name, rectangle, theme));
     },
     svg(width, height, theme) {
       const place = placeIn(size, width, height);
@@ -146,7 +148,7 @@ function blocksPicture({ title, file, description, tell, coefficients, canvas, l
       const lines = rectangles.map(({ x, y, width: across, height: down }) =>
         `M${short(x)} ${short(y)}h${short(across)}v${short(down)}h${-short(across)}z`);
       const labels = rectangles.map((rectangle, i) =>
-        (blocks[i].name && isLabelled(rectangle) ? labelSvg(blocks[i].name, rectangle, theme) : ''));
+        (isLabelled(rectangle, blocks[i].name) ? labelSvg(blocks[i].name, rectangle, theme) : ''));
       return imageSvg(canvas(theme), place) +
         `<path d="${lines.join('')}" fill="none" stroke="${line(theme)}"/>${labels.join('')}`;
     },

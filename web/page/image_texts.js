@@ -2,8 +2,11 @@
 
 export const number = (value) => {
   if (!Number.isFinite(value)) return '∞';
-  const digits = Math.abs(value) < 1 ? 4 : Math.abs(value) < 1e6 ? 2 : 0;
-  return String(Number(value.toFixed(digits))).replace('-', '−');
+  if (value !== 0 && Math.abs(value) < 0.01) return value.toPrecision(2).replace(/-/g, '−');
+  const digits = Math.abs(value) < 1 ? 4 : 2;
+  const text = Math.abs(value) < 1e6 ? String(Number(value.toFixed(digits)))
+    : value.toFixed(0).replace(/\B(?=(\d{3})+$)/g, '\u202f');
+  return text.replace('-', '−');
 };
 
 const percent = (share) => `${Number((100 * share).toPrecision(3))} %`;
@@ -15,18 +18,20 @@ export function imageText({ name, width, height, pixels, notes }) {
     least = Math.min(least, value);
     greatest = Math.max(greatest, value);
   }
-  const greys = least === greatest ? `All are ${least}` : `Grey values from ${least} to ${greatest}, ${number(sum / pixels.length)} in the mean`;
+  const mean = number(sum / pixels.length);
+  const greys = least === greatest ? `All grey values are ${least}`
+    : `Grey values from ${least} to ${greatest}, ${mean} in the mean`;
   return [`${name}: ${width} × ${height} pixels.`, `${greys}.`, ...notes].join(' ');
 }
 
 function sizeText({ width, height }, [rows, cols]) {
   if (rows === height && cols === width) return '';
-  return ` The transform needs sides that can be halved so often, so the image was extended to ${cols} × ${rows} pixels by its ` +
-    'mirror image, which is cut off again.';
+  return ' Sides must be halved as often as there are levels, so the image was extended by its mirror image to ' +
+    `${cols} × ${rows} pixels; this is cut off again, and its coefficients are counted.`;
 }
 
 // An error of nothing but rounding is as good as none.
-export const qualityText = ({ psnr }) => (psnr > 200 ? 'exactly, up to rounding' : `${number(psnr)} dB`);
+export const qualityText = ({ psnr }) => (psnr > 200 ? 'over 200 dB, as only rounding errs' : `${number(psnr)} dB`);
 
 const keptText = ({ count, total, smallest }) =>
   `${count} of ${total} coefficients are kept (${percent(count / total)}), from a magnitude of ${number(smallest)} on`;
@@ -34,7 +39,8 @@ const keptText = ({ count, total, smallest }) =>
 // `best` may be null.
 export function compressionText(image, { wavelet, best }) {
   const first = `${keptText(wavelet)}. Peak signal-to-noise ratio: ${qualityText(wavelet)}`;
-  return `${first}${best ? ` in the wavelet basis, ${qualityText(best)} in the best basis` : ''}.${sizeText(image, wavelet.size)}`;
+  const second = best ? ` in the wavelet basis, ${qualityText(best)} in the best basis` : '';
+  return `${first}${second}.${sizeText(image, wavelet.size)}`;
 }
 
 // ---- Subbands
@@ -60,8 +66,8 @@ function levelsText(packets) {
 }
 
 export const basisText = ({ basis, cost }) =>
-  `The best basis has ${basis.packets.length} packets: ${levelsText(basis.packets)}. It costs ${number(cost.best)}, the ` +
-  `wavelet basis ${number(cost.wavelet)}.`;
+  `The best basis has ${basis.packets.length} packets: ${levelsText(basis.packets)}. ` +
+  `It costs ${number(cost.best)}, the wavelet basis ${number(cost.wavelet)}.`;
 
 export const packetTold = ({ level, row, col, height, width }) =>
   `Level ${level}, row ${row}, column ${col}: ${height} × ${width} coefficients`;
