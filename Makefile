@@ -17,6 +17,8 @@
 # make windows       the 32-bit Windows libraries, in build/windows/
 # make windows-test  check them, and run the C++ tests as Windows programs under Wine
 # make release-check the long checks before a release, FUZZ=1800 seconds of random calls among them
+# make web           the page that computes in the browser, in build/web
+# make web-test      its functions beside the native library, and the page in Chromium: pictures in build/web_pictures
 # make site          the site with guide, functions and gallery, in build/site/html
 # make site-check    open it in Chromium, check its links and take pictures, in build/site_pictures
 # make clean         remove build/ and out/
@@ -31,7 +33,7 @@ FUZZ = 1800
 PREFIX = /usr/local
 
 .PHONY: help build demo test install wheel deb octave octave-test bench accuracy reliability lint asan coverage fuzz mutants \
-        windows windows-test site site-check release-check clean
+        windows windows-test web web-test site site-check release-check clean
 
 help:
 	@sed -n 's/^# make/make/p' Makefile
@@ -132,7 +134,16 @@ windows-test: build windows
 	tools/install wine
 	tools/test_windows
 
-site:
+web:
+	tools/install build web
+	cmake --preset web
+	cmake --build --preset web
+
+web-test: build web
+	tools/install chromium
+	tools/test_web
+
+site: web
 	tools/install build site
 	cmake --preset release
 	cmake --build --preset release --target site
@@ -142,7 +153,7 @@ site-check: site
 	tools/photograph_site build/site/html build/site_pictures
 
 release-check:
-	tools/install build fftw test wheel octave demo lint fuzz windows wine site chromium deb
+	tools/install build fftw test wheel octave demo lint libcxx fuzz windows wine web site chromium deb
 	tools/release_check $(FUZZ)
 
 clean:

@@ -1,8 +1,9 @@
 """Makes the site: the pages of docs/, a page for each function, the helpers' help and the gallery.
 
-    PYTHONPATH=build/python python3 docs/make_site.py FOLDER
+    PYTHONPATH=build/python python3 docs/make_site.py FOLDER WEB
 
-The sources are put together in FOLDER/source; FOLDER/html is the site. Any warning is an error.
+The sources are put together in FOLDER/source; FOLDER/html is the site. Any warning is an error. WEB holds the page
+that computes in the browser, as `make web` makes it; in the site it is html/try.
 """
 
 import os
@@ -104,13 +105,14 @@ def _toctree(names):
 
 
 def main():
-    folder = Path(sys.argv[1]).resolve()
+    folder, web = (Path(argument).resolve() for argument in sys.argv[1:3])
     shutil.rmtree(folder, ignore_errors=True)
     gather(folder / "source")
     command = [sys.executable, "-m", "sphinx", "-q", "-W", "--keep-going", "-c", DOCS,
                "-d", folder / "doctrees", folder / "source", folder / "html"]
     subprocess.run(command, env={**os.environ, "PYTHONDONTWRITEBYTECODE": "1"}, check=True)
     mend_theme(folder / "html")
+    shutil.copytree(web, folder / "html" / "try")
 
 
 if __name__ == "__main__":

@@ -270,7 +270,8 @@ WideSignal cosinesOf(Direction direction, const Bell& bell, const Shape& shape, 
     };
     for (long c = 0; c < shape.cols; ++c) {
         const auto start = image.begin() + c * rows;
-        std::ranges::copy(line(down, {start, start + rows}, whole(rows)), start);
+        const WideSignal column = line(down, {start, start + rows}, whole(rows));
+        std::copy(column.begin(), column.end(), start);
     }
     const Cosines across(shape.cols >> shape.levels);
     for (long r = 0; r < rows; ++r) {
@@ -303,7 +304,8 @@ WideSignal refined(const Signal& taps, const WideSignal& old, long oldSteps, lon
 WideSignal valuesAtIntegers(const Signal& taps) {
     // From the first coefficient that is more than a rounding, where a jump belongs to what comes after it.
     WideSignal values(taps.size());
-    const auto first = std::ranges::find_if(taps, [](double tap) { return std::fabs(tap) > 1e-15; });
+    const auto counts = [](double tap) { return std::fabs(tap) > 1e-15; };
+    const auto first = std::find_if(taps.begin(), taps.end(), counts);
     values[static_cast<std::size_t>(first - taps.begin())] = 1.0;
     Wide change = 0.0;
     for (int i = 0; i < 2000; ++i) {

@@ -12,7 +12,7 @@
 #define EFI_OPERATION
 #endif
 
-// A type whose objects are thrown from one library and caught in another.
+// A type that one library throws, or a pointer to it, and another catches.
 #define EFI_THROWN __attribute__((visibility("default")))
 
 // The host defines the operations that packs import; the pack defines the table that hosts read.

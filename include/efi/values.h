@@ -28,7 +28,7 @@ struct Anyval {
 };
 
 // A message and the argument that it is about. The host may add fields after these.
-struct aError : Anyval {
+struct EFI_THROWN aError : Anyval {
     std::int32_t hostField;
     std::int32_t argIndex;  // 1-based position of the argument at fault; 0: the call as a whole
 };

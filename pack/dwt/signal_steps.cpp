@@ -143,7 +143,8 @@ void SignalSynthesis::runEnds(const double* low, const double* high, double* x) 
 
 void SignalSynthesis::runBack(const double* low, const double* high, double* values, double* x) {
     runExtended(low, high, backPair(), backEnd(), values);
-    const Index inside = rows.position(backPair());
+    // Of short data even the first of these pairs may lie behind the end.
+    const Index inside = std::min(rows.position(backPair()), rows.samples());
     std::copy_n(values, rows.samples() - inside, x + inside);
 }
 

@@ -5,7 +5,7 @@
 
 namespace {
 
-std::vector<std::string> quoted(std::string_view line) {
+std::vector<std::string> textsIn(std::string_view line) {
     std::vector<std::string> texts;
     for (std::size_t from = line.find('"'); from != std::string_view::npos; from = line.find('"')) {
         const std::size_t length = line.substr(from + 1).find('"');
@@ -19,7 +19,7 @@ std::vector<std::string> quoted(std::string_view line) {
 // The lists of names in a line such as forms = [["x"], ["x", "level"]].
 void addForms(std::string_view line, std::vector<std::vector<std::string>>& forms) {
     for (std::size_t end = line.find(']'); end != std::string_view::npos; end = line.find(']')) {
-        auto names = quoted(line.substr(0, end));
+        auto names = textsIn(line.substr(0, end));
         if (!names.empty()) forms.push_back(std::move(names));
         line.remove_prefix(end + 1);
     }
@@ -27,7 +27,7 @@ void addForms(std::string_view line, std::vector<std::vector<std::string>>& form
 
 // What a line such as ["level", "must be real", "when", "call"] documents; empty for another one.
 std::string errorIn(const std::string& line) {
-    const auto texts = quoted(line);
+    const auto texts = textsIn(line);
     return line.find("[\"") == std::string::npos || texts.size() < 2 ? "" : texts[1] + " (" + texts[0] + ")";
 }
 
@@ -46,7 +46,7 @@ std::map<std::string, Documented, std::less<>> readAll() {
         Documented& function = all[table.substr(table.find('.') + 1)];
         if (key == "forms") addForms(line, function.forms);
         if (key != "errors") continue;
-        if (line.starts_with("    \"")) text = named[quoted(line).at(0)];
+        if (line.starts_with("    \"")) text = named[textsIn(line).at(0)];
         if (!text.empty()) function.errors.insert(text);
     }
     return all;

@@ -55,7 +55,8 @@ std::map<std::string, Tally> tallies;
 int inverses = 0;
 
 bool isFinite(const Value& value) {
-    return std::ranges::all_of(flat(value), [](double number) { return std::isfinite(number); });
+    const Numbers numbers = flat(value);
+    return std::all_of(numbers.begin(), numbers.end(), [](double number) { return std::isfinite(number); });
 }
 
 double largest(const Numbers& numbers) {
@@ -210,8 +211,8 @@ class Sequence : Draws {
         for (std::size_t form = 0; form < forms.size() && place > 0; ++form) {
             if (forms[form].size() != arguments.size()) continue;
             error = message + " (" + forms[form][place - 1] + ")";
-            refusal = refusals.at(std::ranges::find(listedFunctions(), function_, &ListedFunction::name)
-                                      ->forms[form][place - 1]);
+            for (const ListedFunction& listed : listedFunctions())
+                if (listed.name == function_) refusal = refusals.at(listed.forms[form][place - 1]);
         }
         tallies[function_].errors.insert(error);
         const bool isOfKind = place > 0 && (message == refusal || message == "illegal context");

@@ -57,9 +57,9 @@ int treeOrder(int row, int col) {
 }
 
 Tiling inOrder(Tiling tiling) {
-    std::ranges::sort(tiling, {}, [](const TestPacket& packet) {
-        return std::pair(packet.level, treeOrder(packet.row, packet.col));
-    });
+    const auto place = [](const TestPacket& p) { return std::pair(p.level, treeOrder(p.row, p.col)); };
+    std::sort(tiling.begin(), tiling.end(),
+              [=](const auto& a, const auto& b) { return place(a) < place(b); });
     return tiling;
 }
 

@@ -53,7 +53,7 @@ std::string exportedName(std::string_view function, std::string_view arguments) 
     for (const char letter : arguments) {
         if (letter == '#') return name + "iz";
         const std::string_view type = mangledClass(letter);
-        const auto known = std::ranges::find(seen, type);
+        const auto known = std::find(seen.begin(), seen.end(), type);
         if (known != seen.end()) {
             name.append("S").append(std::to_string(2 * (known - seen.begin()) + 2)).append("_");
         } else {

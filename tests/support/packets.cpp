@@ -159,7 +159,7 @@ Value square(int dimensions, int side) {
 
 Grid picked(const Value& table, const Tiling& tiling) {
     Grid result = Grid::of(table.nested(0, 0));
-    std::ranges::fill(result.values, std::nan(""));
+    result.values.assign(result.values.size(), std::nan(""));
     for (const TestPacket& packet : tiling) {
         const Place place = placeOf(result.rows, result.cols, packet);
         result.put(place, Grid::of(table.nested(packet.level, 0)).part(place));

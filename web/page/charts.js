@@ -10,17 +10,17 @@
 //   });
 //   chart.update(record);          fast: keeps the zoom if x goes as far as before
 //
-// Series may share one x, which is fastest if it is the same array, or have one each. `steps` hold each value up to
-// the next x. NaN leaves a gap. A zoom is made by dragging, with the buttons, or with + - arrows and 0 on the chart;
-// a double click shows the whole again. What lies under the pointer is told in the legend.
+// Series may share one x, which is fastest if it is the same array, or have one each. `steps` hold each value
+// up to the next x. NaN leaves a gap. A zoom is made by dragging, with the buttons, or with + - arrows and 0 on
+// the chart; a double click shows the whole again. What lies under the pointer is told in the legend.
 //
 //   const picture = charts.picture(parent, {
 //     title, description, height, file,
-//     aspect,                                       optional, in place of height: width over height
-//     draw(context, width, height, theme),          in pixels of the page; see theme.js for the colours
-//     svg(width, height, theme),                    optional: the same as SVG elements, a text
-//     natural(),                                    optional: a canvas to be saved as PNG in place of what is drawn
-//     tell(x, y, width, height),                    optional: a text about the point, from 0, 0 (top left) to 1, 1
+//     aspect,                             optional, in place of height: width over height
+//     draw(context, width, height, theme),  in pixels of the page; see theme.js for the colours
+//     svg(width, height, theme),          optional: the same as SVG elements, a text
+//     natural(),                          optional: a canvas to be saved as PNG in place of what is drawn
+//     tell(x, y, width, height),          optional: a text about the point, from 0, 0 (top left) to 1, 1
 //   });
 //   picture.update(record);
 //
@@ -34,7 +34,8 @@ import { lineSvg, pictureSvg, pngOfSvg, swatchSvg } from './export.js';
 const HEIGHT = 260;
 const FONT = '12px system-ui, sans-serif';
 
-export const formatted = (value) => (value === null || value === undefined ? '' : String(Number(value.toPrecision(6))));
+export const formatted = (value) =>
+  value === null || value === undefined ? '' : String(Number(value.toPrecision(6)));
 
 const fileName = (record) => record.file ?? record.title.toLowerCase().replace(/[^a-z0-9]+/g, '-');
 
@@ -65,7 +66,7 @@ function watchWidth(box, resized) {
   let width = 0;
   const observer = new ResizeObserver(() => {
     const now = Math.floor(box.clientWidth);
-    if (now === width || now === 0) return;  // 0 while the panel is hidden
+    if (now === width || now === 0) return; // 0 while the panel is hidden
     width = now;
     resized(width);
   });
@@ -80,7 +81,10 @@ const sameX = (a, b) => a === b || (a.length === b.length && a.every((value, i) 
 function alignedData(series) {
   if (series.length === 0) return [[]];
   if (series.every(({ x }) => sameX(x, series[0].x))) return [series[0].x, ...series.map(({ y }) => y)];
-  return uPlot.join(series.map(({ x, y }) => [x, y]), series.map(() => [0, 0]));
+  return uPlot.join(
+    series.map(({ x, y }) => [x, y]),
+    series.map(() => [0, 0]),
+  );
 }
 
 function extent(series) {
@@ -110,7 +114,9 @@ function stemPaths(u, index, from, to) {
   const [xs, ys] = [u.data[0], u.data[index]];
   const [xPlace, yPlace] = [placeOn(u, 'x'), placeOn(u, 'y')];
   const zero = yPlace(0);
-  let column = -1, top = zero, bottom = zero;
+  let column = -1,
+    top = zero,
+    bottom = zero;
   const draw = () => {
     path.moveTo(column, top);
     path.lineTo(column, bottom);
@@ -132,7 +138,10 @@ function stemPaths(u, index, from, to) {
 
 const sparse = (u, _, from, to) => (to - from) * 7 < u.width;
 
-function seriesOptions({ label, kind }, index, colours) {
+// Points on whole pixels can be thinned, which makes long lines fast; short ones are smoother without.
+const isDense = (x) => x.length > 16384;
+
+function seriesOptions({ label, kind, x }, index, colours) {
   const stroke = colours.series[index % colours.series.length];
   const stems = kind === 'stems';
   const paths = { stems: stemPaths, steps: uPlot.paths.stepped({ align: 1 }) }[kind];
@@ -142,6 +151,7 @@ function seriesOptions({ label, kind }, index, colours) {
     stroke,
     width: stems ? 1.5 : 1.75,
     dash: stems ? [] : colours.dashes[index % colours.dashes.length],
+    pxAlign: isDense(x) ? 1 : 0,
     spanGaps: true,
     points: stems ? { show: sparse, size: 7, fill, stroke } : { show: false },
     ...(paths ? { paths } : {}),
@@ -150,7 +160,8 @@ function seriesOptions({ label, kind }, index, colours) {
 
 const tickText = (value) => String(Number(value.toPrecision(8))).replace('-', '−');
 
-const WHOLE_STEPS = [1, 2, 5].flatMap((digit) => Array.from({ length: 9 }, (_, i) => digit * 10 ** i))
+const WHOLE_STEPS = [1, 2, 5]
+  .flatMap((digit) => Array.from({ length: 9 }, (_, i) => digit * 10 ** i))
   .sort((a, b) => a - b);
 
 function axisOptions(label, side, colours) {
@@ -174,7 +185,12 @@ function plotOptions(record, width, colours, hooks) {
     width,
     height: record.height ?? HEIGHT,
     legend: { show: false },
-    cursor: { drag: { x: true, y: false, dist: 5 }, y: false, points: { size: 6 }, bind: { dblclick: () => hooks.reset } },
+    cursor: {
+      drag: { x: true, y: false, dist: 5 },
+      y: false,
+      points: { size: 6 },
+      bind: { dblclick: () => hooks.reset },
+    },
     scales: {
       x: { time: false, auto: false, range: (_, min, max) => [min, max] },
       y: { range: (_, min, max) => hooks.range() ?? padded(min, max) },
@@ -200,7 +216,8 @@ function fillLegend(legend, record, colours) {
   const place = make('span', { class: 'place' });
   const values = record.series.map(() => make('span', { class: 'number' }));
   const entries = record.series.map((each, i) =>
-    make('span', { class: 'entry' }, swatch(each, i, colours), ` ${each.label} `, values[i]));
+    make('span', { class: 'entry' }, swatch(each, i, colours), ` ${each.label} `, values[i]),
+  );
   legend.replaceChildren(...entries, place);
   return (plot) => {
     const { idx } = plot.cursor;
@@ -214,7 +231,7 @@ function fillLegend(legend, record, colours) {
 
 // What makes another chart necessary, and not only other data.
 const shapeOf = ({ xLabel, yLabel, height, series }) =>
-  JSON.stringify([xLabel, yLabel, height, series.map(({ label, kind }) => [label, kind])]);
+  JSON.stringify([xLabel, yLabel, height, series.map(({ label, kind, x }) => [label, kind, isDense(x)])]);
 
 export function line(parent, record) {
   const frame = frameOf(parent, record);
@@ -267,8 +284,12 @@ export function line(parent, record) {
   }
 
   const keys = {
-    '+': () => zoom(0.5), '=': () => zoom(0.5), '-': () => zoom(2), '0': reset,
-    ArrowLeft: () => zoom(1, -0.2), ArrowRight: () => zoom(1, 0.2),
+    '+': () => zoom(0.5),
+    '=': () => zoom(0.5),
+    '-': () => zoom(2),
+    0: reset,
+    ArrowLeft: () => zoom(1, -0.2),
+    ArrowRight: () => zoom(1, 0.2),
   };
   frame.box.addEventListener('keydown', (event) => {
     if (!keys[event.key] || event.ctrlKey || event.metaKey || event.altKey) return;
@@ -285,13 +306,17 @@ export function line(parent, record) {
   tool(frame, '0', 'Show the whole', reset);
   tool(frame, 'PNG', 'Save as PNG', async () => download(await pngOfSvg(svg()), `${fileName(current)}.png`));
   tool(frame, 'SVG', 'Save as SVG', () =>
-    download(new Blob([svg()], { type: 'image/svg+xml' }), `${fileName(current)}.svg`));
+    download(new Blob([svg()], { type: 'image/svg+xml' }), `${fileName(current)}.svg`),
+  );
 
-  const ends = [onThemeChange(build), watchWidth(frame.box, (newWidth) => {
-    width = newWidth;
-    if (plot) plot.setSize({ width, height: current.height ?? HEIGHT });
-    else build();
-  })];
+  const ends = [
+    onThemeChange(build),
+    watchWidth(frame.box, (newWidth) => {
+      width = newWidth;
+      if (plot) plot.setSize({ width, height: current.height ?? HEIGHT });
+      else build();
+    }),
+  ];
   return {
     element: frame.element,
     update,
@@ -346,16 +371,24 @@ export function picture(parent, record) {
 
   const save = (blob, kind) => download(blob, `${fileName(current)}.${kind}`);
   tool(frame, 'PNG', 'Save as PNG', () =>
-    (current.natural?.() ?? drawn(current, width, 2, theme())).toBlob((blob) => save(blob, 'png'), 'image/png'));
+    (current.natural?.() ?? drawn(current, width, 2, theme())).toBlob((blob) => save(blob, 'png'), 'image/png'),
+  );
   if (record.svg) {
     tool(frame, 'SVG', 'Save as SVG', () =>
-      save(new Blob([pictureSvg(current, width, heightOf(current, width), theme())], { type: 'image/svg+xml' }), 'svg'));
+      save(
+        new Blob([pictureSvg(current, width, heightOf(current, width), theme())], { type: 'image/svg+xml' }),
+        'svg',
+      ),
+    );
   }
 
-  const ends = [onThemeChange(soon), watchWidth(frame.box, (newWidth) => {
-    width = newWidth;
-    redraw();
-  })];
+  const ends = [
+    onThemeChange(soon),
+    watchWidth(frame.box, (newWidth) => {
+      width = newWidth;
+      redraw();
+    }),
+  ];
   return {
     element: frame.element,
     update(newRecord) {

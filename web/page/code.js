@@ -6,7 +6,11 @@
 
 import { copyButton, make } from './controls.js';
 
-const LANGUAGES = [['python', 'Python'], ['cpp', 'C++'], ['octave', 'Octave']];
+const LANGUAGES = [
+  ['python', 'Python'],
+  ['cpp', 'C++'],
+  ['octave', 'Octave'],
+];
 
 export function codeBlock(announce) {
   const texts = {};

@@ -12,10 +12,10 @@
 //       ends the worker. What was outstanding rejects with an error of the name 'Cancelled' (see isCancelled);
 //       the next job starts a new worker, which remembers nothing.
 //
-// An error of the pack arrives as an Error of the name 'UndulaError' with its fields function, argument (position,
-// 0 for the call as a whole), argumentName and reason (the pack's own words); its message is the whole sentence.
+// An error of the pack arrives as an Error of the name 'UndulaError' with its fields function, argument
+// (position, 0 for the call as a whole), argumentName and reason (the pack's words); its message has them all.
 
-const QUIET = 150;  // ms that a job may take before the page says that it is computing
+const QUIET = 150; // ms that a job may take before the page says that it is computing
 
 export const isCancelled = (error) => error?.name === 'Cancelled';
 
@@ -24,7 +24,7 @@ const errorOf = (fields) => Object.assign(new Error(fields.message), fields);
 // `onStatus` is called with { busy, fraction, text } whenever that changes; fraction is null while unknown.
 export function createCompute(onStatus) {
   const outstanding = new Map();
-  const series = new Map();  // key -> { waiting: null or the newest request }
+  const series = new Map(); // key -> { waiting: null or the newest request }
   let worker = null;
   let lastId = 0;
   let quiet = 0;
@@ -104,7 +104,9 @@ export function createCompute(onStatus) {
       series.delete(key);
       return;
     }
-    run(request.name, request.parameters).then(request.resolve, request.reject).finally(() => next(key));
+    run(request.name, request.parameters)
+      .then(request.resolve, request.reject)
+      .finally(() => next(key));
   }
 
   function latest(key, name, parameters) {

@@ -1,21 +1,22 @@
-// The controls that all panels are made of. Each returns a record with `element`, to be put somewhere, and what is
-// named below. Labels are visible texts.
+// The controls that all panels are made of. Each returns a record with `element`, to be put somewhere, and
+// what is named below. Labels are visible texts.
 //
 //   make('p', { class: 'hint', onclick: f }, 'text', child...)   an element
 //   select({ label, options: [{ value, text, disabled }], value, onChange(value) })
-//                                                                -> value (get, set), setOptions(options, value)
+//                                                              -> value (get, set), setOptions(options, value)
 //   slider({ label, min, max, step, value, format(number), onInput(number), onChange(number) })
-//       onInput at each step of the hand, onChange when it rests  -> value (get, set), setRange({ min, max, step })
-//   number({ label, min, max, step, value, onChange(number) })   -> value (get, set), setRange({ min, max })
-//   checkbox({ label, value, onChange(boolean) })                -> value (get, set)
+//       onInput at each step of the hand, onChange when it rests
+//                                                            -> value (get, set), setRange({ min, max, step })
+//   number({ label, min, max, step, value, onChange(number) }) -> value (get, set), setRange({ min, max })
+//   checkbox({ label, value, onChange(boolean) })              -> value (get, set)
 //   button({ text, label, onClick })
 //   copyButton(() => text, what, announce)
-//   fileDrop({ label, accept, onFile(file), target })            a button; files may be dropped on `target` too
-//   errorLine()                                                  -> show(text), clear(); is read out at once
-//   table({ caption, head: [texts], rows: [[texts]] })           -> update(rows)
-//   group(label, ...elements)                                    controls in a row
-//   section(title, ...elements)                                  a part of a panel, under a heading
-//   download(blob, name)                                         saves a file
+//   fileDrop({ label, accept, onFile(file), target })          a button; files may be dropped on `target` too
+//   errorLine()                                                -> show(text), clear(); is read out at once
+//   table({ caption, head: [texts], rows: [[texts]] })         -> update(rows)
+//   group(label, ...elements)                                  controls in a row
+//   section(title, ...elements)                                a part of a panel, under a heading
+//   download(blob, name)                                       saves a file
 
 let ids = 0;
 
@@ -45,7 +46,8 @@ export function select({ label, options, value, onChange }) {
   const control = make('select', { onchange: () => onChange(control.value) });
   const setOptions = (newOptions, newValue) => {
     const choices = newOptions.map((option) =>
-      make('option', { value: option.value, disabled: option.disabled }, option.text));
+      make('option', { value: option.value, disabled: option.disabled }, option.text),
+    );
     control.replaceChildren(...choices);
     control.value = newValue;
   };
@@ -53,8 +55,12 @@ export function select({ label, options, value, onChange }) {
   return {
     element: labelled(label, control),
     setOptions,
-    get value() { return control.value; },
-    set value(newValue) { control.value = newValue; },
+    get value() {
+      return control.value;
+    },
+    set value(newValue) {
+      control.value = newValue;
+    },
   };
 }
 
@@ -84,8 +90,12 @@ export function slider({ label, min, max, step = 1, value, format = String, onIn
       Object.assign(control, range);
       tell();
     },
-    get value() { return Number(control.value); },
-    set value(newValue) { set(newValue); },
+    get value() {
+      return Number(control.value);
+    },
+    set value(newValue) {
+      set(newValue);
+    },
   };
 }
 
@@ -101,9 +111,15 @@ export function number({ label, min, max, step = 1, value, onChange }) {
   });
   return {
     element: labelled(label, control),
-    setRange(range) { Object.assign(control, range); },
-    get value() { return Number(control.value); },
-    set value(newValue) { control.value = newValue; },
+    setRange(range) {
+      Object.assign(control, range);
+    },
+    get value() {
+      return Number(control.value);
+    },
+    set value(newValue) {
+      control.value = newValue;
+    },
   };
 }
 
@@ -113,8 +129,12 @@ export function checkbox({ label, value, onChange }) {
   const element = make('label', { class: 'control checkbox' }, control, ` ${label}`);
   return {
     element,
-    get value() { return control.checked; },
-    set value(newValue) { control.checked = newValue; },
+    get value() {
+      return control.checked;
+    },
+    set value(newValue) {
+      control.checked = newValue;
+    },
   };
 }
 
@@ -150,7 +170,7 @@ export function fileDrop({ label, accept, onFile, target }) {
   const input = make('input', { type: 'file', accept, class: 'unseen', tabindex: '-1', 'aria-hidden': 'true' });
   input.addEventListener('change', () => {
     if (input.files.length) onFile(input.files[0]);
-    input.value = '';  // so that the same file can be chosen again
+    input.value = ''; // so that the same file can be chosen again
   });
   const open = button({ text: label, onClick: () => input.click() });
   const area = make('div', { class: 'drop' }, open.element, input, make('span', {}, 'or drop one here'));
@@ -181,12 +201,19 @@ export function errorLine() {
 
 export function table({ caption, head, rows }) {
   const body = make('tbody');
-  const update = (newRows) => body.replaceChildren(...newRows.map((row) =>
-    make('tr', {}, ...row.map((cell, i) => make(i ? 'td' : 'th', i ? {} : { scope: 'row' }, String(cell))))));
+  const update = (newRows) =>
+    body.replaceChildren(
+      ...newRows.map((row) =>
+        make('tr', {}, ...row.map((cell, i) => make(i ? 'td' : 'th', i ? {} : { scope: 'row' }, String(cell)))),
+      ),
+    );
   const heading = make('thead', {}, make('tr', {}, ...head.map((text) => make('th', { scope: 'col' }, text))));
   update(rows);
   const whole = make('table', {}, make('caption', {}, caption), heading, body);
-  return { element: make('div', { class: 'scrolls', tabindex: '0', role: 'group', 'aria-label': caption }, whole), update };
+  return {
+    element: make('div', { class: 'scrolls', tabindex: '0', role: 'group', 'aria-label': caption }, whole),
+    update,
+  };
 }
 
 export const group = (label, ...elements) =>

@@ -1,6 +1,7 @@
 // Charts as files. The SVG is written from the record of the chart; the PNG is made of the SVG.
 
-const WIDTH = 800, HEIGHT = 440;
+const WIDTH = 800,
+  HEIGHT = 440;
 const MARGIN = { left: 76, right: 20, top: 44, bottom: 56 };
 const FONT = 'font-family="system-ui, sans-serif"';
 
@@ -30,7 +31,12 @@ function thinned(points) {
   let cell = [];
   const close = () => {
     const values = cell.map(([, y]) => y);
-    const wanted = [0, values.indexOf(Math.min(...values)), values.indexOf(Math.max(...values)), cell.length - 1];
+    const wanted = [
+      0,
+      values.indexOf(Math.min(...values)),
+      values.indexOf(Math.max(...values)),
+      cell.length - 1,
+    ];
     kept.push(...[...new Set(wanted)].sort((a, b) => a - b).map((i) => cell[i]));
   };
   for (const point of points) {
@@ -50,7 +56,8 @@ function stepped(points) {
 
 // Where a series lies on the paper; one point beyond each end, so that lines reach the frame. NaN parts it.
 function runsOf({ x, y }, place, [from, to]) {
-  let first = 0, last = x.length - 1;
+  let first = 0,
+    last = x.length - 1;
   while (first < last && x[first + 1] < from) first += 1;
   while (last > first && x[last - 1] > to) last -= 1;
   const runs = [[]];
@@ -69,9 +76,15 @@ function drawnStems(points, zero, stroke, fill) {
     const [, least, greatest] = columns.get(column) ?? [x, zero, zero];
     columns.set(column, [x, Math.min(least, y), Math.max(greatest, y)]);
   }
-  const stems = [...columns.values()].map(([x, least, greatest]) => `M${short(x)} ${short(least)}V${short(greatest)}`);
-  const marks = points.length > WIDTH / 8 ? [] : points.map(([x, y]) => `<circle cx="${short(x)}" cy="${short(y)}" r="3.5"/>`);
-  return `<g stroke="${stroke}" stroke-width="1.5" fill="${fill}"><path d="${stems.join('')}"/>${marks.join('')}</g>`;
+  const stems = [...columns.values()].map(
+    ([x, least, greatest]) => `M${short(x)} ${short(least)}V${short(greatest)}`,
+  );
+  const marks =
+    points.length > WIDTH / 8
+      ? []
+      : points.map(([x, y]) => `<circle cx="${short(x)}" cy="${short(y)}" r="3.5"/>`);
+  const inside = `<path d="${stems.join('')}"/>${marks.join('')}`;
+  return `<g stroke="${stroke}" stroke-width="1.5" fill="${fill}">${inside}</g>`;
 }
 
 function drawnSeries(series, index, place, view, theme) {
@@ -84,8 +97,10 @@ function drawnSeries(series, index, place, view, theme) {
     const points = thinned(series.kind === 'steps' ? stepped(run) : run);
     return `<polyline points="${points.map((point) => point.map(short).join(',')).join(' ')}"/>`;
   });
-  return `<g stroke="${stroke}" stroke-width="1.75" stroke-linejoin="round" fill="none" stroke-dasharray="${dash}">` +
-    `${lines.join('')}</g>`;
+  return (
+    `<g stroke-linejoin="round" stroke="${stroke}" stroke-width="1.75" stroke-dasharray="${dash}" fill="none">` +
+    `${lines.join('')}</g>`
+  );
 }
 
 function axes(record, place, view, theme) {
@@ -96,14 +111,16 @@ function axes(record, place, view, theme) {
     ...xs.map((x) => `<path d="M${short(place.x(x))} ${top}V${HEIGHT - bottom}"/>`),
     ...ys.map((y) => `<path d="M${left} ${short(place.y(y))}H${WIDTH - right}"/>`),
   ];
+  const middle = (x, y, name) => `<text x="${short(x)}" y="${y}" text-anchor="middle">${escaped(name)}</text>`;
   const names = [
-    ...xs.map((x) => `<text x="${short(place.x(x))}" y="${HEIGHT - bottom + 18}" text-anchor="middle">${text(x)}</text>`),
+    ...xs.map((x) => middle(place.x(x), HEIGHT - bottom + 18, text(x))),
     ...ys.map((y) => `<text x="${left - 8}" y="${short(place.y(y) + 4)}" text-anchor="end">${text(y)}</text>`),
-    `<text x="${(left + WIDTH - right) / 2}" y="${HEIGHT - bottom + 40}" text-anchor="middle">${escaped(record.xLabel)}</text>`,
+    middle((left + WIDTH - right) / 2, HEIGHT - bottom + 40, record.xLabel),
     `<text transform="translate(18 ${(top + HEIGHT - bottom) / 2}) rotate(-90)" text-anchor="middle">` +
       `${escaped(record.yLabel)}</text>`,
   ];
-  return `<g stroke="${theme.grid}">${grid.join('')}</g><g fill="${theme.muted}" ${FONT} font-size="12">${names.join('')}</g>`;
+  const lines = `<g stroke="${theme.grid}">${grid.join('')}</g>`;
+  return `${lines}<g fill="${theme.muted}" ${FONT} font-size="12">${names.join('')}</g>`;
 }
 
 // The mark of a series in a legend, from x on, with its middle at y.
@@ -127,9 +144,12 @@ function legend(series, theme) {
 }
 
 function sheet(title, description, width, height, theme, inside) {
-  return `<svg xmlns="http://www.w3.org/2000/svg" width="${width}" height="${height}" viewBox="0 0 ${width} ${height}">` +
+  const size = `width="${width}" height="${height}" viewBox="0 0 ${width} ${height}"`;
+  return (
+    `<svg xmlns="http://www.w3.org/2000/svg" ${size}>` +
     `<title>${escaped(title)}</title><desc>${escaped(description)}</desc>` +
-    `<rect width="${width}" height="${height}" fill="${theme.background}"/>${inside}</svg>`;
+    `<rect width="${width}" height="${height}" fill="${theme.background}"/>${inside}</svg>`
+  );
 }
 
 // `view` is what is shown of both axes: { x: [from, to], y: [from, to] }.
@@ -140,11 +160,13 @@ export function lineSvg(record, view, theme) {
     x: (x) => left + (width * (x - view.x[0])) / (view.x[1] - view.x[0]),
     y: (y) => top + (height * (view.y[1] - y)) / (view.y[1] - view.y[0]),
   };
+  const series = record.series.map((each, i) => drawnSeries(each, i, place, view, theme));
+  const look = `${FONT} font-size="16" font-weight="600" fill="${theme.foreground}"`;
   const inside = [
     `<clipPath id="frame"><rect x="${left}" y="${top}" width="${width}" height="${height}"/></clipPath>`,
     axes(record, place, view, theme),
-    `<g clip-path="url(#frame)">${record.series.map((each, i) => drawnSeries(each, i, place, view, theme)).join('')}</g>`,
-    `<text x="${left}" y="22" ${FONT} font-size="16" font-weight="600" fill="${theme.foreground}">${escaped(record.title)}</text>`,
+    `<g clip-path="url(#frame)">${series.join('')}</g>`,
+    `<text x="${left}" y="22" ${look}>${escaped(record.title)}</text>`,
     legend(record.series, theme),
   ];
   return sheet(record.title, record.description, WIDTH, HEIGHT, theme, inside.join(''));
@@ -163,7 +185,9 @@ export async function pngOfSvg(text, scale = 2) {
     const canvas = document.createElement('canvas');
     [canvas.width, canvas.height] = [image.width * scale, image.height * scale];
     canvas.getContext('2d').drawImage(image, 0, 0, canvas.width, canvas.height);
-    return await new Promise((resolve) => { canvas.toBlob(resolve, 'image/png'); });
+    return await new Promise((resolve) => {
+      canvas.toBlob(resolve, 'image/png');
+    });
   } finally {
     URL.revokeObjectURL(address);
   }

@@ -1,8 +1,8 @@
 // Starts the page: the tabs, the status line, and the panels, each of which is mounted when it is first opened.
 //
-// A panel is { id, title, defaults, mount(root, services) }. `defaults` names the keys of its state (state.js). `mount`
-// fills `root` and returns { show(state), hide() }: `show` is called with the panel's whole state whenever it is
-// opened and when the address has changed; `hide` when another is opened.
+// A panel is { id, title, defaults, mount(root, services) }. `defaults` names the keys of its state (state.js).
+// `mount` fills `root` and returns { show(state), hide() }: `show` is called with the panel's whole state
+// whenever it is opened and when the address has changed; `hide` when another is opened.
 //
 // services = {
 //   compute      run, latest, cancel (compute.js)
@@ -28,7 +28,9 @@ const byId = (id) => document.getElementById(id);
 function announce(text) {
   byId('announcements').textContent = '';
   // A text that did not change would not be read again.
-  setTimeout(() => { byId('announcements').textContent = text; }, 50);
+  setTimeout(() => {
+    byId('announcements').textContent = text;
+  }, 50);
 }
 
 function showStatus({ busy, fraction, text }) {
@@ -45,14 +47,27 @@ const state = createState(Object.fromEntries(panels.map(({ id, defaults }) => [i
 const mounted = new Map();
 
 function tabOf({ id, title }) {
-  return make('button', {
-    type: 'button', role: 'tab', id: `tab-${id}`, 'aria-controls': `panel-${id}`,
-    onclick: () => state.panel() !== id && state.open(id),
-  }, title);
+  return make(
+    'button',
+    {
+      type: 'button',
+      role: 'tab',
+      id: `tab-${id}`,
+      'aria-controls': `panel-${id}`,
+      onclick: () => state.panel() !== id && state.open(id),
+    },
+    title,
+  );
 }
 
 const rootOf = ({ id }) =>
-  make('div', { role: 'tabpanel', id: `panel-${id}`, class: 'panel', 'aria-labelledby': `tab-${id}`, hidden: true });
+  make('div', {
+    role: 'tabpanel',
+    id: `panel-${id}`,
+    class: 'panel',
+    'aria-labelledby': `tab-${id}`,
+    hidden: true,
+  });
 
 function servicesOf(id) {
   const ofPanel = { get: () => state.of(id), set: (changes) => state.set(id, changes) };
@@ -84,7 +99,9 @@ function moveAlongTabs(event) {
   const { length } = panels;
   const next = Number.isFinite(steps[event.key])
     ? (now + steps[event.key] + length) % length
-    : steps[event.key] > 0 ? length - 1 : 0;
+    : steps[event.key] > 0
+      ? length - 1
+      : 0;
   state.open(panels[next].id);
   byId(`tab-${panels[next].id}`).focus();
 }

@@ -17,9 +17,10 @@
 
 export const SHARED = { wavelet: 'daublet8', boundary: 'periodic' };
 
-const REWRITE_AFTER = 250;  // ms; browsers refuse addresses that change with every step of a slider
+const REWRITE_AFTER = 250; // ms; browsers refuse addresses that change with every step of a slider
 
-const texts = (record) => Object.fromEntries(Object.entries(record).map(([key, value]) => [key, String(value)]));
+const texts = (record) =>
+  Object.fromEntries(Object.entries(record).map(([key, value]) => [key, String(value)]));
 
 function parse(fragment) {
   const [panel, query = ''] = fragment.replace(/^#/, '').split('?', 2);
@@ -31,7 +32,9 @@ function pick(record, keys) {
 }
 
 export function createState(defaultsOfPanels) {
-  const defaults = Object.fromEntries(Object.entries(defaultsOfPanels).map(([id, record]) => [id, texts(record)]));
+  const defaults = Object.fromEntries(
+    Object.entries(defaultsOfPanels).map(([id, record]) => [id, texts(record)]),
+  );
   const values = Object.fromEntries(Object.keys(defaults).map((id) => [id, {}]));
   const listeners = new Set();
   let shared = texts(SHARED);
@@ -55,8 +58,7 @@ export function createState(defaultsOfPanels) {
   // What the address does not tell is at its default.
   function read() {
     const told = parse(location.hash);
-    if (!Object.hasOwn(defaults, told.panel)) return;
-    open = told.panel;
+    open = Object.hasOwn(defaults, told.panel) ? told.panel : Object.keys(defaults)[0];
     values[open] = {};
     shared = texts(SHARED);
     keep(open, told.values);

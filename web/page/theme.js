@@ -8,14 +8,26 @@
 
 const CHOICES = ['auto', 'light', 'dark'];
 const NAMES = { auto: 'automatic', light: 'light', dark: 'dark' };
-const STORED = 'theme';  // the site's own name for it
+const STORED = 'theme'; // the site's own name for it
 
 // Lines are told apart by their patterns as well.
 const DASHES = [[], [7, 4], [2, 3], [10, 3, 2, 3], [5, 2], [1, 2], [12, 4], [6, 2, 1, 2]];
 
 const SHADES = {
-  light: [[255, 255, 255], [198, 219, 239], [107, 174, 214], [33, 113, 181], [8, 38, 92]],
-  dark: [[22, 24, 29], [28, 60, 110], [50, 120, 180], [120, 190, 230], [240, 250, 255]],
+  light: [
+    [255, 255, 255],
+    [198, 219, 239],
+    [107, 174, 214],
+    [33, 113, 181],
+    [8, 38, 92],
+  ],
+  dark: [
+    [22, 24, 29],
+    [28, 60, 110],
+    [50, 120, 180],
+    [120, 190, 230],
+    [240, 250, 255],
+  ],
 };
 
 const listeners = new Set();

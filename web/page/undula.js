@@ -32,7 +32,7 @@ export class UndulaError extends Error {
     const place = argumentName ? `argument ${argument}: ${argumentName}` : `argument ${argument}`;
     super(`${functionName}: ${message}${argument > 0 ? ` (${place})` : ''}`);
     this.name = 'UndulaError';
-    Object.assign(this, { function: functionName, text: message, argument, argumentName });
+    Object.assign(this, { function: functionName, reason: message, argument, argumentName });
   }
 }
 

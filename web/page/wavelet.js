@@ -1,4 +1,5 @@
-// The panel "A wavelet": its functions and packets, its filters, the ends of the data, and how all that is had elsewhere.
+// The panel "A wavelet": its functions and packets, its filters, the ends of the data, and the lines of other
+// languages that give all that.
 
 import { codeBlock } from './code.js';
 import { isCancelled } from './compute.js';
@@ -6,17 +7,29 @@ import { LEVELS } from './levels.js';
 import { waveletChoice } from './wavelet_choice.js';
 import { codeOf } from './wavelet_code.js';
 import {
-  endsRecord, endsText, factsOf, functionRecord, responseRecord, tapHead, tapRows, tapsRecord,
+  endsRecord,
+  endsText,
+  factsOf,
+  functionRecord,
+  functionsText,
+  isOrthonormal,
+  responseRecord,
+  tapHead,
+  tapRows,
+  tapsRecord,
 } from './wavelet_records.js';
 
 const LARGEST_PACKET = 63;
 
 const DRAWN = [
-  { value: 'inverse', text: `the inverse transform, ${2 ** LEVELS} points to a unit` },
-  { value: 'points', text: 'their values at points, 32 to a unit' },
+  { value: 'inverse', text: `the inverse transform, ${2 ** LEVELS} a unit` },
+  { value: 'points', text: 'values at points, 32 a unit' },
 ];
 
-const SIDES = [{ value: 'left', text: 'left' }, { value: 'right', text: 'right' }];
+const SIDES = [
+  { value: 'left', text: 'left' },
+  { value: 'right', text: 'right' },
+];
 
 // What each job depends on.
 const NEEDS = {
@@ -34,9 +47,11 @@ const TITLES = {
   synthesis: { scaling: 'Dual scaling function', wavelet: 'Dual wavelet', packet: 'Dual packet' },
 };
 
-const isOrthonormal = (wavelet) => wavelet.function !== 'Bspline';
-
-const fileOf = (wavelet, ...words) => [wavelet.name, ...words].join('-').toLowerCase().replace(/ /g, '-');
+// With the name that an exported file gets.
+function named(wavelet, record, ...words) {
+  const file = [wavelet.name, ...words, record.title].join('-').toLowerCase().replace(/ /g, '-');
+  return { ...record, file };
+}
 
 // The parts of the panel on the page. `changed(key, value)` is called when a control moves.
 function build(root, { charts, controls, announce }, changed) {
@@ -45,8 +60,18 @@ function build(root, { charts, controls, announce }, changed) {
   const parts = {
     choice: waveletChoice({ announce, onChange: (changes) => changed('choice', changes) }),
     drawn: controls.select({ label: 'Drawn by', options: DRAWN, value: 'inverse', onChange: moved('drawn') }),
-    packet: controls.slider({ label: 'Packet', min: 0, max: LARGEST_PACKET, value: 5, onInput: moved('packet') }),
-    decibels: controls.checkbox({ label: 'Frequency response in decibels', value: false, onChange: moved('decibels') }),
+    packet: controls.slider({
+      label: 'Packet',
+      min: 0,
+      max: LARGEST_PACKET,
+      value: 5,
+      onInput: moved('packet'),
+    }),
+    decibels: controls.checkbox({
+      label: 'Frequency response in decibels',
+      value: false,
+      onChange: moved('decibels'),
+    }),
     side: controls.select({ label: 'End', options: SIDES, value: 'left', onChange: moved('side') }),
     error: controls.errorLine(),
     facts: make('dl', { class: 'facts' }),
@@ -57,7 +82,8 @@ function build(root, { charts, controls, announce }, changed) {
   };
   const grids = Array.from({ length: 4 }, () => make('div', { class: 'charts' }));
   const [functionGrid, packetGrid, filterGrid, endGrid] = grids;
-  const packetHint = 'Packets are counted by frequency: 0 is the scaling function, 1 the wavelet, and packet n has ' +
+  const packetHint =
+    'Packets are counted by frequency: 0 is the scaling function, 1 the wavelet, and packet n has ' +
     'about n half waves to a unit.';
 
   root.append(
@@ -65,7 +91,12 @@ function build(root, { charts, controls, announce }, changed) {
     parts.error.element,
     parts.facts,
     section('Scaling function and wavelet', group('Curves', parts.drawn.element), parts.dualHint, functionGrid),
-    section('Packets', make('p', { class: 'hint' }, packetHint), group('Packet', parts.packet.element), packetGrid),
+    section(
+      'Packets',
+      make('p', { class: 'hint' }, packetHint),
+      group('Packet', parts.packet.element),
+      packetGrid,
+    ),
     section('Filters', group('Scale', parts.decibels.element), filterGrid, parts.table),
     section('At the ends of the data', group('End', parts.side.element), parts.endHint, endGrid),
     section('The same in Python, C++ and Octave', parts.code.element),
@@ -73,15 +104,20 @@ function build(root, { charts, controls, announce }, changed) {
 
   const chart = (place, title) =>
     charts.line(place, { title, xLabel: 'x', yLabel: 'value', series: [], description: 'Not computed yet.' });
-  const ofBank = (place, titleOf) => Object.fromEntries(BANKS.map((bank) => [bank, chart(place, titleOf(bank))]));
-  const response = chart(filterGrid, 'Frequency response');
+  const ofBank = (place, titleOf) =>
+    Object.fromEntries(BANKS.map((bank) => [bank, chart(place, titleOf(bank))]));
+  const taps = ofBank(filterGrid, () => 'Taps');
   return {
     ...parts,
-    response,
-    functions: Object.fromEntries(BANKS.map((bank) =>
-      [bank, Object.fromEntries(KINDS.map((kind) => [kind, chart(functionGrid, TITLES[bank][kind])]))])),
+    taps,
+    response: chart(filterGrid, 'Frequency response'),
+    functions: Object.fromEntries(
+      BANKS.map((bank) => [
+        bank,
+        Object.fromEntries(KINDS.map((kind) => [kind, chart(functionGrid, TITLES[bank][kind])])),
+      ]),
+    ),
     packets: ofBank(packetGrid, (bank) => TITLES[bank].packet),
-    taps: ofBank(filterGrid, () => 'Taps'),
     atEnds: Object.fromEntries(KINDS.map((kind) => [kind, chart(endGrid, TITLES.analysis[kind])])),
   };
 }
@@ -92,55 +128,48 @@ function drawFunctions(view, { wavelet, drawn }, result) {
       const curve = result[bank]?.[kind];
       const title = TITLES[bank][kind];
       view.functions[bank][kind].element.hidden = !curve;
-      if (curve) view.functions[bank][kind].update(functionRecord(title, fileOf(wavelet, title), curve));
+      if (curve) view.functions[bank][kind].update(named(wavelet, functionRecord(title, curve)));
     }
   }
-  const dual = isOrthonormal(wavelet)
-    ? 'The wavelet is orthonormal: it and its scaling function are their own duals.'
-    : 'The analysis takes products with the first two, the synthesis adds up the duals.';
-  const rough = ['Bspline22', 'Bspline31'].includes(wavelet.name)
-    ? ' The functions of its analysis are not bounded, so that each finer drawing is taller.' : '';
-  const table = drawn === 'points' ? ' The pack’s table has 32 points to a unit.' : '';
-  view.dualHint.textContent = dual + rough + table;
+  view.dualHint.textContent = functionsText(wavelet, drawn, result);
 }
 
 function drawPacket(view, { wavelet, index }, result) {
   for (const bank of BANKS) {
     view.packets[bank].element.hidden = !result[bank];
     const title = `${TITLES[bank].packet} ${index}`;
-    if (result[bank]) view.packets[bank].update(functionRecord(title, fileOf(wavelet, title), result[bank]));
+    if (result[bank]) view.packets[bank].update(named(wavelet, functionRecord(title, result[bank])));
   }
 }
 
 function drawResponse(view, { wavelet, inDecibels }, result) {
-  view.response.update({
-    ...responseRecord(result, isOrthonormal(wavelet), inDecibels),
-    file: fileOf(wavelet, 'frequency response'),
-  });
+  view.response.update(named(wavelet, responseRecord(wavelet, result, inDecibels)));
 }
 
 function drawTable(view, { make, table, copyButton }, announce, wavelet, result) {
-  const rows = tapRows(result, isOrthonormal(wavelet));
-  const head = tapHead(isOrthonormal(wavelet));
+  const rows = tapRows(wavelet, result);
+  const head = tapHead(wavelet);
   const text = () => [head, ...rows].map((row) => row.join('\t')).join('\n');
   const numbers = table({ caption: 'Taps, with the positions that the transform gives them', head, rows });
   const copy = copyButton(text, 'the table of taps', announce);
   const open = view.table.querySelector('details')?.open ?? false;
-  view.table.replaceChildren(make('details', { open }, make('summary', {}, 'The taps as numbers'), copy.element,
-    numbers.element));
+  view.table.replaceChildren(
+    make('details', { open }, make('summary', {}, 'The taps as numbers'), copy.element, numbers.element),
+  );
 }
 
 function drawFilters(view, services, now, result) {
   const { wavelet } = now;
-  const facts = factsOf(wavelet, result, isOrthonormal(wavelet));
+  const facts = factsOf(wavelet, result);
   const { make } = services.controls;
-  view.facts.replaceChildren(...facts.map(([name, value]) =>
-    make('div', {}, make('dt', {}, name), make('dd', {}, String(value)))));
+  view.facts.replaceChildren(
+    ...facts.map(([name, value]) => make('div', {}, make('dt', {}, name), make('dd', {}, String(value)))),
+  );
   for (const bank of BANKS) {
     const shown = bank === 'analysis' || !isOrthonormal(wavelet);
     const title = isOrthonormal(wavelet) ? 'Taps' : `Taps of the ${bank}`;
     view.taps[bank].element.hidden = !shown;
-    if (shown) view.taps[bank].update(tapsRecord(title, fileOf(wavelet, title), result[bank]));
+    if (shown) view.taps[bank].update(named(wavelet, tapsRecord(title, result[bank])));
   }
   drawResponse(view, now, result);
   drawTable(view, services.controls, services.announce, wavelet, result);
@@ -149,7 +178,7 @@ function drawFilters(view, services, now, result) {
 function drawEnds(view, { wavelet, boundary, side }, result) {
   view.endHint.textContent = endsText(wavelet, boundary);
   for (const kind of KINDS) {
-    view.atEnds[kind].update({ ...endsRecord(kind, result, side), file: fileOf(wavelet, boundary, side, kind) });
+    view.atEnds[kind].update(named(wavelet, endsRecord(kind, result, side), boundary));
   }
 }
 

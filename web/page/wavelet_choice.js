@@ -3,12 +3,12 @@
 //   const choice = waveletChoice({ onChange(changes), announce, boundary: true });
 //   choice.element
 //   choice.show(state)         takes the shared keys of a panel's state: wavelet and boundary
-//   choice.wavelet()           the record of wavelets.js: { name, function, arguments, taps, moments, symmetric,
-//                              boundaries, pywavelets, aliases }
+//   choice.wavelet()           the record of wavelets.js: { name, function, arguments, taps, moments,
+//                              symmetric, boundaries, pywavelets, aliases }
 //   choice.boundary()          'periodic', 'symmetric' or 'interval'
 //
-// `onChange` gets { wavelet, boundary }, to be given to services.state.set. A wavelet that the chosen boundary does not
-// take brings the periodic one back, and says so. transformOf('wpt', 'interval') is 'wpti'.
+// `onChange` gets { wavelet, boundary }, to be given to services.state.set. A wavelet that the chosen boundary
+// does not take brings the periodic one back, and says so. transformOf('wpt', 'interval') is 'wpti'.
 
 import { group, make, select } from './controls.js';
 import { wavelets } from './wavelets.js';
@@ -21,7 +21,11 @@ export const FAMILIES = [
   ['bl', 'Orthonormal splines (Battle-Lemarié)'],
 ];
 
-export const BOUNDARIES = [['periodic', 'periodic'], ['symmetric', 'symmetric (mirrored)'], ['interval', 'interval']];
+export const BOUNDARIES = [
+  ['periodic', 'periodic'],
+  ['symmetric', 'symmetric (mirrored)'],
+  ['interval', 'interval'],
+];
 
 const LETTERS = { periodic: '', symmetric: 's', interval: 'i' };
 
@@ -85,8 +89,11 @@ export function waveletChoice({ onChange, announce, boundary: withBoundary = tru
     const options = ofFamily(wavelet.function).map((each) => ({ value: each.name, text: orderText(each) }));
     family.value = wavelet.function;
     order.setOptions(options, wavelet.name);
-    const boundaries = BOUNDARIES.map(([value, text]) =>
-      ({ value, text, disabled: !wavelet.boundaries.includes(value) }));
+    const boundaries = BOUNDARIES.map(([value, text]) => ({
+      value,
+      text,
+      disabled: !wavelet.boundaries.includes(value),
+    }));
     ends.setOptions(boundaries, boundary);
   }
 

@@ -8,11 +8,11 @@
 import { LEVELS, LEVELS_AT_ENDS } from './levels.js';
 import { Matrix } from './undula.js';
 
-const SAMPLES = 256;  // more than twice as many as any filter has taps, so that nothing wraps around
+const SAMPLES = 256; // more than twice as many as any filter has taps, so that nothing wraps around
 const MIDDLE = SAMPLES / 2;
 const RESPONSE_POINTS = 512;
-const TABLE = 32;  // points to a unit of the pack's own table
-const MOST_POINTS = 8192;  // of a packet function
+const TABLE = 32; // points to a unit of the pack's own table
+const MOST_POINTS = 8192; // of a packet function
 const REPORT_EVERY = 512;
 
 function unit(length, place) {
@@ -27,7 +27,8 @@ const lastOf = ({ first, taps }) => first + taps.length - 1;
 
 // Without the zeros around it: { first: the position of its first tap, taps }.
 function trimmed(valueAt) {
-  let first = -MIDDLE, last = MIDDLE - 1;
+  let first = -MIDDLE,
+    last = MIDDLE - 1;
   while (first < last && valueAt(first) === 0) first += 1;
   while (last > first && valueAt(last) === 0) last -= 1;
   return { first, taps: Float64Array.from({ length: last - first + 1 }, (_, i) => valueAt(first + i)) };
@@ -37,11 +38,12 @@ function trimmed(valueAt) {
 // of tap q times sample 2k + q, and in the synthesis it adds tap q to sample 2k + q.
 function analysisFilters(undula, filter) {
   const responses = [0, 1].map((odd) => undula.call('dwt', [unit(SAMPLES, MIDDLE + odd), 1, filter]).re);
-  const channel = (start) => trimmed((q) => {
-    const odd = Math.abs(q % 2);
-    const k = ((MIDDLE + odd - q) / 2) % MIDDLE;
-    return responses[odd][start + k];
-  });
+  const channel = (start) =>
+    trimmed((q) => {
+      const odd = Math.abs(q % 2);
+      const k = ((MIDDLE + odd - q) / 2) % MIDDLE;
+      return responses[odd][start + k];
+    });
   return { low: channel(0), high: channel(MIDDLE) };
 }
 
@@ -64,7 +66,8 @@ function banksOf(undula, wavelet) {
 function responseOf({ taps }) {
   return Float64Array.from({ length: RESPONSE_POINTS + 1 }, (_, i) => {
     const angle = (Math.PI * i) / RESPONSE_POINTS;
-    let re = 0, im = 0;
+    let re = 0,
+      im = 0;
     taps.forEach((tap, q) => {
       re += tap * Math.cos(angle * q);
       im -= tap * Math.sin(angle * q);
@@ -73,7 +76,8 @@ function responseOf({ taps }) {
   });
 }
 
-// Where a packet function lives: [from, to]. The digits of the Gray code of its index say which filters make it.
+// Where a packet function lives: [from, to]. The digits of the Gray code of its index say which filters make
+// it.
 function supportOf(bank, index) {
   let support = [bank.low.first, lastOf(bank.low)];
   const path = (index ^ (index >> 1)).toString(2);
@@ -113,8 +117,10 @@ function curveAtPoints(undula, name, wavelet, support) {
   return { x, y: x.map((point) => undula.call(name, [point, wavelet.name])) };
 }
 
-// A function is what the inverse transform makes of one coefficient, drawn ever finer. Half a sample and the like
-// is put right by the first moment of the scaling function: level L has the values at (i + moment) / 2^L.
+const momentOf = ({ first, taps }) => taps.reduce((sum, tap, i) => sum + tap * (first + i), 0) / Math.SQRT2;
+
+// A function is what the inverse transform makes of one coefficient, drawn ever finer. The samples of level L
+// are its values at (i + moment) / 2^L, with the first moment of the scaling function.
 function curveOfInverse(undula, argumentsOf, bank, support, channel) {
   const perUnit = 2 ** LEVELS;
   const before = 1 - Math.floor(support[0]);
@@ -122,7 +128,7 @@ function curveOfInverse(undula, argumentsOf, bank, support, channel) {
   const place = (channel === 'high' ? units : 0) + before;
   const coefficients = unit(units * perUnit, place);
   const samples = undula.call('idwt', [coefficients, LEVELS, ...argumentsOf]).re;
-  const moment = bank.low.taps.reduce((sum, tap, i) => sum + tap * (bank.low.first + i), 0) / Math.SQRT2;
+  const moment = momentOf(bank.low);
   return {
     x: Float64Array.from(samples, (_, i) => (i + moment) / perUnit - before),
     y: samples.map((value) => Math.sqrt(perUnit) * value),
@@ -146,12 +152,17 @@ function functions(undula, { wavelet, drawn }) {
   const names = { analysis: ['father', 'mother'], synthesis: ['dlfather', 'dlmother'] };
   const curve = (side, channel) => {
     const support = supportOf(banks[side], channel);
-    const made = drawn === 'points'
-      ? curveAtPoints(undula, names[side][channel], wavelet, support)
-      : curveOfInverse(undula, argumentsOf[side], banks[side], support, channel ? 'high' : 'low');
+    const made =
+      drawn === 'points'
+        ? curveAtPoints(undula, names[side][channel], wavelet, support)
+        : curveOfInverse(undula, argumentsOf[side], banks[side], support, channel ? 'high' : 'low');
     return { ...made, support };
   };
-  const both = (side) => ({ scaling: curve(side, 0), wavelet: curve(side, 1) });
+  const both = (side) => ({
+    scaling: curve(side, 0),
+    wavelet: curve(side, 1),
+    moment: momentOf(banks[side].low),
+  });
   return Object.fromEntries(sidesOf(wavelet).map((side) => [side, both(side)]));
 }
 
@@ -191,20 +202,32 @@ function ends(undula, { wavelet, boundary, side }) {
   const perUnit = 2 ** LEVELS_AT_ENDS;
   const units = 2 * taps;
   const edge = boundary === 'interval' ? taps / 2 : 0;
-  const count = edge || 4;
-  const shown = Math.min(units, taps + count);
   const right = side === 'right';
 
+  // From the end inwards.
   const curve = (channel, place) => {
     const coefficients = unit(units * perUnit, channel * units + (right ? units - 1 - place : place));
     const samples = undula.call(INVERSE[boundary], [coefficients, LEVELS_AT_ENDS, filter]).re;
-    const [from, to] = right ? [(units - shown) * perUnit, units * perUnit - edge] : [edge, shown * perUnit];
-    return samples.slice(from, to).map((value) => Math.sqrt(perUnit) * value);
+    const values = samples.map((value) => Math.sqrt(perUnit) * value);
+    return (right ? values.reverse() : values).subarray(edge, (units / 2) * perUnit);
   };
-  const first = right ? -shown * perUnit : edge;
-  const x = Float64Array.from({ length: shown * perUnit - edge }, (_, i) => (first + i) / perUnit);
-  const curves = (channel) => Array.from({ length: count }, (_, place) => curve(channel, place));
-  return { x, scaling: curves(0), wavelet: curves(1), units };
+  const curves = (channel) => Array.from({ length: edge || 4 }, (_, place) => curve(channel, place));
+  const [scaling, wavelets] = [curves(0), curves(1)];
+  const shown = Math.max(...[...scaling, ...wavelets].map(visibleLength));
+  const x = Float64Array.from({ length: shown }, (_, i) => (edge + i) / perUnit);
+  const cut = (values) => (right ? values.slice(0, shown).reverse() : values.slice(0, shown));
+  return {
+    x: right ? x.reverse().map((value) => -value - 1 / perUnit) : x,
+    scaling: scaling.map(cut),
+    wavelet: wavelets.map(cut),
+    units,
+  };
+}
+
+// As far as the curve is more than a thousandth of its size.
+function visibleLength(values) {
+  const size = values.reduce((largest, value) => Math.max(largest, Math.abs(value)), 0);
+  return values.findLastIndex((value) => Math.abs(value) > size / 1000) + 1;
 }
 
 export const jobs = { filters, functions, packet, ends };

@@ -1,7 +1,7 @@
 // Runs the jobs, one after the other. See compute.js for the other side.
 //
-// A job is `(undula, parameters, report) => result`, possibly async. `report(fraction, text)` tells how far it is,
-// with a fraction of null where that is unknown. Results are copied to the page, so a job may keep what it
+// A job is `(undula, parameters, report) => result`, possibly async. `report(fraction, text)` tells how far it
+// is, with a fraction of null where that is unknown. Results are copied to the page, so a job may keep what it
 // returns in a module variable; `report.transfer(buffer)` hands a buffer of the result over instead.
 
 import { loadUndula } from './undula.js';
@@ -15,7 +15,7 @@ for (const [panel, ofPanel] of Object.entries({ wavelet, signal, image })) {
 }
 
 const ready = loadUndula(new URL('./undula.wasm', import.meta.url));
-ready.catch(() => {});  // each job reports it
+ready.catch(() => {}); // each job reports it
 let queue = Promise.resolve();
 
 function fieldsOf(error) {
