@@ -241,7 +241,7 @@ function mount(root, services) {
     showCode();
   }
 
-  const levelsNote = (most) => (Number(state.get().levels) > most ? ` The image takes ${most} levels at most.` : '');
+  const levelsNote = (most) => (Number(state.get().levels) > most ? ` The image takes ${most === 1 ? '1 level' : `${most} levels`} at most.` : '');
 
   function drawRebuilt(chart, name, result) {
     chart.update(photograph({
