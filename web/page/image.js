@@ -187,14 +187,14 @@ function mount(root, services) {
   async function refresh() {
     version += 1;
     basis = null;
-    showStale();
     const most = deepest();
     view.levels.setRange({ min: 1, max: Math.max(most, 1) });
     if (most === 0) {
       view.error.show('The image is too small for the filters of this wavelet at its ends. Please choose periodic ' +
-        'ends, or a shorter wavelet.');
+        'ends, or a shorter wavelet. What is shown below is of the earlier choice.');
       return;
     }
+    showStale();
     view.levels.value = levels();
     view.error.clear();
     if (!await drawSubbands()) return;
@@ -241,7 +241,10 @@ function mount(root, services) {
     showCode();
   }
 
-  const levelsNote = (most) => (Number(state.get().levels) > most ? ` The image takes ${most === 1 ? '1 level' : `${most} levels`} at most.` : '');
+  const levelsNote = (most) => {
+    const admitted = most === 1 ? '1 level' : `${most} levels`;
+    return Number(state.get().levels) > most ? ` The image takes ${admitted} at most.` : '';
+  };
 
   function drawRebuilt(chart, name, result) {
     chart.update(photograph({
