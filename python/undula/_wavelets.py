@@ -1,47 +1,197 @@
-// Made by web/make_wavelets.py from python/undula/_wavelets.py.
+"""The wavelets that have names, here and in PyWavelets."""
 
-export const wavelets = [
-  {"name": "daublet2", "function": "daublet", "arguments": [2], "taps": [2, 2], "moments": [1, 1], "symmetric": true, "boundaries": ["periodic", "symmetric"], "pywavelets": "db1", "aliases": ["daub2", "d2", "haar"]},
-  {"name": "daublet4", "function": "daublet", "arguments": [4], "taps": [4, 4], "moments": [2, 2], "symmetric": false, "boundaries": ["periodic", "interval"], "pywavelets": "db2", "aliases": ["daub4", "d4"]},
-  {"name": "daublet6", "function": "daublet", "arguments": [6], "taps": [6, 6], "moments": [3, 3], "symmetric": false, "boundaries": ["periodic", "interval"], "pywavelets": "db3", "aliases": ["daub6", "d6"]},
-  {"name": "daublet8", "function": "daublet", "arguments": [8], "taps": [8, 8], "moments": [4, 4], "symmetric": false, "boundaries": ["periodic"], "pywavelets": "db4", "aliases": ["daub8", "d8"]},
-  {"name": "daublet10", "function": "daublet", "arguments": [10], "taps": [10, 10], "moments": [5, 5], "symmetric": false, "boundaries": ["periodic"], "pywavelets": "db5", "aliases": ["daub10", "d10"]},
-  {"name": "daublet12", "function": "daublet", "arguments": [12], "taps": [12, 12], "moments": [6, 6], "symmetric": false, "boundaries": ["periodic"], "pywavelets": "db6", "aliases": ["daub12", "d12"]},
-  {"name": "daublet14", "function": "daublet", "arguments": [14], "taps": [14, 14], "moments": [7, 7], "symmetric": false, "boundaries": ["periodic"], "pywavelets": "db7", "aliases": ["daub14", "d14"]},
-  {"name": "daublet16", "function": "daublet", "arguments": [16], "taps": [16, 16], "moments": [8, 8], "symmetric": false, "boundaries": ["periodic"], "pywavelets": "db8", "aliases": ["daub16", "d16"]},
-  {"name": "daublet18", "function": "daublet", "arguments": [18], "taps": [18, 18], "moments": [9, 9], "symmetric": false, "boundaries": ["periodic"], "pywavelets": "db9", "aliases": ["daub18", "d18"]},
-  {"name": "daublet20", "function": "daublet", "arguments": [20], "taps": [20, 20], "moments": [10, 10], "symmetric": false, "boundaries": ["periodic"], "pywavelets": "db10", "aliases": ["daub20", "d20"]},
-  {"name": "symmlet4", "function": "symmlet", "arguments": [4], "taps": [4, 4], "moments": [2, 2], "symmetric": false, "boundaries": ["periodic", "interval"], "pywavelets": "sym2", "aliases": ["symm4", "s4"]},
-  {"name": "symmlet6", "function": "symmlet", "arguments": [6], "taps": [6, 6], "moments": [3, 3], "symmetric": false, "boundaries": ["periodic", "interval"], "pywavelets": "sym3", "aliases": ["symm6", "s6"]},
-  {"name": "symmlet8", "function": "symmlet", "arguments": [8], "taps": [8, 8], "moments": [4, 4], "symmetric": false, "boundaries": ["periodic", "interval"], "pywavelets": "sym4", "aliases": ["symm8", "s8"]},
-  {"name": "symmlet10", "function": "symmlet", "arguments": [10], "taps": [10, 10], "moments": [5, 5], "symmetric": false, "boundaries": ["periodic", "interval"], "pywavelets": "sym5", "aliases": ["symm10", "s10"]},
-  {"name": "symmlet12", "function": "symmlet", "arguments": [12], "taps": [12, 12], "moments": [6, 6], "symmetric": false, "boundaries": ["periodic", "interval"], "pywavelets": "sym6", "aliases": ["symm12", "s12"]},
-  {"name": "symmlet14", "function": "symmlet", "arguments": [14], "taps": [14, 14], "moments": [7, 7], "symmetric": false, "boundaries": ["periodic", "interval"], "pywavelets": "sym7", "aliases": ["symm14", "s14"]},
-  {"name": "symmlet16", "function": "symmlet", "arguments": [16], "taps": [16, 16], "moments": [8, 8], "symmetric": false, "boundaries": ["periodic", "interval"], "pywavelets": "sym8", "aliases": ["symm16", "s16"]},
-  {"name": "symmlet18", "function": "symmlet", "arguments": [18], "taps": [18, 18], "moments": [9, 9], "symmetric": false, "boundaries": ["periodic"], "pywavelets": "sym9", "aliases": ["symm18", "s18"]},
-  {"name": "symmlet20", "function": "symmlet", "arguments": [20], "taps": [20, 20], "moments": [10, 10], "symmetric": false, "boundaries": ["periodic"], "pywavelets": "sym10", "aliases": ["symm20", "s20"]},
-  {"name": "coiflet6", "function": "coiflet", "arguments": [6], "taps": [6, 6], "moments": [2, 2], "symmetric": false, "boundaries": ["periodic"], "pywavelets": "coif1", "aliases": ["coif6", "c6"]},
-  {"name": "coiflet12", "function": "coiflet", "arguments": [12], "taps": [12, 12], "moments": [4, 4], "symmetric": false, "boundaries": ["periodic"], "pywavelets": "coif2", "aliases": ["coif12", "c12"]},
-  {"name": "coiflet18", "function": "coiflet", "arguments": [18], "taps": [18, 18], "moments": [6, 6], "symmetric": false, "boundaries": ["periodic"], "pywavelets": "coif3", "aliases": ["coif18", "c18"]},
-  {"name": "coiflet24", "function": "coiflet", "arguments": [24], "taps": [24, 24], "moments": [8, 8], "symmetric": false, "boundaries": ["periodic"], "pywavelets": "coif4", "aliases": ["coif24", "c24"]},
-  {"name": "coiflet30", "function": "coiflet", "arguments": [30], "taps": [30, 30], "moments": [10, 10], "symmetric": false, "boundaries": ["periodic"], "pywavelets": "coif5", "aliases": ["coif30", "c30"]},
-  {"name": "Bspline11", "function": "Bspline", "arguments": [1, 1], "taps": [2, 2], "moments": [1, 1], "symmetric": true, "boundaries": ["periodic", "symmetric"], "pywavelets": "bior1.1", "aliases": ["bs11"]},
-  {"name": "Bspline13", "function": "Bspline", "arguments": [1, 3], "taps": [6, 2], "moments": [1, 3], "symmetric": true, "boundaries": ["periodic", "symmetric"], "pywavelets": "bior1.3", "aliases": ["bs13"]},
-  {"name": "Bspline15", "function": "Bspline", "arguments": [1, 5], "taps": [10, 2], "moments": [1, 5], "symmetric": true, "boundaries": ["periodic", "symmetric"], "pywavelets": "bior1.5", "aliases": ["bs15"]},
-  {"name": "Bspline22", "function": "Bspline", "arguments": [2, 2], "taps": [5, 3], "moments": [2, 2], "symmetric": true, "boundaries": ["periodic", "symmetric"], "pywavelets": "bior2.2", "aliases": ["bs22"]},
-  {"name": "Bspline24", "function": "Bspline", "arguments": [2, 4], "taps": [9, 3], "moments": [2, 4], "symmetric": true, "boundaries": ["periodic", "symmetric"], "pywavelets": "bior2.4", "aliases": ["bs24"]},
-  {"name": "Bspline26", "function": "Bspline", "arguments": [2, 6], "taps": [13, 3], "moments": [2, 6], "symmetric": true, "boundaries": ["periodic", "symmetric"], "pywavelets": "bior2.6", "aliases": ["bs26"]},
-  {"name": "Bspline28", "function": "Bspline", "arguments": [2, 8], "taps": [17, 3], "moments": [2, 8], "symmetric": true, "boundaries": ["periodic", "symmetric"], "pywavelets": "bior2.8", "aliases": ["bs28"]},
-  {"name": "Bspline31", "function": "Bspline", "arguments": [3, 1], "taps": [4, 4], "moments": [3, 1], "symmetric": true, "boundaries": ["periodic", "symmetric"], "pywavelets": "bior3.1", "aliases": ["bs31"]},
-  {"name": "Bspline33", "function": "Bspline", "arguments": [3, 3], "taps": [8, 4], "moments": [3, 3], "symmetric": true, "boundaries": ["periodic", "symmetric"], "pywavelets": "bior3.3", "aliases": ["bs33"]},
-  {"name": "Bspline35", "function": "Bspline", "arguments": [3, 5], "taps": [12, 4], "moments": [3, 5], "symmetric": true, "boundaries": ["periodic", "symmetric"], "pywavelets": "bior3.5", "aliases": ["bs35"]},
-  {"name": "Bspline37", "function": "Bspline", "arguments": [3, 7], "taps": [16, 4], "moments": [3, 7], "symmetric": true, "boundaries": ["periodic", "symmetric"], "pywavelets": "bior3.7", "aliases": ["bs37"]},
-  {"name": "Bspline39", "function": "Bspline", "arguments": [3, 9], "taps": [20, 4], "moments": [3, 9], "symmetric": true, "boundaries": ["periodic", "symmetric"], "pywavelets": "bior3.9", "aliases": ["bs39"]},
-  {"name": "bl0", "function": "bl", "arguments": [0], "taps": [40, 40], "moments": [1, 1], "symmetric": true, "boundaries": ["periodic", "symmetric"], "pywavelets": "", "aliases": []},
-  {"name": "bl1", "function": "bl", "arguments": [1], "taps": [39, 39], "moments": [2, 2], "symmetric": true, "boundaries": ["periodic", "symmetric"], "pywavelets": "", "aliases": []},
-  {"name": "bl2", "function": "bl", "arguments": [2], "taps": [40, 40], "moments": [3, 3], "symmetric": true, "boundaries": ["periodic", "symmetric"], "pywavelets": "", "aliases": []},
-  {"name": "bl3", "function": "bl", "arguments": [3], "taps": [39, 39], "moments": [4, 4], "symmetric": true, "boundaries": ["periodic", "symmetric"], "pywavelets": "", "aliases": []},
-  {"name": "bl4", "function": "bl", "arguments": [4], "taps": [40, 40], "moments": [5, 5], "symmetric": true, "boundaries": ["periodic", "symmetric"], "pywavelets": "", "aliases": []},
-  {"name": "bl5", "function": "bl", "arguments": [5], "taps": [39, 39], "moments": [6, 6], "symmetric": true, "boundaries": ["periodic", "symmetric"], "pywavelets": "", "aliases": []},
-  {"name": "bl6", "function": "bl", "arguments": [6], "taps": [40, 40], "moments": [7, 7], "symmetric": true, "boundaries": ["periodic", "symmetric"], "pywavelets": "", "aliases": []},
-];
+import re
+from dataclasses import dataclass
+
+# The pack's spellings, and what the number in them says: the number of coefficients but for the splines.
+# The first spelling is the one that is shown.
+_DAUBLET = ("daublet", "daub", "d")
+_SYMMLET = ("symmlet", "symm", "s")
+_COIFLET = ("coiflet", "coif", "c")
+_BSPLINE = ("Bspline", "bs")
+
+PAIRS = ((1, 1), (1, 3), (1, 5), (2, 2), (2, 4), (2, 6), (2, 8), (3, 1), (3, 3), (3, 5), (3, 7), (3, 9))
+
+
+@dataclass(frozen=True)
+class Wavelet:
+    """A wavelet with a name.
+
+    Attributes
+    ----------
+    name : str
+        The name that is shown; every function that wants a wavelet takes it.
+    function : str
+        The function of the pack that returns the filter.
+    arguments : tuple of int
+        Its arguments.
+    taps : tuple of int
+        The number of coefficients of the analysis and of the synthesis low-pass filter.
+    moments : tuple of int
+        Vanishing moments of the analysis and of the synthesis wavelet.
+    symmetric : bool
+        Whether the filters are symmetric.
+    boundaries : tuple of str
+        The treatments of the ends that take it: periodic (`dwt`), symmetric (`dwts`), interval (`dwti`).
+    pywavelets : str
+        Its name in PyWavelets; empty if it is not there.
+    aliases : tuple of str
+        Shorter names that the pack has for it.
+    """
+
+    name: str
+    function: str
+    arguments: tuple[int, ...]
+    taps: tuple[int, int]
+    moments: tuple[int, int]
+    symmetric: bool
+    boundaries: tuple[str, ...]
+    pywavelets: str
+    aliases: tuple[str, ...]
+
+    def names(self) -> tuple[str, ...]:
+        """All names that mean it."""
+        return (self.name, *self.aliases, self.pywavelets) if self.pywavelets else (self.name, *self.aliases)
+
+
+class Wavelets(list[Wavelet]):
+    """A list that is shown as a table."""
+
+    def __repr__(self):
+        rows = [("name", "taps", "moments", "symmetric", "boundaries", "PyWavelets", "also")]
+        rows += [
+            (
+                wavelet.name,
+                _pair(wavelet.taps),
+                _pair(wavelet.moments),
+                "yes" if wavelet.symmetric else "no",
+                ", ".join(wavelet.boundaries),
+                wavelet.pywavelets or "-",
+                ", ".join(wavelet.aliases),
+            )
+            for wavelet in self
+        ]
+        widths = [max(map(len, column)) for column in zip(*rows)]
+        return "\n".join("  ".join(map(str.ljust, row, widths)).rstrip() for row in rows)
+
+
+def _pair(numbers):
+    return "/".join(map(str, dict.fromkeys(numbers)))
+
+
+def wavelets() -> Wavelets:
+    """The wavelets that have names.
+
+    Where a function wants a wavelet, any of these names may stand instead of a filter. `pywavelets`
+    is the name of the same wavelet there, which is taken too.
+
+    Returns
+    -------
+    list of Wavelet
+        Plain records; the list prints as a table.
+
+    Examples
+    --------
+    >>> [wavelet.name for wavelet in undula.wavelets() if "interval" in wavelet.boundaries][:4]
+    ['daublet4', 'daublet6', 'symmlet4', 'symmlet6']
+    >>> undula.wavelets()[1].pywavelets
+    'db2'
+    """
+    return Wavelets([*_daublets(), *_symmlets(), *_coiflets(), *_splines(), *_orthonormal_splines()])
+
+
+def _orthonormal(spellings, length, moments, pywavelets, more=(), aliases=(), symmetric=False):
+    names = [f"{spelling}{length}" for spelling in spellings]
+    return Wavelet(
+        names[0],
+        spellings[0],
+        (length,),
+        (length, length),
+        (moments, moments),
+        symmetric,
+        ("periodic", *more),
+        pywavelets,
+        (*names[1:], *aliases),
+    )
+
+
+def _daublets():
+    yield _orthonormal(_DAUBLET, 2, 1, "db1", ("symmetric",), ("haar",), symmetric=True)
+    for length in range(4, 21, 2):
+        more = ("interval",) if length <= 6 else ()
+        yield _orthonormal(_DAUBLET, length, length // 2, f"db{length // 2}", more)
+
+
+def _symmlets():
+    for length in range(4, 21, 2):
+        more = ("interval",) if length <= 16 else ()
+        yield _orthonormal(_SYMMLET, length, length // 2, f"sym{length // 2}", more)
+
+
+def _coiflets():
+    for length in range(6, 31, 6):
+        yield _orthonormal(_COIFLET, length, length // 3, f"coif{length // 6}")
+
+
+def _splines():
+    for m, n in PAIRS:
+        yield Wavelet(
+            f"Bspline{m}{n}",
+            "Bspline",
+            (m, n),
+            (2 * n + m - 1, m + 1),
+            (m, n),
+            True,
+            ("periodic", "symmetric"),
+            f"bior{m}.{n}",
+            (f"bs{m}{n}",),
+        )
+
+
+def _orthonormal_splines():
+    for degree in range(7):
+        length = 40 - degree % 2
+        boundaries = ("periodic", "symmetric")
+        moments = (degree + 1, degree + 1)
+        yield Wavelet(f"bl{degree}", "bl", (degree,), (length, length), moments, True, boundaries, "", ())
+
+
+def function_of(name):
+    """The function of the pack that returns the filter of that name, and its arguments.
+
+    None when the text is no name. The number may be one that the family does not have: then the
+    function says so.
+    """
+    if name == "haar":
+        return "daublet", (2,)
+    parts = re.fullmatch(r"([A-Za-z]+)(\d+)(?:\.(\d+))?", name, re.ASCII)
+    if not parts:
+        return None
+    letters, digits, second = parts[1], parts[2], parts[3]
+    if letters == "bior":
+        return ("Bspline", (int(digits), int(second))) if second else None
+    if second:
+        return None
+    if letters in _BSPLINE:
+        return ("Bspline", (int(digits[0]), int(digits[1]))) if len(digits) == 2 else None
+    return _family(letters, int(digits))
+
+
+def _family(letters, number):
+    if letters in _DAUBLET:
+        return "daublet", (number,)
+    if letters in _SYMMLET:
+        return "symmlet", (number,)
+    if letters == "coif" and 1 <= number <= 5:  # orders elsewhere; no coiflet is that short
+        return "coiflet", (6 * number,)
+    if letters in _COIFLET:
+        return "coiflet", (number,)
+    if letters == "bl":
+        return "bl", (number,)
+    if letters in ("db", "sym"):
+        return {"db": "daublet", "sym": "symmlet"}[letters], (2 * number,)
+    return None
+
+
+# The pack's names for those that only PyWavelets has.
+PACK_NAMES = {wavelet.pywavelets: wavelet.name for wavelet in wavelets() if wavelet.pywavelets}
