@@ -97,7 +97,7 @@ reliability:
 	cmake --build --preset release --target reliability
 
 lint:
-	tools/install build lint
+	tools/install build lint web
 	cmake --preset lint
 	tools/lint build/lint
 

@@ -1,7 +1,8 @@
 // The functions of the pack, and calls of them.
 #include <algorithm>
 #include <cmath>
-#include <exception>
+#include <memory>
+#include <new>
 #include <span>
 #include <string>
 #include <utility>
@@ -18,7 +19,6 @@ FROM_JAVASCRIPT(callRealFunction) double callRealFunctionOfJavaScript(int functi
 
 namespace {
 
-using undula::handleOf;
 using undula::Value;
 
 struct Session {
@@ -68,6 +68,7 @@ namespace undula {
 Value callUserFunction(int function, const std::vector<Value>& arguments) {
     std::vector<Value> copies = arguments;
     std::vector<Value*> handles;
+    handles.reserve(copies.size());
     for (Value& copy : copies) handles.push_back(&copy);
     const std::unique_ptr<Value> result(callFunctionOfJavaScript(function, handles.data(), handles.size()));
     rethrow();

@@ -16,9 +16,11 @@
 //
 //   const picture = charts.picture(parent, {
 //     title, description, height, file,
+//     aspect,                             optional, in place of height: width over height
 //     draw(context, width, height, theme),  in pixels of the page; see theme.js for the colours
 //     svg(width, height, theme),          optional: the same as SVG elements, a text
-//     tell(x, y),                         optional: a text about the point, from 0, 0 (top left) to 1, 1
+//     natural(),                          optional: a canvas to be saved as PNG in place of what is drawn
+//     tell(x, y, width, height),          optional: a text about the point, from 0, 0 (top left) to 1, 1
 //   });
 //   picture.update(record);
 //
@@ -334,8 +336,13 @@ export function line(parent, record) {
 
 // ---- Pictures ----------------------------------------------------------------------------------------------
 
+const TALLEST = 640;
+
+const heightOf = ({ height, aspect }, width) =>
+  (aspect ? Math.min(Math.max(Math.round(width / aspect), HEIGHT / 2), TALLEST) : height ?? HEIGHT);
+
 function drawn(record, width, scale, colours) {
-  const height = record.height ?? HEIGHT;
+  const height = heightOf(record, width);
   const canvas = make('canvas', { width: Math.round(width * scale), height: Math.round(height * scale) });
   const context = canvas.getContext('2d');
   context.scale(scale, scale);
@@ -353,7 +360,7 @@ export function picture(parent, record) {
     waiting = 0;
     if (!width) return;
     const canvas = drawn(current, width, devicePixelRatio, theme());
-    canvas.style.cssText = `width: ${width}px; height: ${current.height ?? HEIGHT}px`;
+    canvas.style.cssText = `width: ${width}px; height: ${heightOf(current, width)}px`;
     frame.box.replaceChildren(canvas);
   }
   const soon = () => {
@@ -364,18 +371,18 @@ export function picture(parent, record) {
     if (!current.tell) return;
     const box = frame.box.getBoundingClientRect();
     const [x, y] = [(event.clientX - box.left) / box.width, (event.clientY - box.top) / box.height];
-    frame.legend.textContent = x >= 0 && x < 1 && y >= 0 && y < 1 ? current.tell(x, y) : '';
+    frame.legend.textContent = x >= 0 && x < 1 && y >= 0 && y < 1 ? current.tell(x, y, box.width, box.height) : '';
   });
   frame.box.addEventListener('pointerleave', () => frame.legend.replaceChildren());
 
   const save = (blob, kind) => download(blob, `${fileName(current)}.${kind}`);
   tool(frame, 'PNG', 'Save as PNG', () =>
-    drawn(current, width, 2, theme()).toBlob((blob) => save(blob, 'png'), 'image/png'),
+    (current.natural?.() ?? drawn(current, width, 2, theme())).toBlob((blob) => save(blob, 'png'), 'image/png'),
   );
   if (record.svg) {
     tool(frame, 'SVG', 'Save as SVG', () =>
       save(
-        new Blob([pictureSvg(current, width, current.height ?? HEIGHT, theme())], { type: 'image/svg+xml' }),
+        new Blob([pictureSvg(current, width, heightOf(current, width), theme())], { type: 'image/svg+xml' }),
         'svg',
       ),
     );
