@@ -6,12 +6,10 @@
 import sys
 from pathlib import Path
 
+from driven import Page, complaints_of, open_browser, photograph, serve, show
 from selenium.webdriver.common.by import By
 from selenium.webdriver.common.keys import Keys
-from selenium.webdriver.support.ui import Select, WebDriverWait
-
-sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "tools"))
-from browser import complaints_of, open_browser, photograph, resize, serve  # noqa: E402
+from selenium.webdriver.support.ui import Select
 
 VIEWS = {
     "daublet8": "",
@@ -41,50 +39,6 @@ const look = () => {
 };
 look();
 """
-
-
-class Page:
-    def __init__(self, browser, address):
-        self.browser, self.address = browser, address
-
-    def open(self, fragment):
-        self.browser.get("about:blank")
-        self.browser.get(self.address + fragment)
-        self.wait("Python's lines", lambda: self.texts(".code code")[:1] not in ([], [""]))
-
-    def wait(self, what, condition):
-        WebDriverWait(self.browser, 10, 0.05).until(lambda _: condition(), what)
-
-    def texts(self, selector):
-        script = "return [...document.querySelectorAll(arguments[0])].map((each) => each.textContent)"
-        return self.browser.execute_script(script, selector)
-
-    def control(self, label):
-        path = f"//div[@id='panel-wavelet']//label[.='{label}']/following-sibling::*[1]"
-        return self.browser.find_element(By.XPATH, path)
-
-    def choose(self, label, value):
-        Select(self.control(label)).select_by_value(value)
-
-    def plot(self, title):
-        path = f"//figure[.//span[@class='title'][.='{title}']]/div[@role='img']"
-        return self.browser.find_element(By.XPATH, path)
-
-    def facts(self):
-        return dict(zip(self.texts("dt"), self.texts("dd")))
-
-
-def show(page, pictures):
-    for width in (400, 1280):
-        for theme in ("light", "dark"):
-            wish = [{"name": "prefers-color-scheme", "value": theme}]
-            page.browser.execute_cdp_cmd("Emulation.setEmulatedMedia", {"features": wish})
-            resize(page.browser, width)
-            for name, fragment in VIEWS.items():
-                page.open(fragment)
-                assert page.browser.execute_script("return document.documentElement.scrollWidth") <= width, name
-                assert page.browser.execute_script("return document.documentElement.dataset.theme") == theme
-                photograph(page.browser, pictures / f"{name}-{width}-{theme}.png")
 
 
 def choose(page):
@@ -136,8 +90,8 @@ def main():
     browser = open_browser()
     try:
         browser.execute_cdp_cmd("Page.addScriptToEvaluateOnNewDocument", {"source": WATCH})
-        page = Page(browser, serve(folder))
-        show(page, pictures)
+        page = Page(browser, serve(folder), "wavelet")
+        show(page, VIEWS, pictures)
         choose(page)
         go_and_return(page)
         zoom(page, pictures)

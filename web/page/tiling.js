@@ -101,14 +101,10 @@ function told(record, width, x, y) {
     `${record.frequencyLabel} ${(up * highest).toPrecision(3)}: ${value.toPrecision(4)}`;
 }
 
-export function tilingPicture(record) {
-  let shownWidth = 1;
-  const paint = (pen, width, height, theme) => {
-    shownWidth = width;
-    paintTiling(pen, width, height, theme, record);
-  };
-  return pictureOf({ ...record, tell: (x, y) => told(record, shownWidth, x, y) }, paint);
-}
+export const tilingPicture = (record) => pictureOf(
+  { ...record, tell: (x, y, width) => told(record, width, x, y) },
+  (pen, width, height, theme) => paintTiling(pen, width, height, theme, record),
+);
 
 // ---- The table
 
