@@ -112,7 +112,7 @@ function octave(choice) {
     'pkg load undula', `x = load ("${choice.file}");`,
     ...octaveFit(choice, more),
     `y = dwt${letter} (x, ${level}, "${wavelet.name}");`,
-    `d = ${smooth + 1}:numel (y);                      # the details`,
+    `d = ${smooth + 1}:numel (y);  # the details`,
     `y(d) = ${kept};`,
     `denoised = idwt${letter} (y, ${level}, "${wavelet.name}")${more > 0 ? `(1:${count})` : ''};`,
     ...(samePacketLength ? [
