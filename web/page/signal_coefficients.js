@@ -10,13 +10,18 @@ const text = (value) => String(Number(value.toPrecision(4))).replace('-', '−')
 const percent = (share) => `${Number((100 * share).toPrecision(3))} %`;
 const decibelText = (value) => (Number.isFinite(value) && value < 200 ? `${value.toFixed(1)} dB` : 'no difference');
 
-const timesOf = ({ axis, samples }) => Float64Array.from(samples, (_, i) => axis.start + i * axis.step);
+// Loops in place of `from` and iterators, which take ten times as long of millions of samples.
+function timesFrom(first, step, count) {
+  const times = new Float64Array(count);
+  for (let i = 0; i < count; i += 1) times[i] = first + i * step;
+  return times;
+}
 
 function rangeOf(numbers) {
   let [least, greatest] = [Infinity, -Infinity];
-  for (const x of numbers) {
-    if (x < least) least = x;
-    if (x > greatest) greatest = x;
+  for (let i = 0; i < numbers.length; i += 1) {
+    if (numbers[i] < least) least = numbers[i];
+    if (numbers[i] > greatest) greatest = numbers[i];
   }
   return `from ${text(least)} to ${text(greatest)}`;
 }
@@ -93,7 +98,8 @@ export function coefficientPart({ services, calls, guarded, settings, onChange, 
   // ---- Drawing
 
   function x(signal) {
-    if (times.of !== signal) times = { of: signal, x: timesOf(signal) };
+    const { axis, samples } = signal;
+    if (times.of !== signal) times = { of: signal, x: timesFrom(axis.start, axis.step, samples.length) };
     return times.x;
   }
 
@@ -134,7 +140,7 @@ export function coefficientPart({ services, calls, guarded, settings, onChange, 
     const y = partsOf(coefficients, sizes)[i];
     const [from, to] = span(signal, coefficients.length);
     const step = (to - from) / y.length;
-    const middles = Float64Array.from(y, (_, k) => from + (k + 0.5) * step);
+    const middles = timesFrom(from + 0.5 * step, step, y.length);
     singleChart.update({
       title: `Coefficients: ${levelName(sizes, i)}`,
       xLabel: signal.axis.unit,
