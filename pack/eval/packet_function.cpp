@@ -44,7 +44,8 @@ SampleRange samplesOf(const FilterSet& set, std::uint32_t packet) {
 }
 
 // 2^exponent x. As std::ldexp, which is slow for what is done at every point; out of line like that, so that
-// x is rounded to a double also where registers have room for more digits. Not every library has std::bit_cast.
+// x is rounded to a double also where registers have room for more digits. Not every library has
+// std::bit_cast.
 [[gnu::noinline]] double timesPowerOfTwo(double x, Index exponent) {
     constexpr Index bias = 1023;
     if (exponent <= -bias || exponent > bias) return std::ldexp(x, static_cast<int>(exponent));
