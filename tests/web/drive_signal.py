@@ -7,19 +7,11 @@ import statistics
 import sys
 from pathlib import Path
 
-from driven import Page, complaints_of, open_browser, photograph, serve, show
-from selenium.webdriver.common.by import By
+from driven import Page, cancel_when_busy, complaints_of, drop, errors, open_browser, photograph, press, serve, show
 
 VIEWS = {"ecg": "#signal", "sunspots": "#signal?source=sunspots&noise=10&wavelet=Bspline24&boundary=symmetric"}
 LONG = "#signal?source=long&level=8&depth=8"  # 2^16 samples
 MOST_MS = 50
-
-DROP = """
-const files = new DataTransfer();
-files.items.add(new File([arguments[1]], arguments[0]));
-const event = new DragEvent('drop', { dataTransfer: files, bubbles: true, cancelable: true });
-document.getElementById('panel-signal').dispatchEvent(event);
-"""
 
 # The time from each step of the slider until the frame after the new picture.
 SLIDE = """
@@ -48,28 +40,6 @@ const changed = () => new Promise((resolve) => {
 })();
 """
 
-CANCEL = """
-const [done] = arguments;
-const look = () => {
-  if (document.getElementById('status').hidden) return setTimeout(look, 5);
-  document.getElementById('cancel').click();
-  return done();
-};
-look();
-"""
-
-
-def errors(page):
-    return "".join(page.texts("#panel-signal .error:not([hidden])"))
-
-
-def drop(page, name, content):
-    page.browser.execute_script(DROP, name, content)
-
-
-def press(page, text):
-    page.browser.find_element(By.XPATH, f"//div[@id='panel-signal']//button[.='{text}']").click()
-
 
 def kept(page):
     page.wait("the facts", lambda: "Coefficients kept" in page.facts())
@@ -78,7 +48,7 @@ def kept(page):
 
 def drop_files(page):
     page.open("#signal")
-    drop(page, "two.csv", "t;v\n" + "\n".join(f"{i};{i % 7},5" for i in range(300)))
+    drop(page, "two.csv", "\n".join(["t;v", *(f"{i};{i % 7},5" for i in range(300))]).encode())
     page.wait("the file", lambda: " of 320" in kept(page))
     assert page.control("Column").text.split() == ["t", "v"]
     before = kept(page)
@@ -90,7 +60,7 @@ def drop_files(page):
         "long.csv": ("1\n" * (2**22 + 2), "at most"),
     }
     for name, (content, sentence) in faults.items():
-        drop(page, name, content)
+        drop(page, name, content.encode())
         page.wait(name, lambda: name in errors(page) and sentence in errors(page))
         assert kept(page) == before
     page.open("#signal?source=file&file=two.csv")
@@ -113,10 +83,10 @@ def slide(page):
 
 def search_and_cancel(page):
     page.open("#signal")
-    drop(page, "sound.csv", "\n".join(str(i * i % 1009) for i in range(2**18)))
+    drop(page, "sound.csv", "\n".join(str(i * i % 1009) for i in range(2**18)).encode())
     page.wait("the file", lambda: " of 262144" in kept(page))
     press(page, "Search the best basis")
-    page.browser.execute_async_script(CANCEL)
+    cancel_when_busy(page)
     page.wait("the button again", lambda: "was not searched" in "".join(page.texts("#panel-signal .hint")))
     press(page, "Search the best basis")
     page.wait("the best basis", lambda: "best cosines" in page.texts("#panel-signal tbody th"))

@@ -1,5 +1,6 @@
 """A panel of the page, driven in headless Chromium as a reader would."""
 
+import base64
 import sys
 from pathlib import Path
 
@@ -8,6 +9,24 @@ from selenium.webdriver.support.ui import Select, WebDriverWait
 
 sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "tools"))
 from browser import complaints_of, open_browser, photograph, resize, serve  # noqa: E402, F401
+
+DROP = """
+const [panel, name, content] = arguments;
+const files = new DataTransfer();
+files.items.add(new File([Uint8Array.from(atob(content), (each) => each.charCodeAt(0))], name));
+const event = new DragEvent('drop', { dataTransfer: files, bubbles: true, cancelable: true });
+document.getElementById(`panel-${panel}`).dispatchEvent(event);
+"""
+
+CANCEL = """
+const [done] = arguments;
+const look = () => {
+  if (document.getElementById('status').hidden) return setTimeout(look, 5);
+  document.getElementById('cancel').click();
+  return done();
+};
+look();
+"""
 
 
 class Page:
@@ -39,6 +58,26 @@ class Page:
 
     def facts(self):
         return dict(zip(self.texts("dt"), self.texts("dd")))
+
+    def slide(self, label, position):
+        script = "arguments[0].value = arguments[1]; arguments[0].dispatchEvent(new Event('input', { bubbles: true }))"
+        self.browser.execute_script(script, self.control(label), position)
+
+
+def errors(page):
+    return "".join(page.texts(f"#panel-{page.panel} .error:not([hidden])"))
+
+
+def drop(page, name, content):
+    page.browser.execute_script(DROP, page.panel, name, base64.b64encode(content).decode())
+
+
+def press(page, text):
+    page.browser.find_element(By.XPATH, f"//div[@id='panel-{page.panel}']//button[.='{text}']").click()
+
+
+def cancel_when_busy(page):
+    page.browser.execute_async_script(CANCEL)
 
 
 def show(page, views, pictures):
