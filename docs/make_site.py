@@ -91,6 +91,15 @@ def mend_theme(html):
     furo.write_text(gumshoe + without_imports, encoding="utf-8")
 
 
+def take_in(web, folder):
+    """The page links to the site's, of which it knows nothing where it lies alone."""
+    shutil.copytree(web, folder)
+    page = folder / "index.html"
+    text = page.read_text(encoding="utf-8")
+    assert text.count('id="site" hidden') == 1
+    page.write_text(text.replace('id="site" hidden', 'id="site"'), encoding="utf-8")
+
+
 def helpers_page():
     introduction = "[Helpers](helpers.md) and [pictures](plotting.md) say what they are for."
     parts = [f"# Python helpers, one by one\n\n{introduction}\n"]
@@ -112,7 +121,7 @@ def main():
                "-d", folder / "doctrees", folder / "source", folder / "html"]
     subprocess.run(command, env={**os.environ, "PYTHONDONTWRITEBYTECODE": "1"}, check=True)
     mend_theme(folder / "html")
-    shutil.copytree(web, folder / "html" / "try")
+    take_in(web, folder / "html" / "try")
 
 
 if __name__ == "__main__":
