@@ -41,6 +41,11 @@ look();
 """
 
 
+def ignore_nonsense(page):
+    page.open("#wavelet?packet=Infinity&level=&wavelet=nothing")
+    assert page.facts()["Names"].startswith("daublet8") and "Packet 5" in page.texts("figcaption .title")
+
+
 def choose(page):
     page.open("#wavelet?wavelet=symmlet8&boundary=interval")
     page.choose("Family", "coiflet")
@@ -71,11 +76,13 @@ def zoom(page, pictures):
     plot = page.plot("Wavelet")
     plot.send_keys("0")  # it has the focus now, which is seen
     whole = plot.screenshot_as_png
-    plot.send_keys("+", Keys.ARROW_RIGHT)
+    plot.send_keys("+", Keys.SHIFT, Keys.ARROW_RIGHT)
     page.wait("a part of it", lambda: plot.screenshot_as_png != whole)
     photograph(page.browser, pictures / "zoom.png")
     plot.send_keys("0")
     page.wait("the whole", lambda: plot.screenshot_as_png == whole)
+    plot.send_keys(Keys.ARROW_RIGHT)
+    page.wait("a value", lambda: any(page.texts(".legend .number")))
 
 
 def cancel(page):
@@ -92,6 +99,7 @@ def main():
         browser.execute_cdp_cmd("Page.addScriptToEvaluateOnNewDocument", {"source": WATCH})
         page = Page(browser, serve(folder), "wavelet")
         show(page, VIEWS, pictures)
+        ignore_nonsense(page)
         choose(page)
         go_and_return(page)
         zoom(page, pictures)

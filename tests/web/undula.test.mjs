@@ -26,6 +26,13 @@ test('an error names the argument at fault, or none', () => {
   stillWorks();
 });
 
+test('arrays of other numbers are taken by their values', () => {
+  const expected = undula.call('dwt', [ramp, 1, haar]);
+  for (const data of [new Float32Array(ramp), new Int8Array(ramp), new Matrix(4, 1, [...ramp])]) {
+    assert.deepEqual(undula.call('dwt', [data, 1, haar]), expected);
+  }
+});
+
 test('arrays that do not fit into memory are refused, and all goes on', () => {
   assert.throws(() => undula.call('dwt', [new Float64Array(2 ** 28), 1, haar]), { reason: 'out of memory', argument: 0 });
   stillWorks();
@@ -43,9 +50,12 @@ test('what a user function throws comes out, also of a call within a call', () =
 });
 
 test('what is no value of the pack is refused before the call', () => {
-  for (const value of [null, undefined, 1n, { re: 1 }, new Float32Array(4)]) {
+  for (const value of [null, undefined, 1n, { re: 1 }, new DataView(new ArrayBuffer(8)), new BigInt64Array(4)]) {
     assert.throws(() => undula.call('dwt', [value, 1, haar]), TypeError);
   }
-  assert.throws(() => new Matrix(2, 2, new Float64Array(3)), RangeError);
+  for (const [rows, cols, count] of [[2, 2, 3], [-2, -2, 4], [0.5, 8, 4]]) {
+    assert.throws(() => new Matrix(rows, cols, new Float64Array(count)), RangeError);
+  }
+  assert.throws(() => undula.call('daublet', 8), TypeError);
   stillWorks();
 });

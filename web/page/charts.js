@@ -11,8 +11,9 @@
 //   chart.update(record);          fast: keeps the zoom if x goes as far as before
 //
 // Series may share one x, which is fastest if it is the same array, or have one each. `steps` hold each value
-// up to the next x. NaN leaves a gap. A zoom is made by dragging, with the buttons, or with + - arrows and 0 on
-// the chart; a double click shows the whole again. What lies under the pointer is told in the legend.
+// up to the next x. NaN leaves a gap. A zoom is made by dragging, with the buttons, or with + - 0 and arrows
+// with Shift on the chart; a double click shows the whole again. What lies under the pointer, which arrows move too, is
+// told in the legend.
 //
 //   const picture = charts.picture(parent, {
 //     title, description, height, file,
@@ -44,7 +45,7 @@ function frameOf(parent, record) {
   const title = make('span', { class: 'title' }, record.title);
   const tools = make('div', { class: 'tools', role: 'group', 'aria-label': `${record.title}: view and files` });
   const box = make('div', { class: 'plot', role: 'img', tabindex: '0' });
-  const legend = make('div', { class: 'legend' });
+  const legend = make('div', { class: 'legend', 'aria-live': 'polite' });
   const element = make('figure', { class: 'chart' }, make('figcaption', {}, title, tools), box, legend);
   parent.append(element);
   const name = (newRecord) => {
@@ -72,6 +73,15 @@ function watchWidth(box, resized) {
   });
   observer.observe(box);
   return () => observer.disconnect();
+}
+
+function takeKeys(box, keys) {
+  box.addEventListener('keydown', (event) => {
+    const key = event.key.startsWith('Arrow') && event.shiftKey ? `Shift ${event.key}` : event.key;
+    if (!keys[key] || event.ctrlKey || event.metaKey || event.altKey) return;
+    event.preventDefault();
+    keys[key]();
+  });
 }
 
 // ---- Lines -------------------------------------------------------------------------------------------------
@@ -289,19 +299,29 @@ export function line(parent, record) {
     view(kept - half, kept + half);
   }
 
-  const keys = {
+  // Where the values are read, from the middle on; a hundred steps from one side to the other.
+  function readValue(direction) {
+    if (!plot) return;
+    const [xs] = plot.data;
+    const [first, last] = [plot.scales.x.min, plot.scales.x.max].map((value) => plot.valToIdx(value));
+    const step = Math.max(1, Math.round((last - first) / 100));
+    const now = plot.cursor.idx;
+    const next = now === null || now === undefined ? Math.round((first + last) / 2) : now + direction * step;
+    const left = plot.valToPos(xs[Math.min(Math.max(next, first), last)], 'x');
+    plot.setCursor({ left, top: 0 });
+  }
+
+  takeKeys(frame.box, {
     '+': () => zoom(0.5),
     '=': () => zoom(0.5),
     '-': () => zoom(2),
     0: reset,
-    ArrowLeft: () => zoom(1, -0.2),
-    ArrowRight: () => zoom(1, 0.2),
-  };
-  frame.box.addEventListener('keydown', (event) => {
-    if (!keys[event.key] || event.ctrlKey || event.metaKey || event.altKey) return;
-    event.preventDefault();
-    keys[event.key]();
+    ArrowLeft: () => readValue(-1),
+    ArrowRight: () => readValue(1),
+    'Shift ArrowLeft': () => zoom(1, -0.2),
+    'Shift ArrowRight': () => zoom(1, 0.2),
   });
+  frame.box.addEventListener('blur', () => plot?.setCursor({ left: -10, top: -10 }));
 
   const svg = () => {
     const { x, y } = plot.scales;
@@ -337,6 +357,7 @@ export function line(parent, record) {
 // ---- Pictures ----------------------------------------------------------------------------------------------
 
 const TALLEST = 640;
+const STEP = 1 / 64;  // of the point that arrows move
 
 const heightOf = ({ height, aspect }, width) =>
   (aspect ? Math.min(Math.max(Math.round(width / aspect), HEIGHT / 2), TALLEST) : height ?? HEIGHT);
@@ -346,6 +367,8 @@ function drawn(record, width, scale, colours) {
   const canvas = make('canvas', { width: Math.round(width * scale), height: Math.round(height * scale) });
   const context = canvas.getContext('2d');
   context.scale(scale, scale);
+  context.fillStyle = colours.background;
+  context.fillRect(0, 0, width, height);
   record.draw(context, width, height, colours);
   return canvas;
 }
@@ -367,11 +390,24 @@ export function picture(parent, record) {
     waiting = waiting || requestAnimationFrame(redraw);
   };
 
+  const point = { x: 0.5, y: 0.5 };
+  function tell(x, y) {
+    Object.assign(point, { x, y });
+    const { width: across, height: down } = frame.box.getBoundingClientRect();
+    const isInside = x >= 0 && x < 1 && y >= 0 && y < 1;
+    frame.legend.textContent = isInside ? current.tell?.(x, y, across, down) ?? '' : '';
+  }
+
   frame.box.addEventListener('pointermove', (event) => {
-    if (!current.tell) return;
     const box = frame.box.getBoundingClientRect();
-    const [x, y] = [(event.clientX - box.left) / box.width, (event.clientY - box.top) / box.height];
-    frame.legend.textContent = x >= 0 && x < 1 && y >= 0 && y < 1 ? current.tell(x, y, box.width, box.height) : '';
+    tell((event.clientX - box.left) / box.width, (event.clientY - box.top) / box.height);
+  });
+  const moved = (value, by) => Math.min(Math.max(value + by, 0), 1 - STEP / 2);
+  takeKeys(frame.box, {
+    ArrowLeft: () => tell(moved(point.x, -STEP), point.y),
+    ArrowRight: () => tell(moved(point.x, STEP), point.y),
+    ArrowUp: () => tell(point.x, moved(point.y, -STEP)),
+    ArrowDown: () => tell(point.x, moved(point.y, STEP)),
   });
   frame.box.addEventListener('pointerleave', () => frame.legend.replaceChildren());
 

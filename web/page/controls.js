@@ -11,7 +11,8 @@
 //   checkbox({ label, value, onChange(boolean) })              -> value (get, set)
 //   button({ text, label, onClick })
 //   copyButton(() => text, what, announce)
-//   fileDrop({ label, accept, onFile(file), target })          a button; files may be dropped on `target` too
+//   fileDrop({ label, accept, onFile(file, count), target })   a button; files may be dropped on `target` too, of
+//                                                              which `count` were dropped and the first is given
 //   errorLine()                                                -> show(text), clear(); is read out at once
 //   table({ caption, head: [texts], rows: [[texts]] })         -> update(rows)
 //   group(label, ...elements)                                  controls in a row
@@ -169,7 +170,7 @@ export function copyButton(textOf, what, announce) {
 export function fileDrop({ label, accept, onFile, target }) {
   const input = make('input', { type: 'file', accept, class: 'unseen', tabindex: '-1', 'aria-hidden': 'true' });
   input.addEventListener('change', () => {
-    if (input.files.length) onFile(input.files[0]);
+    if (input.files.length) onFile(input.files[0], 1);
     input.value = ''; // so that the same file can be chosen again
   });
   const open = button({ text: label, onClick: () => input.click() });
@@ -184,8 +185,8 @@ export function fileDrop({ label, accept, onFile, target }) {
   place.addEventListener('drop', (event) => {
     event.preventDefault();
     mark(false);
-    const [file] = event.dataTransfer.files;
-    if (file) onFile(file);
+    const { files } = event.dataTransfer;
+    if (files.length) onFile(files[0], files.length);
   });
   return { element: area };
 }

@@ -75,6 +75,7 @@ function servicesOf(id) {
 }
 
 function show(open) {
+  byId('announcements').textContent = '';
   for (const { id } of panels) {
     const chosen = id === open;
     const tab = byId(`tab-${id}`);
@@ -106,16 +107,38 @@ function moveAlongTabs(event) {
   byId(`tab-${panels[next].id}`).focus();
 }
 
+// What is dropped beside the panel is meant for it; a browser would show the file in place of the page.
+function catchDrops() {
+  addEventListener('dragover', (event) => event.preventDefault());
+  addEventListener('drop', (event) => {
+    if (event.defaultPrevented) return;
+    event.preventDefault();
+    const { dataTransfer } = event;
+    byId(`panel-${state.panel()}`).dispatchEvent(new DragEvent('drop', { dataTransfer, cancelable: true }));
+  });
+}
+
+// The button goes when nothing is computed any more; the hand returns to where it was.
+function cancelOnClick() {
+  let before = null;
+  byId('panels').addEventListener('focusin', ({ target }) => {
+    before = target;
+  });
+  byId('cancel').addEventListener('click', () => {
+    compute.cancel();
+    announce('Cancelled.');
+    before?.focus();
+  });
+}
+
 function start() {
   compute.warmUp();
   mountThemeButton(byId('theme'));
   byId('tabs').append(...panels.map(tabOf));
   byId('tabs').addEventListener('keydown', moveAlongTabs);
   byId('panels').replaceChildren(...panels.map(rootOf));
-  byId('cancel').addEventListener('click', () => {
-    compute.cancel();
-    announce('Cancelled.');
-  });
+  cancelOnClick();
+  catchDrops();
   // The fragment of the address is the state, so that a link within the page may not change it.
   byId('skip').addEventListener('click', (event) => {
     event.preventDefault();

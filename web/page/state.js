@@ -2,7 +2,8 @@
 //
 // The state of a panel is a flat record of short texts. Numbers are turned into texts, so a panel reads
 // Number(state.levels). A panel names its keys and their first values in `defaults`; what is at its default
-// is left out of the address, and keys that no panel has named are dropped. SHARED belongs to all panels: a
+// is left out of the address; keys that no panel has named are dropped, and so is what is no finite number where
+// the default is a number. SHARED belongs to all panels: a
 // wavelet chosen in one is chosen in the others.
 //
 //   const state = createState({ signal: { levels: 5 }, ... });
@@ -30,6 +31,11 @@ function parse(fragment) {
 function pick(record, keys) {
   return Object.fromEntries(Object.entries(record).filter(([key]) => Object.hasOwn(keys, key)));
 }
+
+const isNumber = (text) => text.trim() !== '' && Number.isFinite(Number(text));
+
+const admitted = (record, defaults) => Object.fromEntries(
+  Object.entries(record).filter(([key, text]) => typeof defaults[key] !== 'number' || isNumber(text)));
 
 export function createState(defaultsOfPanels) {
   const defaults = Object.fromEntries(
@@ -61,7 +67,7 @@ export function createState(defaultsOfPanels) {
     open = Object.hasOwn(defaults, told.panel) ? told.panel : Object.keys(defaults)[0];
     values[open] = {};
     shared = texts(SHARED);
-    keep(open, told.values);
+    keep(open, admitted(told.values, defaultsOfPanels[open]));
   }
 
   function rewrite() {

@@ -8,7 +8,7 @@
 //   number                  a real scalar
 //   {re, im}                a complex scalar
 //   string                  a text
-//   Float64Array            an array of one column
+//   Float64Array            an array of one column, as are the other arrays of numbers that have a type
 //   Matrix                  an array
 //   JavaScript's own array  a table: a column whose cells hold values of any kind
 //   function                a user's function, of values, which returns one
@@ -16,13 +16,17 @@
 // Arrays are returned as Matrix, or as JavaScript's own where their cells hold more than numbers. What is
 // given is copied.
 
+const isCount = (n) => Number.isInteger(n) && n >= 0;
+const areNumbers = (values) => ArrayBuffer.isView(values) && typeof values[0] !== 'bigint' && 'length' in values;
+const asDoubles = (values) => (values instanceof Float64Array ? values : Float64Array.from(values));
+
 /** An array: the numbers by columns. `im` is null where all imaginary parts are zero. */
 export class Matrix {
   constructor(rows, cols, re, im = null) {
-    if (re.length !== rows * cols || (im !== null && im.length !== re.length)) {
+    if (!isCount(rows) || !isCount(cols) || re.length !== rows * cols || (im !== null && im.length !== re.length)) {
       throw new RangeError('as many numbers as the array has cells are needed');
     }
-    Object.assign(this, { rows, cols, re, im });
+    Object.assign(this, { rows, cols, re: asDoubles(re), im: im && asDoubles(im) });
   }
 }
 
@@ -37,7 +41,10 @@ export class UndulaError extends Error {
 }
 
 /** Marks a function of a number that returns a number. */
-export const realFunction = (f) => Object.assign((x) => f(x), { isReal: true });
+export function realFunction(f) {
+  if (typeof f !== 'function') throw new TypeError('a function is wanted');
+  return Object.assign((x) => f(x), { isReal: true });
+}
 
 const tags = { error: 0, scalar: 2, text: 3, array: 5 };
 const outOfMemory = 'out of memory';
@@ -93,6 +100,7 @@ function sessionFunctions(session) {
     call(name, values) {
       const index = indices.get(name);
       if (index === undefined) throw new UndulaError(name, 'no such function', 0, '');
+      if (!Array.isArray(values)) throw new TypeError(`${name}: the arguments are wanted in an array`);
       return callFunction(session, index, described[index], values);
     },
   };
@@ -176,14 +184,14 @@ function makeValue(session, value) {
   if (typeof value === 'string') return makeText(module, value);
   if (typeof value === 'function') return makeFunction(session, value);
   if (value instanceof Matrix) return makeArray(module, value);
-  if (value instanceof Float64Array) return makeArray(module, new Matrix(value.length, 1, value));
+  if (areNumbers(value)) return makeArray(module, new Matrix(value.length, 1, value));
   if (Array.isArray(value)) {
     return withHandles(session, 'table', value, (cells) => module.makeTable(cells, value.length));
   }
   if (typeof value?.re === 'number' && typeof value.im === 'number') {
     return module.makeScalar(value.re, value.im);
   }
-  throw new TypeError(`cannot be given to a function of the pack: ${String(value)}`);
+  throw new TypeError(`cannot be given to a function of the pack: ${value?.constructor?.name ?? String(value)}`);
 }
 
 function makeText(module, text) {
