@@ -279,10 +279,16 @@ function mount(root, services) {
     const request = { setting: from, basis, share: share() };
     const result = await compute.latest('image.rebuild', 'image.rebuild', request);
     if (!result || wanted !== version) return;
-    last = { ...result.wavelet, setting: from, image };
+    last = { ...result, setting: from, image };
     drawRebuilt(view.charts.rebuilt, 'wavelet basis', result.wavelet);
     if (result.best) drawRebuilt(view.charts.bestRebuilt, 'best basis', result.best);
-    view.kept.textContent = compressionText(image, result) + levelsNote(deepest());
+    tellResult();
+  }
+
+  function tellResult() {
+    if (!last) return;
+    const { wavelet, best } = last;
+    view.kept.textContent = compressionText(last.image, { wavelet, best: basis && best }) + levelsNote(deepest());
     showCode();
   }
 
@@ -332,6 +338,7 @@ function mount(root, services) {
 
   // Returns for what it was searched. While it runs, other choices may be made.
   async function searchOnce() {
+    tellSearch();
     const sought = { version, cost: cost() };
     const request = { setting: setting(), cost: sought.cost, basisId: lastId += 1 };
     const result = await compute.run('image.search', request);
@@ -372,7 +379,7 @@ function mount(root, services) {
     state.set({ searched: '' });
     view.best.hidden = true;
     view.basisInfo.textContent = isCancelled(error) ? 'The search was cancelled.' : 'No basis was found.';
-    showCode();
+    tellResult();
     keepFocus();
   }
 
@@ -385,14 +392,13 @@ function mount(root, services) {
   // ---- The lines
 
   function showCode() {
-    if (!last) return;
     const { width, height, file } = last.image;
-    const [rows, cols] = last.size;
+    const { size: [rows, cols], wanted } = last.wavelet;
     view.codeHint.textContent = file === SAMPLE ? `The lines read the sample, ${file}.`
       : `“Image as PGM” above saves the file ${file}.`;
     view.code.update(codeOf({
       image: { file, width, height }, wavelet: last.setting.wavelet, boundary: last.setting.boundary,
-      levels: last.setting.levels, rows, cols, wanted: last.wanted, cost: cost(), packets: Boolean(basis),
+      levels: last.setting.levels, rows, cols, wanted, cost: cost(), packets: Boolean(basis),
     }));
   }
 
