@@ -31,6 +31,10 @@ def kept(page):
     return page.texts("#panel-image .kept")[0]
 
 
+def is_computing(page):
+    return bool(page.texts("#panel-image [aria-busy=true]"))
+
+
 def info(page):
     return page.texts("#panel-image .info")[0]
 
@@ -39,14 +43,19 @@ def decibels(page):
     return [float(number) for number in re.findall(r"([\d.]+) dB", kept(page))]
 
 
+def check_lines(page):
+    """What Python's lines print is what the page shows."""
+    printed = io.StringIO()
+    with contextlib.redirect_stdout(printed):
+        exec(page.texts("#panel-image .code code")[0], {})
+    np.testing.assert_allclose(decibels(page), [float(line) for line in printed.getvalue().split()], atol=0.0051)
+
+
 def search(page):
     for fragment in SEARCHES:
         page.open(fragment)
         page.wait("both bases", lambda: len(decibels(page)) == 2)
-        printed = io.StringIO()
-        with contextlib.redirect_stdout(printed):
-            exec(page.texts("#panel-image .code code")[0], {})
-        np.testing.assert_allclose(decibels(page), [float(line) for line in printed.getvalue().split()], atol=0.0051)
+        check_lines(page)
 
 
 def slide(page):
@@ -61,11 +70,12 @@ def slide(page):
 
 def images(folder):
     """Files by their names, with what is said about them."""
-    noise = np.random.default_rng(1).integers(0, 256, (2, 90, 130, 3), np.uint8)
-    colour, grey = Image.fromarray(noise[0]), Image.fromarray(noise[1, :, :, 0])
+    noise = np.random.default_rng(1).integers(0, 256, (90, 130, 4), np.uint8)
+    grey = Image.fromarray(noise[:, :, 0])
     files = {
-        "colour.png": (colour, "130 × 90 pixels.*turned to grey"),
-        "grey.jpg": (grey, r"130 × 90 pixels"),
+        "clear colours.png": (Image.fromarray(noise), "130 × 90 pixels.*turned to grey.*on white"),
+        "deep.png": (Image.fromarray(noise[:, :, 0] * np.uint16(257)), "130 × 90 pixels.*16 bits"),
+        "grey.jpg": (grey, "130 × 90 pixels"),
         "large.png": (grey.resize((3000, 1500)), "2048 × 1024 pixels.*reduced from 3000 × 1500"),
     }
     for name, (image, sentence) in files.items():
@@ -75,18 +85,26 @@ def images(folder):
 
 def drop_files(page, folder):
     page.open("#image")
+    downloads = {"behavior": "allow", "downloadPath": str(folder)}
+    page.browser.execute_cdp_cmd("Browser.setDownloadBehavior", downloads)
     for name, content, sentence in images(folder):
         drop(page, name, content)
-        page.wait(name, lambda: re.search(f"^{name}: {sentence}", info(page)) and kept(page))
+        page.wait(name, lambda: re.search(f"^{name}: {sentence}", info(page)) and not is_computing(page))
         assert not errors(page)
-    page.wait("its coefficients", lambda: "of 2097152 coefficients" in kept(page))
+        press(page, "Image as PGM")
+        saved = folder / f"grey-{Path(name).stem.replace(' ', '-')}.pgm"
+        page.wait("the file", saved.exists)
+        with contextlib.chdir(folder):
+            check_lines(page)
+    assert "of 2097152 coefficients" in kept(page)
     before = info(page), kept(page)
     faults = {
         "empty.png": (b"", "is empty"),
         "text.png": (b"hello", "is not an image"),
-        "cut.png": ((folder / "colour.png").read_bytes()[:40], "or it is broken"),
+        "cut.png": ((folder / "deep.png").read_bytes()[:40], "or it is broken"),
         "cut.pgm": (b"P5 30 30 255\n" + bytes(10), "ends before its last pixel"),
-        "row.pgm": (b"P5 30 1 255\n" + bytes(30), "at least 2 × 2 pixels"),
+        "row.pgm": (b"P5 30 1 255\n" + bytes(30), "30 × 1 pixels, and an image needs at least 2 × 2"),
+        "narrow.pgm": (b"P5 3000 2 255\n" + bytes(6000), "3000 × 2 pixels, which is too narrow"),
     }
     for name, (content, sentence) in faults.items():
         drop(page, name, content)
@@ -99,16 +117,29 @@ def cancel(page):
     press(page, "Search the best basis")
     cancel_when_busy(page)
     page.wait("the search to end", lambda: "The search was cancelled." in page.texts("#panel-image .kept"))
-    press(page, "Sample")
-    page.wait("the sample", lambda: "camera.pgm" in info(page))
+    assert page.browser.switch_to.active_element.text == "Search the best basis"
     press(page, "Search the best basis")
-    page.wait("both bases", lambda: len(decibels(page)) == 2)
-    assert not errors(page)
+    page.wait("the comparison", lambda: "Comparing" in page.texts("#status-text")[0])
+    cancel_when_busy(page)
+    page.wait("its end", lambda: "comparison of the bases was cancelled" in errors(page))
+    assert len(decibels(page)) == 2 and not is_computing(page)
+
+
+def interrupt(page):
+    """A search in the large image, which goes on after a faulty file, and ends when another is there."""
+    press(page, "Search the best basis")
+    page.wait("the search", lambda: "Searching" in page.texts("#status-text")[0])
+    drop(page, "empty.png", b"")
+    page.wait("empty.png", lambda: "empty.png is empty" in errors(page))
+    page.wait("the search", lambda: "Searching" in page.texts("#status-text")[0])
+    press(page, "Sample")
+    page.wait("the sample", lambda: "camera.pgm" in info(page) and not is_computing(page))
+    assert len(decibels(page)) == 2 and not errors(page)
 
 
 def main():
     folder, pictures = (Path(argument).resolve() for argument in sys.argv[1:3])
-    os.chdir(folder / "data")  # where the lines of Python find the sample
+    os.chdir(Path(__file__).resolve().parents[2])  # where the lines of Python find the sample
     browser = open_browser()
     try:
         page = Page(browser, serve(folder), "image")
@@ -119,6 +150,7 @@ def main():
         with tempfile.TemporaryDirectory() as images_folder:
             drop_files(page, Path(images_folder))
         cancel(page)
+        interrupt(page)
         complaints = list(complaints_of(browser, "An image"))
     finally:
         browser.quit()

@@ -4,15 +4,21 @@ import { codeBlock } from './code.js';
 import { isCancelled } from './compute.js';
 import { codeOf } from './image_code.js';
 import { IMAGE_COSTS, hasThreshold } from './image_costs.js';
+import { pgmName, pgmOf } from './image_file.js';
 import { deepestLevel } from './image_layout.js';
 import { canvasOf, greyData, mosaic, partition, photograph } from './image_pictures.js';
 import {
   basisText, blockTold, compareHead, compareRows, compressionText, imageText, mosaicText, packetTold, qualityText,
   subbandHead, subbandRows,
 } from './image_texts.js';
+import { staleDuring } from './image_stale.js';
 import { waveletChoice } from './wavelet_choice.js';
 
 const FIRST = { levels: 4, share: 5, cost: 'shannon', threshold: 20, searched: '', file: '' };
+
+const SAMPLE = 'examples/data/camera.pgm';
+
+const KINDS = 'image/png,image/jpeg,image/webp,image/gif,image/bmp,image/avif,.pgm';
 
 const LEAST_SHARE = 0.1;  // per cent
 const STEPS = 20;         // of the slider for each factor of ten
@@ -37,8 +43,9 @@ const BASIS_HINT = 'Packets split the details too. The best basis is that in whi
 function build(root, { charts, controls, announce }, on) {
   const { make, section, group, button } = controls;
   const parts = {
-    drop: controls.fileDrop({ label: 'Choose an image', accept: 'image/*,.pgm', target: root, onFile: on.file }),
+    drop: controls.fileDrop({ label: 'Choose an image', accept: KINDS, target: root, onFile: on.file }),
     sample: button({ text: 'Sample', label: 'Show the sample image', onClick: on.sample }),
+    save: button({ text: 'Image as PGM', onClick: on.save }),
     info: make('p', { class: 'info' }, 'Loading the sample.'),
     error: controls.errorLine(),
     choice: waveletChoice({ announce, onChange: on.choice }),
@@ -57,16 +64,20 @@ function build(root, { charts, controls, announce }, on) {
     basisInfo: make('p', { class: 'kept' }, 'Not searched yet.'),
     comparison: controls.table({ caption: 'Peak signal-to-noise ratio in dB', head: compareHead, rows: [] }),
     code: codeBlock(announce),
+    codeHint: make('p', { class: 'hint' }),
   };
+  parts.save.element.hidden = true;
   const [images, bands, packets] = Array.from({ length: 3 }, () => make('div', { class: 'charts' }));
+  parts.comparison.element.hidden = true;
   parts.best = make('div', { hidden: true }, packets, parts.comparison.element);
+  parts.results = [parts.kept, images, bands];
   root.append(
-    group('Image', parts.drop.element, parts.sample.element), parts.info, parts.error.element,
+    group('Image', parts.drop.element, parts.sample.element, parts.save.element), parts.info, parts.error.element,
     parts.choice.element, group('Transform', parts.levels.element, parts.share.element), parts.kept, images,
     section('Subbands', make('p', { class: 'hint' }, SUBBAND_HINT), bands),
     section('Best basis of wavelet packets', make('p', { class: 'hint' }, BASIS_HINT),
       group('Search', parts.cost.element, parts.threshold.element, parts.search.element), parts.basisInfo, parts.best),
-    section('The same in Python, C++ and Octave', parts.code.element),
+    section('The same in Python, C++ and Octave', parts.codeHint, parts.code.element),
   );
   const picture = (place, title) =>
     charts.picture(place, { title, description: 'Not computed yet.', aspect: 1, draw() {} });
@@ -84,20 +95,22 @@ function build(root, { charts, controls, announce }, on) {
 }
 
 function mount(root, services) {
-  const { compute, state, announce } = services;
-  let image = null;     // what readImage returned, with an id
+  const { compute, state, controls, announce } = services;
+  let image = null;     // what readImage returned, with an id and the file that the lines read
   let lastId = 0;       // of images and of bases
   let loads = 0;
   let version = 0;      // of the setting: results of older ones are dropped
   let shown = -1;       // the version whose subbands are shown
   let shownKey = '';
   let searching = false;
+  let interrupted = false;  // by a new image
   let basis = null;     // the best one of this version
   let last = null;      // what was rebuilt last
 
   const view = build(root, services, {
-    file: (file) => load(file),
+    file: (file, count) => load(file, count),
     sample: () => load(null),
+    save: () => controls.download(pgmOf(image), image.file),
     choice: (changes) => { state.set(changes); change(); },
     levels: (levels) => { state.set({ levels }); change(); },
     share: (step) => { state.set({ share: shareAt(step) }); run(rebuild); },
@@ -143,24 +156,51 @@ function mount(root, services) {
   function fail(error) {
     if (isCancelled(error)) view.error.show('Cancelled. What is shown may be of an earlier choice.');
     else view.error.show(error.message);
+    if (!basis && !searching) forgetBasis(error);
   }
 
-  // Runs what is asynchronous and shows its error.
-  const run = (action, ...values) => action(...values).catch(fail);
+  // Runs what is asynchronous and shows its error, unless a new image has ended it.
+  function run(action) {
+    const began = loads;
+    view.error.clear();
+    return action().catch((error) => {
+      if (began === loads) fail(error);
+    });
+  }
 
   // ---- The image
 
-  const load = (file) => run(async () => {
-    const wanted = loads += 1;
-    const read = await compute.run('image.read', { file });
-    if (wanted !== loads) return;
-    image = { ...read, id: lastId += 1 };
-    view.error.clear();
+  // A new image does not wait until the search in the old one has ended.
+  function load(file, count = 1) {
+    loads += 1;
+    interrupted ||= searching;
+    if (searching) compute.cancel();
+    return run(() => replaceImage(file, count));
+  }
+
+  async function replaceImage(file, count) {
+    const wanted = loads;
+    let read = null;
+    try {
+      read = await staleDuring([view.info, ...view.results, view.best], () => compute.run('image.read', { file }));
+    } catch (error) {
+      if (wanted === loads) await keepImage(error);
+    }
+    if (!read || wanted !== loads) return;
+    const notes = count > 1 ? [...read.notes, `Of the ${count} files the first is shown.`] : read.notes;
+    image = { ...read, notes, id: lastId += 1, file: file ? pgmName(read.name) : SAMPLE };
     state.set({ file: file ? read.name : '' });
     showImage();
     announce(view.info.textContent);
     await refresh();
-  });
+  }
+
+  // What a faulty file has interrupted is computed after all.
+  async function keepImage(error) {
+    if (!interrupted || isCancelled(error)) throw error;
+    view.error.show(error.message);
+    await refresh();
+  }
 
   // A file that was dropped is not in the address.
   async function loadFirst() {
@@ -171,6 +211,7 @@ function mount(root, services) {
 
   function showImage() {
     view.info.textContent = imageText(image);
+    view.save.element.hidden = image.file === SAMPLE;
     view.charts.original.update(photograph({
       title: 'Image', file: 'image', description: imageText(image),
       canvas: canvasOf(greyData(image.pixels), image.width, image.height),
@@ -187,6 +228,7 @@ function mount(root, services) {
   async function refresh() {
     version += 1;
     basis = null;
+    interrupted = false;
     const most = deepest();
     view.levels.setRange({ min: 1, max: Math.max(most, 1) });
     if (most === 0) {
@@ -194,16 +236,14 @@ function mount(root, services) {
         'ends, or a shorter wavelet. What is shown below is of the earlier choice.');
       return;
     }
-    showStale();
+    tellSearch();
     view.levels.value = levels();
-    view.error.clear();
-    if (!await drawSubbands()) return;
-    await rebuild();
-    if (state.get().searched) await search();
+    const isDrawn = await staleDuring([...view.results, view.best], drawWavelet);
+    if (isDrawn && state.get().searched) await search();
   }
 
   // The pictures of the best basis stay until there are others.
-  function showStale() {
+  function tellSearch() {
     const { searched } = state.get();
     if (!searched) view.best.hidden = true;
     view.basisInfo.textContent = !searched ? 'Not searched yet.'
@@ -223,6 +263,12 @@ function mount(root, services) {
     return true;
   }
 
+  async function drawWavelet() {
+    const isNew = await drawSubbands();
+    if (isNew) await rebuild();
+    return isNew;
+  }
+
   async function rebuild() {
     if (!image) return;
     if (shown !== version) {
@@ -233,11 +279,16 @@ function mount(root, services) {
     const request = { setting: from, basis, share: share() };
     const result = await compute.latest('image.rebuild', 'image.rebuild', request);
     if (!result || wanted !== version) return;
-    last = { ...result.wavelet, setting: from };
+    last = { ...result, setting: from, image };
     drawRebuilt(view.charts.rebuilt, 'wavelet basis', result.wavelet);
     if (result.best) drawRebuilt(view.charts.bestRebuilt, 'best basis', result.best);
-    view.error.clear();
-    view.kept.textContent = compressionText(image, result) + levelsNote(deepest());
+    tellResult();
+  }
+
+  function tellResult() {
+    if (!last) return;
+    const { wavelet, best } = last;
+    view.kept.textContent = compressionText(last.image, { wavelet, best: basis && best }) + levelsNote(deepest());
     showCode();
   }
 
@@ -262,22 +313,32 @@ function mount(root, services) {
 
   async function search() {
     if (!image || searching) return;
+    const began = loads;
+    let found = null;
     searching = true;
     try {
-      while (!isNewest(await searchOnce()));
+      while (!isNewest(found)) {
+        found = await staleDuring([view.best], searchOnce);
+        if (isNewest(found)) await staleDuring([view.comparison.element], showComparison);
+      }
     } catch (error) {
-      forgetBasis(error);
-      throw error;
+      if (began !== loads) return;
+      if (!isNewest(found)) {
+        forgetBasis(error);
+        throw error;
+      }
+      leaveOutComparison(error);
     } finally {
       searching = false;
     }
   }
 
   const isNewest = (sought) =>
-    sought.version === version && sought.cost.name === cost().name && sought.cost.threshold === cost().threshold;
+    sought?.version === version && sought.cost.name === cost().name && sought.cost.threshold === cost().threshold;
 
   // Returns for what it was searched. While it runs, other choices may be made.
   async function searchOnce() {
+    tellSearch();
     const sought = { version, cost: cost() };
     const request = { setting: setting(), cost: sought.cost, basisId: lastId += 1 };
     const result = await compute.run('image.search', request);
@@ -286,9 +347,7 @@ function mount(root, services) {
   }
 
   async function showBasis(result) {
-    const wanted = version;
     basis = result.basis;
-    view.error.clear();
     view.best.hidden = false;
     view.basisInfo.textContent = basisText(result);
     view.charts.partition.update(partition({
@@ -297,31 +356,49 @@ function mount(root, services) {
     }));
     announce(view.basisInfo.textContent);
     await rebuild();
-    await showComparison(wanted);
   }
 
-  async function showComparison(wanted) {
+  async function showComparison() {
+    const wanted = version;
     const rows = await compute.run('image.compare', { setting: setting(), basis });
-    if (wanted === version) view.comparison.update(compareRows(rows));
+    if (wanted !== version) return;
+    view.comparison.update(compareRows(rows));
+    view.comparison.element.hidden = false;
+  }
+
+  // The basis stands without it.
+  function leaveOutComparison(error) {
+    view.comparison.element.hidden = true;
+    view.error.show(isCancelled(error) ? 'The comparison of the bases was cancelled.' : error.message);
+    keepFocus();
   }
 
   function forgetBasis(error) {
+    if (!state.get().searched) return;
     basis = null;
     state.set({ searched: '' });
     view.best.hidden = true;
     view.basisInfo.textContent = isCancelled(error) ? 'The search was cancelled.' : 'No basis was found.';
-    showCode();
+    tellResult();
+    keepFocus();
+  }
+
+  // The button that cancels has gone.
+  function keepFocus() {
+    const focused = document.activeElement;
+    if (focused === document.body || focused.closest('[hidden]')) view.search.element.focus();
   }
 
   // ---- The lines
 
   function showCode() {
-    if (!last) return;
-    const { width, height, name, reduced } = image;
-    const [rows, cols] = last.size;
+    const { width, height, file } = last.image;
+    const { size: [rows, cols], wanted } = last.wavelet;
+    view.codeHint.textContent = file === SAMPLE ? `The lines read the sample, ${file}.`
+      : `“Image as PGM” above saves the file ${file}.`;
     view.code.update(codeOf({
-      image: { width, height, name, reduced }, wavelet: last.setting.wavelet, boundary: last.setting.boundary,
-      levels: last.setting.levels, rows, cols, wanted: last.wanted, cost: cost(), packets: Boolean(basis),
+      image: { file, width, height }, wavelet: last.setting.wavelet, boundary: last.setting.boundary,
+      levels: last.setting.levels, rows, cols, wanted, cost: cost(), packets: Boolean(basis),
     }));
   }
 

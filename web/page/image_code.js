@@ -1,12 +1,11 @@
 // The lines of Python, C++ and Octave that give what the panel "An image" shows.
 //
-// `plan` is { image: { name, width, height, reduced }, wavelet, boundary, levels, rows, cols, wanted, cost: { name,
-// threshold }, packets }; `wanted` is the number of coefficients kept, `packets` whether the best basis is shown.
+// `plan` is { image: { file, width, height }, wavelet, boundary, levels, rows, cols, wanted, cost: { name, threshold },
+// packets }; `file` is a PGM file of 8 bits, `wanted` the number of coefficients kept, `packets` whether the best basis
+// is shown.
 
 import { costCode } from './image_costs.js';
 import { transformOf } from './wavelet_choice.js';
-
-const stemOf = (name) => name.replace(/\.[^.]*$/, '');
 
 const isExtended = ({ image, rows, cols }) => rows !== image.height || cols !== image.width;
 
@@ -24,14 +23,13 @@ function pythonCompression(plan, inverse, basis) {
 function python(plan) {
   const { image, wavelet, levels, boundary, cost } = plan;
   const named = (stem) => transformOf(stem, boundary);
-  const resized = image.reduced ? `.resize((${image.width}, ${image.height}))` : '';
   const source = isExtended(plan) ? 'padded.data' : 'image';
   return [
     'import numpy as np',
     'import undula',
     'from PIL import Image',
     '',
-    `image = np.asarray(Image.open("${image.name}").convert("L")${resized}, float)`,
+    `image = np.asarray(Image.open("${image.file}"), float)`,
     ...(isExtended(plan) ? [`padded = undula.pad(image, ${levels})`] : []),
     `y = undula.${named('dwt')}(${source}, ${levels}, "${wavelet.name}")`,
     ...pythonCompression(plan, named('idwt'), levels),
@@ -56,6 +54,14 @@ function octaveCompression(plan, inverse, basis) {
   ];
 }
 
+// imread makes a logical matrix of a file that has only black and white.
+const octaveImage = ({ file, width, height }) => [
+  `file = fopen ("${file}");`,
+  `fseek (file, -${width * height}, 'eof');`,
+  `image = fread (file, [${width}, ${height}])';`,
+  'fclose (file);',
+];
+
 function octave(plan) {
   const { image, wavelet, levels, boundary, cost, rows, cols } = plan;
   const named = (stem) => transformOf(stem, boundary);
@@ -64,11 +70,7 @@ function octave(plan) {
   return [
     'pkg load undula',
     '',
-    `image = double (imread ("${image.name}"));`,
-    'if (ndims (image) == 3)',
-    '  image = floor ((19595 * image(:,:,1) + 38470 * image(:,:,2) + 7471 * image(:,:,3) + 32768) / 65536);',
-    'endif',
-    ...(image.reduced ? [`image = imresize (image, [${image.height}, ${image.width}]);  % package image`] : []),
+    ...octaveImage(image),
     ...(extended ? [
       'mirrored = @(n, length) [1:n, n:-1:1](1:length);',
       `x = image(mirrored (rows (image), ${rows}), mirrored (columns (image), ${cols}));`,
@@ -157,12 +159,10 @@ function cppCompression(plan, inverse, basis) {
 function cppMain(plan) {
   const { image, wavelet, levels, boundary, cost, rows, cols } = plan;
   const named = (stem) => transformOf(stem, boundary);
-  const note = image.name.endsWith('.pgm') && !image.reduced ? ''
-    : `  // ${image.name} as PGM, ${image.width} x ${image.height}`;
   return [
     'efihost::Pack pack;',
     'efihost::Host host;',
-    `const Image image = read("${stemOf(image.name)}.pgm");${note}`,
+    `const Image image = read("${image.file}");`,
     `const Image source = ${isExtended(plan) ? `extended(image, ${rows}, ${cols})` : 'image'};`,
     `const auto x = efihost::Value::matrix(${rows}, ${cols}, source.values);`,
     `const auto w = host.call(pack, "${wavelet.function}", ${wavelet.arguments.join(', ')});`,

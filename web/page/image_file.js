@@ -1,6 +1,8 @@
 // Images as grey values, read in the worker: PGM here, all else by the browser.
 //
-//   await readImage(blob, name) -> { name, width, height, pixels: Uint8Array by rows, notes: [sentences], reduced }
+//   await readImage(blob, name) -> { name, width, height, pixels: Uint8Array by rows, notes: [sentences] }
+//   pgmOf({ width, height, pixels })      the same as a file
+//   pgmName(name)                         and what it is called
 //
 // What cannot be read is an Error whose message is a sentence for the reader.
 
@@ -8,10 +10,15 @@ const LARGEST_FILE = 100 * 2 ** 20;
 const LONGEST_SIDE = 2048;
 const SHORTEST_SIDE = 2;
 
-function checkSize(name, width, height) {
-  if (Math.min(width, height) >= SHORTEST_SIDE) return;
-  const least = `${SHORTEST_SIDE} × ${SHORTEST_SIDE}`;
-  throw new Error(`An image needs at least ${least} pixels; ${name} has ${width} × ${height}.`);
+function checkSize(name, { width, height }, reduced) {
+  const has = `${name} has ${width} × ${height} pixels`;
+  if (Math.min(width, height) < SHORTEST_SIDE) {
+    throw new Error(`${has}, and an image needs at least ${SHORTEST_SIDE} × ${SHORTEST_SIDE}.`);
+  }
+  if (Math.min(reduced.width, reduced.height) < SHORTEST_SIDE) {
+    throw new Error(`${has}, which is too narrow: images are reduced until the longest side has ${LONGEST_SIDE}, and ` +
+      `less than ${SHORTEST_SIDE} would be left of the other.`);
+  }
 }
 
 // The three numbers of the head, between which there may be comments.
@@ -31,7 +38,7 @@ function readPgm(bytes, name) {
   const { width, height, white, length } = head;
   const values = bytes.subarray(length, length + width * height);
   if (values.length < width * height) throw new Error(`${name} ends before its last pixel.`);
-  checkSize(name, width, height);
+  checkSize(name, head, head);
   return { width, height, values: white === 255 ? values : values.map((value) => Math.round((255 * value) / white)) };
 }
 
@@ -75,34 +82,43 @@ const opaque = (values) => {
   return data;
 };
 
-async function pictureOf(blob, name) {
-  const start = new Uint8Array(await blob.slice(0, 2).arrayBuffer());
-  if (start[0] !== 0x50 || start[1] !== 0x35) return decoded(blob, name);
+// Of each byte a character.
+const textOf = (bytes) => String.fromCharCode(...bytes);
+
+const startOf = async (blob) => textOf(new Uint8Array(await blob.slice(0, 32).arrayBuffer()));
+
+async function pictureOf(blob, name, start) {
+  if (!start.startsWith('P5')) return decoded(blob, name);
   const { width, height, values } = readPgm(new Uint8Array(await blob.arrayBuffer()), name);
   return createImageBitmap(new ImageData(opaque(values), width, height), { colorSpaceConversion: 'none' });
 }
 
-function notesOf(picture, size, { coloured, transparent }) {
-  const { width, height } = picture;
-  const reduced = size.width !== width;
-  return {
-    reduced,
-    notes: [
-      reduced && `It was reduced from ${width} × ${height}, as the longest side may have ${LONGEST_SIDE}.`,
-      coloured && 'Its colours were turned to grey: 0.299 red + 0.587 green + 0.114 blue.',
-      transparent && 'Its transparent parts are shown on white.',
-    ].filter(Boolean),
-  };
+const isDeepPng = (start) => start.startsWith('\x89PNG') && start.charCodeAt(24) === 16;
+
+function notesOf({ width, height }, size, { coloured, transparent }, start) {
+  return [
+    size.width !== width && `It was reduced from ${width} × ${height}, as the longest side may have ${LONGEST_SIDE}.`,
+    isDeepPng(start) && 'Its values of 16 bits were reduced to 8.',
+    coloured && 'Its colours were turned to grey: 0.299 red + 0.587 green + 0.114 blue.',
+    transparent && 'Its transparent parts are shown on white.',
+  ].filter(Boolean);
 }
 
 export async function readImage(blob, name) {
   if (blob.size === 0) throw new Error(`${name} is empty.`);
   if (blob.size > LARGEST_FILE) throw new Error(`${name} is too large; a file may have ${LARGEST_FILE / 2 ** 20} MB.`);
-  const picture = await pictureOf(blob, name);
+  const start = await startOf(blob);
+  const picture = await pictureOf(blob, name, start);
   const size = sizeWithin(picture);
-  checkSize(name, size.width, size.height);
+  checkSize(name, picture, size);
   const grey = greyOf(drawnAt(picture, size).data);
-  const result = { name, ...size, pixels: grey.pixels, ...notesOf(picture, size, grey) };
+  const result = { name, ...size, pixels: grey.pixels, notes: notesOf(picture, size, grey, start) };
   picture.close();
   return result;
 }
+
+export const pgmOf = ({ width, height, pixels }) =>
+  new Blob([`P5\n${width} ${height}\n255\n`, pixels], { type: 'image/x-portable-graymap' });
+
+// A name that every system takes and that needs no escapes in a line of code.
+export const pgmName = (name) => `grey-${name.replace(/\.[^.]*$/, '').replace(/[^\p{L}\p{M}\p{N}._-]+/gu, '-')}.pgm`;

@@ -198,7 +198,8 @@ async function sampleBlob() {
 }
 
 // Without a file the image that the page has with it.
-async function read(undula, { file }) {
+async function read(undula, { file }, report) {
+  report(null, 'Reading the image');
   return file ? readImage(file, file.name) : readImage(await sampleBlob(), SAMPLE);
 }
 
