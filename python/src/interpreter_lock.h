@@ -17,9 +17,9 @@ bool interpreterEnds();
 [[noreturn]] void sleepForEver();
 
 // Does work that may ask for the lock, as any Python code does from time to time. `work` owns nothing,
-// since its objects would not be destroyed.
+// since its objects would not be destroyed. What forced unwinding throws is a reference to null.
 template <class Work>
-auto askingForLock(Work work) {
+__attribute__((no_sanitize("null"))) auto askingForLock(Work work) {
     try {
         return work();
     } catch (const abi::__forced_unwind&) {
