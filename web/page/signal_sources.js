@@ -4,6 +4,7 @@
 // start + i step, in units of `unit`; `perUnit` is the unit of frequencies. `clean` is what noise was added to.
 
 import { readCsv } from './csv.js';
+import { scaleOf } from './signal_scale.js';
 
 const SAMPLES = 1024;
 
@@ -102,19 +103,21 @@ function normalNumbers() {
   return () => Math.sqrt(-2 * Math.log(1 - uniform())) * Math.cos(2 * Math.PI * uniform());
 }
 
-export function variance(samples) {
-  const mean = samples.reduce((sum, x) => sum + x, 0) / samples.length;
-  return samples.reduce((sum, x) => sum + (x - mean) ** 2, 0) / samples.length;
+function deviation(samples) {
+  const scale = scaleOf(samples);
+  const mean = samples.reduce((sum, x) => sum + scale * x, 0) / samples.length;
+  const variance = samples.reduce((sum, x) => sum + (scale * x - mean) ** 2, 0) / samples.length;
+  return Math.sqrt(variance) / scale;
 }
 
 // The signal so many decibels above white noise.
 export function withNoise(signal, decibels) {
   const next = normalNumbers();
-  const deviation = Math.sqrt(variance(signal.samples) / 10 ** (decibels / 10));
+  const strength = deviation(signal.samples) / 10 ** (decibels / 20);
   return {
     ...signal,
     title: `${signal.title} with noise`,
-    samples: signal.samples.map((x) => x + deviation * next()),
+    samples: signal.samples.map((x) => x + strength * next()),
     clean: signal.samples,
     file: `noisy-${signal.file}`,
   };
