@@ -50,7 +50,7 @@ def drop_files(page):
     page.open("#signal")
     drop(page, "two.csv", "\n".join(["t;v", *(f"{i};{i % 7},5" for i in range(300))]).encode())
     page.wait("the file", lambda: " of 320" in kept(page))
-    assert page.control("Column").text.split() == ["t", "v"]
+    assert page.control("Column").text.split() == ["t", "v"] and page.control("Column").get_attribute("value") == "1"
     before = kept(page)
     faults = {
         "empty.csv": ("", "is empty"),

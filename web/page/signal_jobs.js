@@ -7,7 +7,7 @@
 import { realFunction } from './undula.js';
 import { checkCosts, costOf } from './costs.js';
 import { isWav, readWav } from './wav.js';
-import { readCsv } from './csv.js';
+import { readCsv, textOf } from './csv.js';
 import { fitted, fittedLength } from './lengths.js';
 import { scaleOf } from './signal_scale.js';
 
@@ -214,8 +214,8 @@ function cosines(undula, samples, { depth, way }, cost, report) {
 
 function read(undula, { buffer }, report) {
   report(null, 'Reading the file');
-  if (isWav(buffer)) return { note: '', ...readWav(buffer) };
-  return readCsv(new TextDecoder().decode(buffer));
+  if (isWav(buffer)) return { note: '', first: 0, ...readWav(buffer) };
+  return readCsv(textOf(buffer));
 }
 
 export const jobs = { coefficients, denoise, packets, read };

@@ -10,7 +10,8 @@ const SAMPLES = 1024;
 
 const plain = { start: 0, step: 1, unit: 'sample', perUnit: 'cycles per sample' };
 
-export const secondsAxis = (rate) => ({ start: 0, step: 1 / rate, unit: 'time in s', perUnit: 'Hz' });
+export const SECONDS = 'time in s';
+export const secondsAxis = (rate) => ({ start: 0, step: 1 / rate, unit: SECONDS, perUnit: 'Hz' });
 
 const years = (start, step) => ({ start, step, unit: 'year', perUnit: 'cycles per year' });
 
@@ -66,8 +67,8 @@ export const drawnSignal = (samples) =>
 
 export const shapeSamples = (shape) => sampled(512, SHAPES[shape].f);
 
-export function fileSignal(name, { samples }, rate) {
-  const axis = rate ? secondsAxis(rate) : plain;
+export function fileSignal(name, { samples, axis: told }, rate) {
+  const axis = rate ? secondsAxis(rate) : told ?? plain;
   return { id: 'file', title: name, samples, clean: null, axis, file: `${name.replace(/\.[^.]*$/, '')}.csv` };
 }
 
