@@ -30,6 +30,6 @@ choices.forEach(([file, name, boundary, way, level, depth, cost, shrink, thresho
   const wavelet = wavelets.find((each) => each.name === name);
   const choice = { key, samples, clean: samples, wavelet, boundary, way, level, depth, cost, shrink, threshold };
   const results = { ...jobs.denoise(undula, choice, report), packets: jobs.packets(undula, choice, report) };
-  const lines = linesOf({ ...choice, file, isShipped: true, count: samples.length }).python;
+  const lines = linesOf({ ...choice, file, count: samples.length }).python;
   console.log(JSON.stringify({ name, ...results, lines }, plain));
 });

@@ -138,7 +138,7 @@ function axisOf({ name, samples, reason }) {
   const last = samples.length - 1;
   if (reason || samples[last] < samples[0] || !isEven(samples)) return null;
   const step = (samples[last] - samples[0]) / last;
-  return { start: samples[0], step, unit: name, perUnit: `cycles per unit of ${name}` };
+  return { start: samples[0], step, unit: name, perUnit: 'cycles per unit' };
 }
 
 function firstSignal(columns) {

@@ -10,7 +10,6 @@ import { linesOf } from './signal_code.js';
 import { packetPart } from './signal_packets.js';
 import { sourcePart } from './signal_source_part.js';
 import { resultsIn } from './signal_results.js';
-import { isShipped } from './signal_sources.js';
 import { waveletChoice } from './wavelet_choice.js';
 
 const defaults = {
@@ -128,10 +127,9 @@ function mount(root, services) {
       lines.gone();
       return;
     }
-    const own = !isShipped(signal.id) || signal.clean !== null;
     const file = signal.file.replace(/["\\]/g, '');
-    codeNote.textContent = own ? `“Data as CSV” above saves the file ${file}.` : '';
-    code.update(linesOf({ ...chosen, file, isShipped: !own, threshold: coefficients.threshold() }));
+    codeNote.textContent = `“Data as CSV” above saves the file ${file}.`;
+    code.update(linesOf({ ...chosen, file, threshold: coefficients.threshold() }));
     lines.drawn();
   }
 

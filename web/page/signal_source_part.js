@@ -21,7 +21,7 @@ function sizeText({ samples, axis }) {
   const short = (value) => Number(value.toPrecision(4));
   const span = short(samples.length * axis.step);
   if (axis.unit === 'year') return `${count}, ${span} years.`;
-  if (axis.unit !== SECONDS) return `${count}, ${axis.unit} from ${short(axis.start)} by ${short(axis.step)}.`;
+  if (axis.unit !== SECONDS) return `${count}, ${axis.unit} from ${short(axis.start)} in steps of ${short(axis.step)}.`;
   return `${count}, ${Number((1 / axis.step).toPrecision(6))} a second, ${span} s.`;
 }
 

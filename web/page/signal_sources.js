@@ -84,7 +84,7 @@ function madeSignal(id) {
   return { id, title, samples: sampled(length, f), clean: null, axis: plain, file: `${id}.csv` };
 }
 
-export const isShipped = (id) => Object.hasOwn(SHIPPED, id);
+const isShipped = (id) => Object.hasOwn(SHIPPED, id);
 
 export async function openSource(id) {
   return isShipped(id) ? shippedSignal(id) : madeSignal(id);
