@@ -10,7 +10,8 @@ const POSITIONS = 1000;  // of the slider; the threshold is the largest detail t
 const rounded = (value) => Number(value.toPrecision(4));
 const text = (value) => String(Number(value.toPrecision(4))).replace('-', '−');
 const percent = (share) => `${Number((100 * share).toPrecision(3))} %`;
-const decibelText = (value) => (Number.isFinite(value) && value < 200 ? `${value.toFixed(1)} dB` : 'no difference');
+const decibelText = (value) =>
+  (Number.isFinite(value) && value < 200 ? `${value.toFixed(1)} dB`.replace('-', '−') : 'no difference');
 
 // Loops in place of `from` and iterators, which take ten times as long of millions of samples.
 function timesFrom(first, step, count) {

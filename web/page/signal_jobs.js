@@ -14,7 +14,8 @@ import { scaleOf } from './signal_scale.js';
 const LETTERS = { periodic: '', symmetric: 's', interval: 'i' };
 const POOLED = 1024;   // columns of the picture of a packet table
 const ENERGY = 0.99;   // of which the comparison counts the coefficients
-const MOST = 1.797e308; // the largest number of four digits
+const ROUNDING = 1e-10;  // of transforms, as of taps with eleven digits, relative to the largest sample
+const MOST = 1.797e308;  // the largest number of four digits
 const REPORT_EVERY = 2 ** 18;  // calls of the cost
 
 let signal = { key: null, samples: null, clean: null };
@@ -92,7 +93,7 @@ function decibels(reference, other, count) {
     energy += (scale * reference[i] - mean) ** 2;
     error += (scale * other[i] - scale * reference[i]) ** 2;
   }
-  return 10 * Math.log10(energy / error);
+  return error <= count * ROUNDING ** 2 ? Infinity : 10 * Math.log10(energy / error);
 }
 
 // The coefficients, once for each transform.
