@@ -50,7 +50,7 @@ def drop_files(page):
     page.open("#signal")
     drop(page, "two.csv", "\n".join(["t;v", *(f"{i};{i % 7},5" for i in range(300))]).encode())
     page.wait("the file", lambda: " of 320" in kept(page))
-    assert page.control("Column").text.split() == ["t", "v"]
+    assert page.control("Column").text.split() == ["t", "v"] and page.control("Column").get_attribute("value") == "1"
     before = kept(page)
     faults = {
         "empty.csv": ("", "is empty"),
@@ -63,6 +63,9 @@ def drop_files(page):
         drop(page, name, content.encode())
         page.wait(name, lambda: name in errors(page) and sentence in errors(page))
         assert kept(page) == before
+    drop(page, "huge.csv", b"1e308\n-1e308\n" * 500)
+    page.wait("the fault", lambda: "wpt: floating point error" in errors(page))
+    assert " of 1024" in kept(page) and not page.browser.find_element("css selector", "#panel-signal table").text
     page.open("#signal?source=file&file=two.csv")
     assert "two.csv" in errors(page) and " of 1024" in kept(page)
 
@@ -88,6 +91,7 @@ def search_and_cancel(page):
     press(page, "Search the best basis")
     cancel_when_busy(page)
     page.wait("the button again", lambda: "was not searched" in "".join(page.texts("#panel-signal .hint")))
+    assert page.browser.switch_to.active_element.text == "Search the best basis"
     press(page, "Search the best basis")
     page.wait("the best basis", lambda: "best cosines" in page.texts("#panel-signal tbody th"))
     assert not errors(page)

@@ -1,7 +1,7 @@
 // The readers of the page in the browser: node --test tests/web
 import assert from 'node:assert/strict';
 import { test } from 'node:test';
-import { readCsv } from '../../web/page/csv.js';
+import { readCsv, textOf } from '../../web/page/csv.js';
 import { isWav, readWav } from '../../web/page/wav.js';
 
 const COUNT = 8;
@@ -22,6 +22,7 @@ const texts = {
     'column 1': [0, 1, -2, 3, 4, 5, 6, 7], 'column 2': [5, 25, 5, 0, 0, 0, 0, 75],
     'numbers with decimal commas': [0.5, 1.25, -2.5, 3, 4, 5, 6, 7.75],
   }],
+  'quoted decimal commas, and a minus of typesetters': [lines((x) => `"${comma(x)}"`).replace('-', '\u2212'), { 'column 1': ramp }],
   'one line of numbers': [`${ramp.join(',')}\n`, { 'the line': ramp }],
 };
 
@@ -32,12 +33,42 @@ for (const [name, [text, expected]] of Object.entries(texts)) {
   });
 }
 
+// What the page shows first: of which column, over what time, and with which words.
+const choices = [
+  [lines(String), 0, null, ''],
+  [`t,v\n${lines((x, i) => `${3 + i / 4},${x}`)}`, 1, [3, 0.25, 't'], ''],
+  [lines((x, i) => `${[0, 3, 6, 8, 11, 14, 17, 19][i]} ${x}`), 1, [0, 19 / 7, 'column 1'], ''],
+  [lines((x, i) => `${7 - i} ${x}`), 1, null, ''],
+  [lines((x, i) => `${i * i} ${x}`), 1, null, ''],
+  [lines((x, i) => `${i} ${i * i}`), 1, [0, 1, 'column 1'], ''],
+  [`v;t\n${lines((x, i) => `${x};${i}`)}`, 0, null, ''],
+  [`t,u,v\n${lines((x, i) => `${i},${i === 4 ? '' : x},${x}`)}`, 1, [0, 1, 't'], '“u” was left out: line 6 has no number.'],
+  [`x\n\n${lines(String).replaceAll('\n5', '\n\n\n5')}\n\n\n`, 0, null, '2 blank lines were left out.'],
+  [lines((x) => `"${comma(x)}"`), 0, null, 'Commas within numbers were read as decimal commas.'],
+];
+
+test('CSV: the first signal, its time, and what is told of it', () => {
+  for (const [text, wanted, time, note] of choices) {
+    const { columns, first, note: told } = readCsv(text);
+    const { axis } = columns[first];
+    assert.deepEqual([first, axis && [axis.start, axis.step, axis.unit], told], [wanted, time, note]);
+  }
+});
+
+test('CSV: texts of UTF-16', () => {
+  const little = Buffer.from(`\uFEFF${lines(String)}`, 'utf16le');
+  for (const bytes of [little, Buffer.from(little).swap16()]) {
+    assert.deepEqual([...readCsv(textOf(Uint8Array.from(bytes).buffer)).columns[0].samples], ramp);
+  }
+});
+
 test('CSV: faults are told with their place', () => {
   const faults = {
     '': /empty/, '\n\n': /empty/, 'hello': /line 1 holds “hello”/, '1\n2\n3': /only 3 numbers/,
     [lines(String).replace('-1.25', 'NaN')]: /line 3 holds NaN/,
     [lines(String).replace('-1.25', '1e999')]: /line 3 holds “1e999”/,
-    [`1,2\n1,2\n1\n${lines((x) => `${x},1`)}`]: /Line 3 has 1 fields/,
+    [`1,2\n1,2\n1\n${lines((x) => `${x},1`)}`]: /Line 3 has 1 field,/,
+    [`t,v\n${lines((x, i) => `${i},${i === 4 ? '' : x}`)}`]: /Only “t” holds.*“v” was left out: line 6 has no number/,
     'PK\u0003\0\0': /neither/,
     [`${'1\n'.repeat(2 ** 22 + 2)}`]: /4\u2009194\u2009304 samples at most/,
   };

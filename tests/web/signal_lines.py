@@ -1,7 +1,9 @@
 """Runs the lines of Python that the panel "A signal" shows, and compares; see signal_lines.mjs."""
 
 import json
+import os
 import sys
+from pathlib import Path
 
 import matplotlib
 import numpy as np
@@ -26,6 +28,7 @@ def check(choice):
     assert packets["rows"][2]["count"] == np.count_nonzero(energies < 0.99 * energies[-1]) + 1
 
 
+os.chdir(Path(__file__).resolve().parents[2] / "examples/data")
 count = 0
 for line in sys.stdin:
     choice = json.loads(line)

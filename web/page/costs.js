@@ -21,3 +21,15 @@ export const COSTS = [
 export function costOf(name, threshold) {
   return { shannon, l1: Math.abs, log_energy: logEnergy, count_above: countAbove(threshold) }[name];
 }
+
+// Fails where costs leave the range of double precision, so that they tell no basis from another.
+export function checkCosts(name, samples, totals) {
+  const { text } = COSTS.find(({ value }) => value === name);
+  const fail = (size) => {
+    throw new Error(`The samples are too ${size} for this cost: ${text}. Please choose another cost or scale the data.`);
+  };
+  if (!totals.every(Number.isFinite)) fail('large');
+  const largest = samples.reduce((most, x) => Math.max(most, Math.abs(x)), 0);
+  const least = { shannon: Math.sqrt(SMALLEST) / Number.EPSILON, log_energy: SMALLEST }[name];
+  if (largest > 0 && largest < least) fail('small');
+}

@@ -15,7 +15,7 @@ export const tooLong = (what) => fault(`${what}, and this page takes ${most} sam
 export function checkCount(count) {
   if (count > MOST_SAMPLES) throw tooLong(`The file has ${grouped(count)} samples`);
   if (count < LEAST_SAMPLES) {
-    const has = count === 1 ? 'one number' : `${count} numbers`;
-    throw fault(`The file has only ${has}, and a signal needs ${LEAST_SAMPLES} at least.`);
+    const has = ['no numbers', 'only one number'][count] ?? `only ${count} numbers`;
+    throw fault(`The file has ${has}, and a signal needs ${LEAST_SAMPLES} at least.`);
   }
 }

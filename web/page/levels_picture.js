@@ -38,7 +38,7 @@ function paintRow(pen, { left, width, middle, scale }, { least, greatest }, thre
   const wide = width / least.length;
   pen.line(left, middle, left + width, middle, colours.grid);
   for (let i = 0; i < least.length; i += 1) {
-    const high = scale * (greatest[i] - least[i]);
+    const high = scale * greatest[i] - scale * least[i];
     if (high < 0.3) continue;
     const isKept = Math.max(greatest[i], -least[i]) >= threshold;
     pen.rect(left + i * wide, middle - scale * greatest[i], Math.max(wide, 1), high,

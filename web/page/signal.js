@@ -9,7 +9,7 @@ import { callsOf } from './signal_calls.js';
 import { linesOf } from './signal_code.js';
 import { packetPart } from './signal_packets.js';
 import { sourcePart } from './signal_source_part.js';
-import { isShipped } from './signal_sources.js';
+import { resultsIn } from './signal_results.js';
 import { waveletChoice } from './wavelet_choice.js';
 
 const defaults = {
@@ -50,6 +50,7 @@ function mount(root, services) {
   });
   const code = codeBlock(announce);
   const codeNote = make('p', { class: 'hint' });
+  const lines = resultsIn(make, codeNote, code.element);
   const calls = callsOf(compute);
   const parts = { services, calls, settings, onChange: showCode };
   const packetError = controls.errorLine();
@@ -64,6 +65,7 @@ function mount(root, services) {
     target: root,
     onSignal: (newSignal) => {
       signal = newSignal;
+      for (const part of [coefficients, packets, lines]) part.computing();
       draw();
     },
   });
@@ -107,6 +109,8 @@ function mount(root, services) {
     if (!chosen) {
       error.show(`${signal.samples.length} samples are too few for this wavelet with these ends. ` +
         'Please choose a shorter wavelet or other ends.');
+      coefficients.clear();
+      packets.clear();
       return;
     }
     level.setRange({ min: 1, max: chosen.levels });
@@ -114,16 +118,19 @@ function mount(root, services) {
     way.value = chosen.way;
     tellLength(chosen);
     // A cost may need the threshold, which the coefficients tell.
-    coefficients.draw().then(packets.draw);
+    coefficients.draw().then(() => (coefficients.isMade() ? packets.draw() : packets.clear()));
   }
 
   function showCode() {
     const chosen = settings();
-    if (!chosen) return;
-    const own = !isShipped(signal.id) || signal.clean !== null;
+    if (!chosen || !coefficients.isMade()) {
+      lines.gone();
+      return;
+    }
     const file = signal.file.replace(/["\\]/g, '');
-    codeNote.textContent = own ? `“Data as CSV” above saves the file ${file}.` : '';
-    code.update(linesOf({ ...chosen, file, isShipped: !own, threshold: coefficients.threshold() }));
+    codeNote.textContent = `“Data as CSV” above saves the file ${file}.`;
+    code.update(linesOf({ ...chosen, file, threshold: coefficients.threshold() }));
+    lines.drawn();
   }
 
   root.append(
@@ -131,7 +138,7 @@ function mount(root, services) {
     section('Its wavelet coefficients',
       choice.element, group('Transform', level.element, way.element), note, error.element, coefficients.element),
     section('Its best basis', packetError.element, packets.element),
-    section('The same in Python, C++ and Octave', codeNote, code.element),
+    section('The same in Python, C++ and Octave', lines.element),
   );
   return {
     show(now) {

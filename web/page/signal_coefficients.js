@@ -1,14 +1,17 @@
 // The part of the panel "A signal" with the coefficients, the threshold and the reconstruction.
 
+import { isCancelled } from './compute.js';
 import { levelName, levelsPicture, partsOf } from './levels_picture.js';
 import { samplesFile } from './signal_files.js';
+import { resultsIn } from './signal_results.js';
 
 const POSITIONS = 1000;  // of the slider; the threshold is the largest detail times the square of the share
 
 const rounded = (value) => Number(value.toPrecision(4));
 const text = (value) => String(Number(value.toPrecision(4))).replace('-', '−');
 const percent = (share) => `${Number((100 * share).toPrecision(3))} %`;
-const decibelText = (value) => (Number.isFinite(value) && value < 200 ? `${value.toFixed(1)} dB` : 'no difference');
+const decibelText = (value) =>
+  (Number.isFinite(value) && value < 200 ? `${value.toFixed(1)} dB`.replace('-', '−') : 'no difference');
 
 // Loops in place of `from` and iterators, which take ten times as long of millions of samples.
 function timesFrom(first, step, count) {
@@ -180,7 +183,7 @@ export function coefficientPart({ services, calls, guarded, settings, onChange, 
     return { wavelet: { function: name, arguments: orders }, boundary, level, way, shrink: kind };
   }
 
-  const redraw = () => guarded(async () => {
+  async function restore() {
     const now = settings();
     if (!now || !made) return;
     drawLevels();
@@ -189,29 +192,50 @@ export function coefficientPart({ services, calls, guarded, settings, onChange, 
     restored = result;
     drawSignal();
     tell();
+    results.drawn();
     onChange();
-  });
+  }
+
+  const redraw = () => guarded(restore);
+
+  function clear() {
+    turn += 1;
+    made = null;
+    results.gone();
+    onChange();
+  }
 
   const draw = () => guarded(async () => {
     turn += 1;
     const mine = turn;
-    const now = settings();
-    const result = await calls(now.signal, 'coefficients', jobOf(now));
-    if (!result || mine !== turn) return;
-    made = { ...result, ...now };
-    height.value = positionOf(threshold());
-    shrink.value = now.shrink;
-    offerLevels();
-    drawLevel();
-    await redraw();
+    try {
+      const now = settings();
+      const result = await calls(now.signal, 'coefficients', jobOf(now));
+      if (!result || mine !== turn) return;
+      made = { ...result, ...now };
+      height.value = positionOf(threshold());
+      shrink.value = now.shrink;
+      offerLevels();
+      drawLevel();
+      await restore();
+    } catch (failure) {
+      if (mine !== turn) return;
+      clear();
+      throw isCancelled(failure) ? new Error('The coefficients were not computed. A change of a setting begins again.')
+        : failure;
+    }
   });
 
+  const results = resultsIn(make,
+    list, main, group('Files', saveDenoised.element, saveData.element),
+    make('div', { class: 'charts' }, picture, make('div', {}, group('One level', shownLevel.element), single)));
+
   return {
-    element: make('div', {},
-      group('Threshold', height.element, shrink.element, universal.element),
-      list, main, group('Files', saveDenoised.element, saveData.element),
-      make('div', { class: 'charts' }, picture, make('div', {}, group('One level', shownLevel.element), single))),
+    element: make('div', {}, group('Threshold', height.element, shrink.element, universal.element), results.element),
     draw,
+    clear,
+    computing: results.computing,
+    isMade: () => made !== null,
     threshold,
   };
 }

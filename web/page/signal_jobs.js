@@ -5,14 +5,17 @@
 // samples again (signal_calls.js).
 
 import { realFunction } from './undula.js';
-import { costOf } from './costs.js';
+import { checkCosts, costOf } from './costs.js';
 import { isWav, readWav } from './wav.js';
-import { readCsv } from './csv.js';
+import { readCsv, textOf } from './csv.js';
 import { fitted, fittedLength } from './lengths.js';
+import { scaleOf } from './signal_scale.js';
 
 const LETTERS = { periodic: '', symmetric: 's', interval: 'i' };
 const POOLED = 1024;   // columns of the picture of a packet table
 const ENERGY = 0.99;   // of which the comparison counts the coefficients
+const ROUNDING = 1e-10;  // of transforms, as of taps with eleven digits, relative to the largest sample
+const MOST = 1.797e308;  // the largest number of four digits
 const REPORT_EVERY = 2 ** 18;  // calls of the cost
 
 let signal = { key: null, samples: null, clean: null };
@@ -66,10 +69,10 @@ function partSizes(length, level) {
 function noiseOf(coefficients, sizes, count) {
   const finest = coefficients.slice(coefficients.length - sizes[sizes.length - 1]).map(Math.abs).sort();
   const middle = finest.length >> 1;
-  const median = finest.length % 2 ? finest[middle] : (finest[middle - 1] + finest[middle]) / 2;
+  const median = finest.length % 2 ? finest[middle] : finest[middle - 1] / 2 + finest[middle] / 2;
   let largest = 0;
   for (let i = sizes[0]; i < coefficients.length; i += 1) largest = Math.max(largest, Math.abs(coefficients[i]));
-  return { largest, universal: (median / 0.6744897501960817) * Math.sqrt(2 * Math.log(count)) };
+  return { largest, universal: Math.min(MOST, (median / 0.6744897501960817) * Math.sqrt(2 * Math.log(count))) };
 }
 
 const soft = (x, t) => (x > t ? x - t : x < -t ? x + t : 0);
@@ -83,13 +86,14 @@ function shrunk({ coefficients, sizes }, threshold, shrink) {
 }
 
 function decibels(reference, other, count) {
+  const scale = scaleOf(reference);
   let mean = 0, energy = 0, error = 0;
-  for (let i = 0; i < count; i += 1) mean += reference[i] / count;
+  for (let i = 0; i < count; i += 1) mean += (scale * reference[i]) / count;
   for (let i = 0; i < count; i += 1) {
-    energy += (reference[i] - mean) ** 2;
-    error += (other[i] - reference[i]) ** 2;
+    energy += (scale * reference[i] - mean) ** 2;
+    error += (scale * other[i] - scale * reference[i]) ** 2;
   }
-  return 10 * Math.log10(energy / error);
+  return error <= count * ROUNDING ** 2 ? Infinity : 10 * Math.log10(energy / error);
 }
 
 // The coefficients, once for each transform.
@@ -132,19 +136,21 @@ function counted(cost, total, report) {
   });
 }
 
-// The greatest magnitude of each column of the picture, level by level.
+// The greatest magnitude of each column of the picture, level by level, as a multiple of what suits single precision.
 function pooled(table) {
+  const scale = scaleOf(table[0].re);
   const columns = Math.min(POOLED, table[0].re.length);
   const result = new Float32Array(columns * table.length);
   table.forEach(({ re }, level) => re.forEach((x, i) => {
     const place = level * columns + Math.floor((i * columns) / re.length);
-    result[place] = Math.max(result[place], Math.abs(x));
+    result[place] = Math.max(result[place], scale * Math.abs(x));
   }));
   return { columns, magnitudes: result };
 }
 
 function countFor(numbers, share) {
-  const energies = numbers.map((x) => x * x).sort();
+  const scale = scaleOf(numbers);
+  const energies = numbers.map((x) => (scale * x) ** 2).sort();
   const wanted = share * energies.reduce((sum, x) => sum + x, 0);
   let sum = 0, count = 0;
   while (sum < wanted && count < energies.length) {
@@ -191,7 +197,9 @@ function packets(undula, parameters, report) {
     ],
   };
   table.length = 0;
-  return { ...result, cosines: cosines(undula, samples, parameters, cost, report) };
+  const whole = { ...result, cosines: cosines(undula, samples, parameters, cost, report) };
+  checkCosts(name, samples, [...whole.rows, whole.cosines.row].map((row) => row.cost));
+  return whole;
 }
 
 function cosines(undula, samples, { depth, way }, cost, report) {
@@ -207,8 +215,8 @@ function cosines(undula, samples, { depth, way }, cost, report) {
 
 function read(undula, { buffer }, report) {
   report(null, 'Reading the file');
-  if (isWav(buffer)) return { note: '', ...readWav(buffer) };
-  return readCsv(new TextDecoder().decode(buffer));
+  if (isWav(buffer)) return { note: '', first: 0, ...readWav(buffer) };
+  return readCsv(textOf(buffer));
 }
 
 export const jobs = { coefficients, denoise, packets, read };

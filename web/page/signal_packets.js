@@ -1,8 +1,10 @@
 // The part of the panel "A signal" with the packet table, the best basis and the cosine packets.
 
+import { isCancelled } from './compute.js';
 import { COSTS } from './costs.js';
 import { grouped } from './files.js';
 import { lengthNote } from './lengths.js';
+import { resultsIn } from './signal_results.js';
 import { tablePicture, tilingPicture } from './tiling.js';
 
 const WITHOUT_ASKING = 2 ** 17;  // samples; the search of longer signals begins at the press of a button
@@ -14,7 +16,6 @@ export function packetPart({ services, calls, guarded, settings, onChange, thres
   const { make, group, select, slider, button } = controls;
   const hint = make('p', { class: 'hint', hidden: true });
   const lengths = make('p', { class: 'hint' });
-  const results = make('div', { hidden: true });
   const [tablePlace, tilingPlace, cosinePlace] = [make('div'), make('div'), make('div')];
   const pictures = {};
   let turn = 0;
@@ -75,7 +76,7 @@ export function packetPart({ services, calls, guarded, settings, onChange, thres
 
   function show(result, now) {
     const { signal } = now;
-    results.hidden = false;
+    results.drawn();
     tellLengths(result, now);
     place('table', tablePlace, tablePicture({
       title: 'Packet table and best basis',
@@ -99,19 +100,39 @@ export function packetPart({ services, calls, guarded, settings, onChange, thres
     const { wavelet: { function: name, arguments: orders }, boundary, depth: levels, way } = now;
     const wavelet = { function: name, arguments: orders };
     waiting('');
+    results.computing();
     try {
       const result = await calls(now.signal, 'packets',
         { wavelet, boundary, depth: levels, way, cost: now.cost, threshold: threshold() });
       if (result && mine === turn) show(result, now);
     } catch (error) {
-      if (mine === turn) waiting('The best basis was not searched.');
+      if (mine === turn) {
+        waiting('The best basis was not searched.');
+        results.gone();
+        if (isCancelled(error)) keepFocus();
+      }
       throw error;
     }
   });
 
+  function clear() {
+    turn += 1;
+    waiting('');
+    results.gone();
+  }
+
+  // The button that was pressed to cancel the search is hidden when it has ended.
+  function keepFocus() {
+    const { activeElement } = document;
+    if (activeElement === document.body || activeElement.closest('[hidden]')) start.element.focus();
+  }
+
   function draw() {
     const now = settings();
-    if (!now) return;
+    if (!now) {
+      clear();
+      return;
+    }
     depth.setRange({ min: 1, max: now.depths });
     depth.value = now.depth;
     cost.value = now.cost;
@@ -119,21 +140,18 @@ export function packetPart({ services, calls, guarded, settings, onChange, thres
       search();
       return;
     }
-    turn += 1;
-    results.hidden = true;
+    clear();
     guarded(() => waiting(`Of ${grouped(now.count)} samples the search takes a while.`));
   }
 
-  results.append(
-    lengths,
-    tablePlace,
-    make('div', { class: 'charts' }, tilingPlace, cosinePlace),
-    comparison.element,
-  );
+  const results = resultsIn(make,
+    lengths, tablePlace, make('div', { class: 'charts' }, tilingPlace, cosinePlace), comparison.element);
   waiting('');
   return {
-    element: make('div', {}, group('Packets', depth.element, cost.element, start.element), hint, results),
+    element: make('div', {}, group('Packets', depth.element, cost.element, start.element), hint, results.element),
     draw,
+    clear,
+    computing: results.computing,
     thresholdChanged: () => settings()?.cost === 'count_above' && draw(),
   };
 }

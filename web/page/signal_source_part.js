@@ -7,7 +7,7 @@
 import { drawingField } from './drawing.js';
 import { grouped, fault, MOST_SAMPLES } from './files.js';
 import {
-  SHAPES, SOURCES, drawnSignal, fileSignal, openSource, shapeSamples, withNoise,
+  SECONDS, SHAPES, SOURCES, drawnSignal, fileSignal, openSource, shapeSamples, withNoise,
 } from './signal_sources.js';
 
 const MOST_BYTES = 2 ** 28;
@@ -18,8 +18,10 @@ const has = (options, value) => options.some((option) => option.value === value)
 function sizeText({ samples, axis }) {
   const count = `${grouped(samples.length)} samples`;
   if (axis.unit === 'sample') return `${count}.`;
-  const span = Number((samples.length * axis.step).toPrecision(4));
+  const short = (value) => Number(value.toPrecision(4));
+  const span = short(samples.length * axis.step);
   if (axis.unit === 'year') return `${count}, ${span} years.`;
+  if (axis.unit !== SECONDS) return `${count}, ${axis.unit} from ${short(axis.start)} in steps of ${short(axis.step)}.`;
   return `${count}, ${Number((1 / axis.step).toPrecision(6))} a second, ${span} s.`;
 }
 
@@ -32,7 +34,7 @@ export function sourcePart({ services, target, onSignal }) {
     state.set({ shape: 'hand' });
     deliver(drawnSignal(samples));
   } });
-  let file = null;      // { name, rate, columns, note, column }, the last one that could be read
+  let file = null;      // { name, rate, columns, first, note, column }, the last one that could be read
   let base = null;      // the signal without noise
   let shown = '';       // what of the state it was made of
 
@@ -87,7 +89,7 @@ export function sourcePart({ services, target, onSignal }) {
 
   const signalOfFile = () => fileSignal(file.name, file.columns[file.column], file.rate);
 
-  async function readFile(dropped) {
+  async function readFile(dropped, count) {
     error.clear();
     try {
       if (dropped.size > MOST_BYTES) {
@@ -95,7 +97,8 @@ export function sourcePart({ services, target, onSignal }) {
       }
       const buffer = await dropped.arrayBuffer();
       const content = await compute.run('signal.read', { buffer }, { transfer: [buffer] });
-      file = { note: '', ...content, name: dropped.name, column: 0 };
+      const note = [count > 1 ? `Of the ${count} files the first is shown.` : '', content.note].filter(Boolean).join(' ');
+      file = { ...content, note, name: dropped.name, column: content.first };
       state.set({ source: 'file', file: file.name, threshold: '' });
       announce(`${file.name} is read.`);
       show(state.get());
@@ -147,7 +150,7 @@ export function sourcePart({ services, target, onSignal }) {
     source.value = now.source;
     shape.element.hidden = now.source !== 'drawn';
     drawing.hidden = now.source !== 'drawn';
-    column.element.hidden = now.source !== 'file' || file.columns.length < 2;
+    column.element.hidden = now.source !== 'file' || (file.columns.length < 2 && !file.note);
     const wanted = JSON.stringify([now.source, now.noise, now.shape, now.source === 'file' && file.name]);
     if (wanted === shown && now.source !== 'file') {
       deliver(base);

@@ -4,12 +4,14 @@
 // start + i step, in units of `unit`; `perUnit` is the unit of frequencies. `clean` is what noise was added to.
 
 import { readCsv } from './csv.js';
+import { scaleOf } from './signal_scale.js';
 
 const SAMPLES = 1024;
 
 const plain = { start: 0, step: 1, unit: 'sample', perUnit: 'cycles per sample' };
 
-export const secondsAxis = (rate) => ({ start: 0, step: 1 / rate, unit: 'time in s', perUnit: 'Hz' });
+export const SECONDS = 'time in s';
+export const secondsAxis = (rate) => ({ start: 0, step: 1 / rate, unit: SECONDS, perUnit: 'Hz' });
 
 const years = (start, step) => ({ start, step, unit: 'year', perUnit: 'cycles per year' });
 
@@ -65,8 +67,8 @@ export const drawnSignal = (samples) =>
 
 export const shapeSamples = (shape) => sampled(512, SHAPES[shape].f);
 
-export function fileSignal(name, { samples }, rate) {
-  const axis = rate ? secondsAxis(rate) : plain;
+export function fileSignal(name, { samples, axis: told }, rate) {
+  const axis = rate ? secondsAxis(rate) : told ?? plain;
   return { id: 'file', title: name, samples, clean: null, axis, file: `${name.replace(/\.[^.]*$/, '')}.csv` };
 }
 
@@ -82,7 +84,7 @@ function madeSignal(id) {
   return { id, title, samples: sampled(length, f), clean: null, axis: plain, file: `${id}.csv` };
 }
 
-export const isShipped = (id) => Object.hasOwn(SHIPPED, id);
+const isShipped = (id) => Object.hasOwn(SHIPPED, id);
 
 export async function openSource(id) {
   return isShipped(id) ? shippedSignal(id) : madeSignal(id);
@@ -102,19 +104,21 @@ function normalNumbers() {
   return () => Math.sqrt(-2 * Math.log(1 - uniform())) * Math.cos(2 * Math.PI * uniform());
 }
 
-export function variance(samples) {
-  const mean = samples.reduce((sum, x) => sum + x, 0) / samples.length;
-  return samples.reduce((sum, x) => sum + (x - mean) ** 2, 0) / samples.length;
+function deviation(samples) {
+  const scale = scaleOf(samples);
+  const mean = samples.reduce((sum, x) => sum + scale * x, 0) / samples.length;
+  const variance = samples.reduce((sum, x) => sum + (scale * x - mean) ** 2, 0) / samples.length;
+  return Math.sqrt(variance) / scale;
 }
 
 // The signal so many decibels above white noise.
 export function withNoise(signal, decibels) {
   const next = normalNumbers();
-  const deviation = Math.sqrt(variance(signal.samples) / 10 ** (decibels / 10));
+  const strength = deviation(signal.samples) / 10 ** (decibels / 20);
   return {
     ...signal,
     title: `${signal.title} with noise`,
-    samples: signal.samples.map((x) => x + deviation * next()),
+    samples: signal.samples.map((x) => x + strength * next()),
     clean: signal.samples,
     file: `noisy-${signal.file}`,
   };
