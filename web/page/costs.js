@@ -26,7 +26,8 @@ export function costOf(name, threshold) {
 export function checkCosts(name, samples, totals) {
   const { text } = COSTS.find(({ value }) => value === name);
   const fail = (size) => {
-    throw new Error(`The samples are too ${size} for this cost: ${text}. Please choose another cost or scale the data.`);
+    throw new Error(
+      `The samples are too ${size} for this cost: ${text}. Please choose another cost or scale the data.`);
   };
   if (!totals.every(Number.isFinite)) fail('large');
   const largest = samples.reduce((most, x) => Math.max(most, Math.abs(x)), 0);

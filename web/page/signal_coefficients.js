@@ -118,7 +118,8 @@ export function coefficientPart({ services, calls, guarded, settings, onChange, 
       file: 'restored-signal',
       series: [line('data', signal.samples), line('restored', restored.restored),
         ...(signal.clean ? [line('without noise', signal.clean)] : [])],
-      description: `${signal.samples.length} samples ${rangeOf(signal.samples)}; restored ${rangeOf(restored.restored)}.`,
+      description:
+        `${signal.samples.length} samples ${rangeOf(signal.samples)}; restored ${rangeOf(restored.restored)}.`,
     });
   }
 
@@ -126,7 +127,8 @@ export function coefficientPart({ services, calls, guarded, settings, onChange, 
     const { signal, coefficients, sizes } = made;
     const record = {
       title: 'Coefficients by level',
-      description: `${sizes.length - 1} levels of details, the finest on top, and the smooth part. The largest detail is ` +
+      description:
+        `${sizes.length - 1} levels of details, the finest on top, and the smooth part. The largest detail is ` +
         `${text(made.largest)}. Details below the threshold of ${text(threshold())} are pale.`,
       coefficients, sizes, memory,
       threshold: threshold(),

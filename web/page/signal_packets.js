@@ -60,7 +60,8 @@ export function packetPart({ services, calls, guarded, settings, onChange, thres
   function tilingOf({ axis }, { coefficients, basis, length }, title, windows) {
     return {
       title, coefficients, basis, windows, height: 300,
-      description: `${share(basis.length)} of levels ${basis[0][0]} to ${basis[basis.length - 1][0]}. Colours are energies.`,
+      description:
+        `${share(basis.length)} of levels ${basis[0][0]} to ${basis[basis.length - 1][0]}. Colours are energies.`,
       times: [axis.start, axis.start + length * axis.step],
       timeLabel: axis.unit,
       highest: 0.5 / axis.step,

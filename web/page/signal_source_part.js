@@ -97,7 +97,8 @@ export function sourcePart({ services, target, onSignal }) {
       }
       const buffer = await dropped.arrayBuffer();
       const content = await compute.run('signal.read', { buffer }, { transfer: [buffer] });
-      const note = [count > 1 ? `Of the ${count} files the first is shown.` : '', content.note].filter(Boolean).join(' ');
+      const first = count > 1 ? `Of the ${count} files the first is shown.` : '';
+      const note = [first, content.note].filter(Boolean).join(' ');
       file = { ...content, note, name: dropped.name, column: content.first };
       state.set({ source: 'file', file: file.name, threshold: '' });
       announce(`${file.name} is read.`);
