@@ -19,7 +19,7 @@ bool interpreterEnds();
 // Does work that may ask for the lock, as any Python code does from time to time. `work` owns nothing,
 // since its objects would not be destroyed. What forced unwinding throws is a reference to null.
 template <class Work>
-__attribute__((no_sanitize("null"))) auto askingForLock(Work work) {
+__attribute__((no_sanitize("null", "alignment"))) auto askingForLock(Work work) {
     try {
         return work();
     } catch (const abi::__forced_unwind&) {
